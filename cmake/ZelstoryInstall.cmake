@@ -1,0 +1,48 @@
+# What `cmake --install` puts where, and the package that find_package finds.
+include(CMakePackageConfigHelpers)
+
+set(ZELSTORY_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/zelstoryparser)
+
+install(
+  TARGETS zelstoryparser zelplatform
+  EXPORT zelstoryparserTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(
+  DIRECTORY include/zelstoryparser ${PROJECT_BINARY_DIR}/include/zelstoryparser
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING
+  PATTERN "*.h")
+# The platform's public headers; those that are missing here are its own affair.
+foreach(
+  header
+  zelcore/Export.h
+  zelcore/RefCountedObject.h
+  zelcore/String.h
+  zelcore/config/Localizer.h
+  zelcore/filesupport/Dir.h
+  zelcore/filesupport/File.h
+  zelcore/xml/AbstractParseHandler.h
+  zelcore/xml/Position.h
+  zelcore/xml/Reader.h
+  zelmetadata/Path.h
+  xmptoolkit/XMP.h
+  xmptoolkit/XMPTree.h)
+  get_filename_component(folder ${header} DIRECTORY)
+  install(FILES platform/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
+endforeach()
+install(EXPORT zelstoryparserTargets NAMESPACE zelstoryparser:: DESTINATION ${ZELSTORY_PACKAGE_DIR})
+
+configure_package_config_file(
+  cmake/zelstoryparserConfig.cmake.in ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
+  INSTALL_DESTINATION ${ZELSTORY_PACKAGE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
+                                 COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
+              ${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
+        DESTINATION ${ZELSTORY_PACKAGE_DIR})
+
+if(ZELSTORY_TOOL)
+  install(TARGETS zelstory RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()

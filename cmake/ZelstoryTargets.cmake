@@ -1,0 +1,47 @@
+# What our own targets share. Nothing here leaks into a project that adds this one.
+
+function(zelstory_options target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+  if(ZELSTORY_WARNINGS AND NOT MSVC)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+    if(ZELSTORY_WERROR)
+      target_compile_options(${target} PRIVATE -Werror)
+    endif()
+  endif()
+  if(ZELSTORY_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${ZELSTORY_SANITIZE} -fno-omit-frame-pointer
+                                             -fno-sanitize-recover=all)
+    target_link_options(${target} PRIVATE -fsanitize=${ZELSTORY_SANITIZE})
+  endif()
+endfunction()
+
+# A library of ours: exports only what is marked. `prefix` begins its macros.
+function(zelstory_library target prefix)
+  zelstory_options(${target})
+  set_target_properties(
+    ${target}
+    PROPERTIES CXX_VISIBILITY_PRESET hidden
+               VISIBILITY_INLINES_HIDDEN ON
+               POSITION_INDEPENDENT_CODE ON
+               VERSION ${PROJECT_VERSION}
+               SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  target_compile_definitions(${target} PRIVATE ${prefix}_BUILDING)
+  if(NOT BUILD_SHARED_LIBS)
+    target_compile_definitions(${target} PUBLIC ${prefix}_STATIC)
+  endif()
+endfunction()
+
+# A test program whose cases ctest runs one by one. Tests may include the headers of every folder.
+function(zelstory_add_tests target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES} GTest::gmock_main)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_definitions(${target}
+                             PRIVATE ZELSTORY_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples")
+  set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY
+                                             ${PROJECT_BINARY_DIR}/tests)
+  zelstory_options(${target})
+  gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()

@@ -1,0 +1,178 @@
+#include <algorithm>
+#include <limits>
+
+#include <zelcore/String.h>
+
+namespace zelcore {
+namespace {
+
+constexpr char16_t kReplacement = 0xFFFD;
+
+bool IsHighSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsLowSurrogate(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+// The allowed range of a sequence's second byte and the sequence's length, by its first byte; a
+// length of 0 marks a byte that starts nothing. (Unicode standard, table of well-formed sequences.)
+struct LeadByte {
+  int mLength;
+  unsigned char mSecondLow;
+  unsigned char mSecondHigh;
+};
+
+constexpr LeadByte ClassifyLead(unsigned char lead) {
+  if (lead >= 0xC2 && lead <= 0xDF) return {2, 0x80, 0xBF};
+  if (lead == 0xE0) return {3, 0xA0, 0xBF};
+  if (lead == 0xED) return {3, 0x80, 0x9F};
+  if (lead >= 0xE1 && lead <= 0xEF) return {3, 0x80, 0xBF};
+  if (lead == 0xF0) return {4, 0x90, 0xBF};
+  if (lead >= 0xF1 && lead <= 0xF3) return {4, 0x80, 0xBF};
+  if (lead == 0xF4) return {4, 0x80, 0x8F};
+  return {0, 0, 0};
+}
+
+struct Decoded {
+  char32_t mCodePoint;  // meaningless when ill-formed
+  std::size_t mBytes;   // consumed, at least 1
+  bool mWellFormed;
+};
+
+// Decodes the sequence that begins at `bytes`, which is not empty and begins above 0x7F.
+Decoded DecodeSequence(std::string_view bytes) {
+  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+  const LeadByte lead = ClassifyLead(byteAt(0));
+  if (lead.mLength == 0) return {0, 1, false};
+  char32_t codePoint = byteAt(0) & (0xFFu >> (lead.mLength + 1));
+  for (std::size_t i = 1; i < static_cast<std::size_t>(lead.mLength); ++i) {
+    const unsigned char low = i == 1 ? lead.mSecondLow : 0x80;
+    const unsigned char high = i == 1 ? lead.mSecondHigh : 0xBF;
+    if (i >= bytes.size() || byteAt(i) < low || byteAt(i) > high) return {0, i, false};
+    codePoint = (codePoint << 6) | (byteAt(i) & 0x3Fu);
+  }
+  return {codePoint, static_cast<std::size_t>(lead.mLength), true};
+}
+
+void AppendUTF16(char32_t codePoint, UTF16String& text) {
+  if (codePoint < 0x10000) {
+    text.push_back(static_cast<char16_t>(codePoint));
+    return;
+  }
+  const char32_t offset = codePoint - 0x10000;
+  text.push_back(static_cast<char16_t>(0xD800 + (offset >> 10)));
+  text.push_back(static_cast<char16_t>(0xDC00 + (offset & 0x3FF)));
+}
+
+void AppendUTF8(char32_t codePoint, UTF8String& bytes) {
+  const auto push = [&](char32_t value) { bytes.push_back(static_cast<char>(value)); };
+  if (codePoint < 0x80) return push(codePoint);
+  if (codePoint < 0x800) {
+    push(0xC0 | (codePoint >> 6));
+  } else {
+    if (codePoint < 0x10000) {
+      push(0xE0 | (codePoint >> 12));
+    } else {
+      push(0xF0 | (codePoint >> 18));
+      push(0x80 | ((codePoint >> 12) & 0x3F));
+    }
+    push(0x80 | ((codePoint >> 6) & 0x3F));
+  }
+  push(0x80 | (codePoint & 0x3F));
+}
+
+bool IsASCII(char byte) {
+  return static_cast<unsigned char>(byte) < 0x80;
+}
+
+bool IsSpace(char16_t unit) {
+  return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
+}
+
+}  // namespace
+
+namespace utility {
+
+UTF16String AsciiToUTF16(std::string_view ascii) {
+  UTF16String text(ascii.size(), u'\0');
+  std::transform(ascii.begin(), ascii.end(), text.begin(), [](char byte) {
+    return IsASCII(byte) ? static_cast<char16_t>(byte) : kReplacement;
+  });
+  return text;
+}
+
+UTF8String UTF16to8(std::u16string_view text) {
+  UTF8String bytes;
+  bytes.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char16_t unit = text[i];
+    if (IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+      const char32_t high = unit - 0xD800u;
+      const char32_t low = text[++i] - 0xDC00u;
+      AppendUTF8(0x10000 + (high << 10) + low, bytes);
+    } else {
+      AppendUTF8(IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kReplacement : unit, bytes);
+    }
+  }
+  return bytes;
+}
+
+void AppendUTF8to16(std::string_view bytes, UTF16String& text) {
+  while (!bytes.empty()) {
+    const auto asciiEnd = std::find_if_not(bytes.begin(), bytes.end(), IsASCII);
+    text.append(bytes.begin(), asciiEnd);
+    bytes.remove_prefix(static_cast<std::size_t>(asciiEnd - bytes.begin()));
+    if (bytes.empty()) return;
+    const Decoded decoded = DecodeSequence(bytes);
+    AppendUTF16(decoded.mWellFormed ? decoded.mCodePoint : kReplacement, text);
+    bytes.remove_prefix(decoded.mBytes);
+  }
+}
+
+UTF16String UTF8to16(std::string_view bytes) {
+  UTF16String text;
+  text.reserve(bytes.size());
+  AppendUTF8to16(bytes, text);
+  return text;
+}
+
+bool IsWellFormedUTF8(std::string_view bytes) {
+  while (true) {
+    const auto asciiEnd = std::find_if_not(bytes.begin(), bytes.end(), IsASCII);
+    bytes.remove_prefix(static_cast<std::size_t>(asciiEnd - bytes.begin()));
+    if (bytes.empty()) return true;
+    const Decoded decoded = DecodeSequence(bytes);
+    if (!decoded.mWellFormed) return false;
+    bytes.remove_prefix(decoded.mBytes);
+  }
+}
+
+}  // namespace utility
+
+iUTF16StringStream::iUTF16StringStream(UTF16String text) : mText(std::move(text)) {}
+
+iUTF16StringStream& iUTF16StringStream::operator>>(std::int32_t& value) {
+  if (mFailed) return *this;
+  const auto at = [this](std::size_t i) { return i < mText.size() ? mText[i] : u'\0'; };
+  const auto isDigit = [&](std::size_t i) { return at(i) >= u'0' && at(i) <= u'9'; };
+  while (IsSpace(at(mPosition))) ++mPosition;
+  const bool negative = at(mPosition) == u'-';
+  if (negative || at(mPosition) == u'+') ++mPosition;
+  mFailed = !isDigit(mPosition);
+
+  // One beyond the largest magnitude is enough to know an overflow, however many digits follow.
+  constexpr std::int64_t kBeyond = std::int64_t{1} << 32;
+  std::int64_t magnitude = 0;
+  for (; isDigit(mPosition); ++mPosition) {
+    magnitude = std::min(magnitude * 10 + (at(mPosition) - u'0'), kBeyond);
+  }
+  const std::int64_t number = negative ? -magnitude : magnitude;
+  const std::int64_t clamped = std::clamp<std::int64_t>(
+      number, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max());
+  mFailed = mFailed || clamped != number;
+  value = static_cast<std::int32_t>(clamped);
+  return *this;
+}
+
+}  // namespace zelcore

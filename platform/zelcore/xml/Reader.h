@@ -1,0 +1,69 @@
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+#include <zelcore/Export.h>
+#include <zelcore/xml/AbstractParseHandler.h>
+#include <zelcore/xml/Position.h>
+
+namespace zelcore::xml {
+
+// What stopped a parse, ready to be shown: "FILE:LINE:COLUMN: REASON".
+struct ReadError {
+  std::string mSource;  // the file as it was named, or the name given with a buffer or stream
+  Position mPosition;   // from 1; 1:1 when nothing could be read
+  std::string mReason;  // one line of UTF-8 text
+};
+
+// Reads an XML document and reports it to a handler through the plain callbacks: StartDocument,
+// StartElement, EndElement, Characters, StartCDATA, EndCDATA, Comment, EndDocument.
+//
+// Understood: XML 1.0 in UTF-8, UTF-16 with a byte-order mark, and the encodings that the XML
+// declaration may name. Refused: what is not well-formed, any use of an external entity or of an
+// undeclared one, more than 10,000 open elements, and entity references that add more than 64 MiB
+// of text. Nothing outside the given document is ever opened.
+//
+// A parse that fails returns false and leaves the reason in Error(); the handler keeps what it had
+// built from the events up to that place, EndDocument included. An exception of the handler passes
+// through, and the reader may be used again.
+//
+// Threads: one thread at a time per reader; any number of readers at once.
+class ZELPLATFORM_API Reader {
+ public:
+  Reader();
+  ~Reader();
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+
+  // Reads a file piece by piece: memory does not grow with its length. A missing file, a directory,
+  // an unreadable and an empty file are errors.
+  [[nodiscard]] bool ParseFile(const std::filesystem::path& file, AbstractParseHandler& handler);
+
+  // Reads a document in memory. `source` names it in errors.
+  [[nodiscard]] bool ParseBuffer(std::string_view bytes, std::string source,
+                                 AbstractParseHandler& handler);
+
+  // Reads a stream to its end, piece by piece. `source` names it in errors.
+  [[nodiscard]] bool ParseStream(std::istream& stream, std::string source,
+                                 AbstractParseHandler& handler);
+
+  // During a callback: the place of what is being reported; for a tag, that of its "<". Outside a
+  // parse: 1:1.
+  [[nodiscard]] Position CurrentPosition() const;
+
+  // The reason of the last parse that returned false.
+  [[nodiscard]] const ReadError& Error() const { return mError; }
+
+ private:
+  class Adapter;
+  template <typename Parse>
+  bool Run(std::string source, AbstractParseHandler& handler, Parse parse);
+
+  Adapter* mRunning = nullptr;  // set while a parse runs
+  ReadError mError;
+};
+
+}  // namespace zelcore::xml

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include <zelcore/Export.h>
+#include <zelcore/xml/Position.h>
+
+// The bytes-to-events engine below every XML reader of the platform: one place where the XML
+// library is configured and where documents from strangers meet their limits. Events are UTF-8,
+// whatever the document's encoding. Hosts use Reader.h; this header is the platform's own.
+namespace zelcore::xml {
+
+// Why a document could not be read to its end.
+struct SyntaxError {
+  Position mPosition;   // where the fault was found; 1:1 when the document could not be read at all
+  std::string mReason;  // one line of UTF-8 text, no full stop, no line end
+};
+
+// A name with its namespace resolved. Prefixes and local names are interned: equal ones are the
+// same memory for the whole parse, so a receiver can know a name by the addresses of the two. mURI
+// is empty without a namespace; an undeclared prefix leaves it empty too.
+struct NameView {
+  std::string_view mPrefix;
+  std::string_view mLocalName;
+  std::string_view mURI;
+};
+
+struct AttributeView {
+  NameView mName;
+  std::string_view mValue;
+};
+
+struct NamespaceView {
+  std::string_view mPrefix;  // empty: the default namespace
+  std::string_view mURI;
+};
+
+// The receiver of events. Arguments live until the callback returns, names until the parse ends. An
+// exception that leaves a callback stops the parse and leaves SAXDriver's Parse call.
+class SAXEvents {
+ public:
+  virtual ~SAXEvents() = default;
+  virtual void StartElement(const NameView& name, std::span<const NamespaceView> declarations,
+                            std::span<const AttributeView> attributes) = 0;
+  virtual void EndElement(const NameView& name) = 0;
+  virtual void Characters(std::string_view text) = 0;  // split anywhere between characters
+  virtual void StartCDATA() {}
+  virtual void EndCDATA() {}
+  virtual void Comment(std::string_view /*text*/) {}
+  virtual void ProcessingInstruction(std::string_view /*target*/, std::string_view /*data*/) {}
+  virtual void Doctype() {}  // a document type declaration has begun
+};
+
+// The limits that every document must keep; beyond one of them it is refused.
+struct Limits {
+  std::size_t mDepth = 10'000;             // open elements at one time
+  std::size_t mExpandedBytes = 64u << 20;  // text that entity references may add, in bytes
+};
+
+class ParseState;
+
+// Reads documents, one after another. External entities and external DTDs are never opened,
+// whatever the document says; a reference to one, or to an undeclared entity, is an error, since
+// its text would be lost. One driver is used by one thread at a time; several may run at once.
+class ZELPLATFORM_API SAXDriver {
+ public:
+  explicit SAXDriver(SAXEvents& events, Limits limits = {});
+  SAXDriver(const SAXDriver&) = delete;
+  SAXDriver& operator=(const SAXDriver&) = delete;
+  ~SAXDriver();
+
+  // Both read a whole document and return what stopped it, or nothing when it was well-formed to
+  // its end. The encoding is taken from a byte-order mark, then the XML declaration, then UTF-8.
+  // ParseStream reads 64 KiB at a time, so that memory does not grow with the document.
+  [[nodiscard]] std::optional<SyntaxError> ParseBuffer(std::string_view bytes);
+  [[nodiscard]] std::optional<SyntaxError> ParseStream(std::istream& stream);
+
+  // During a callback: the place of what is being reported. For a start or end tag that is its "<";
+  // in the text of an entity, the place of the reference. Outside a parse: 1:1.
+  [[nodiscard]] Position CurrentPosition() const;
+
+  // Called in a callback: no further event follows, and Parse returns an error with `reason` at the
+  // current position.
+  void Stop(std::string reason);
+
+ private:
+  template <typename FeedAll>
+  std::optional<SyntaxError> Run(FeedAll feedAll);
+
+  SAXEvents& mEvents;
+  const Limits mLimits;
+  std::unique_ptr<ParseState> mState;  // set while a parse runs
+};
+
+}  // namespace zelcore::xml

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+// What the host knows of its metadata: the namespaces' usual prefixes and the shapes of the story
+// properties. Constant tables; internal to the metadata library.
+namespace zelmetadata {
+
+// A field of a struct.
+struct FieldShape {
+  std::string_view mNamespaceURI;
+  std::string_view mName;
+};
+
+// A property with fields: of its own, or, for an array, of each of its items.
+struct PropertyShape {
+  std::string_view mNamespaceURI;
+  std::string_view mName;
+  bool mIsArray;
+  std::span<const FieldShape> mFields;
+};
+
+// The usual prefix of a namespace; empty when the schema does not know it.
+std::string_view PrefixForNamespace(std::string_view namespaceURI);
+
+// The shape of a top-level property; null when it has no fields or is not known.
+const PropertyShape* FindPropertyShape(std::string_view namespaceURI, std::string_view name);
+
+}  // namespace zelmetadata
