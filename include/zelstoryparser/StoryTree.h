@@ -1,0 +1,182 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+
+#include <zelcore/RefCountedObject.h>
+#include <zelcore/String.h>
+#include <zelstoryparser/Export.h>
+#include <zelstoryparser/ObjectID.h>
+
+// The tree of a parsed story: TavroStory, Document, Stream and CommentStream, Section, Scene,
+// Paragraph, TextRun. Nodes are plain data with public members. Links go downward only, so a tree
+// has no cycles; it lives as long as somebody holds its root, and a node that somebody holds lives
+// on, with all below it, when the rest goes.
+//
+// Make nodes with `new` and put them into a boost::intrusive_ptr at once: the last release deletes
+// them. Copying a node is shallow: the copy starts without holders and shares the source's
+// children. Pointers are null, texts and lists empty after construction; the only error is
+// std::bad_alloc, which leaves nothing behind.
+//
+// Threads: pointers to one node may be copied and dropped on several threads at once. The members
+// carry no lock.
+
+namespace zelcore::utility {
+
+// The protocol of boost::intrusive_ptr. Nothing else adds or drops references.
+inline void intrusive_ptr_add_ref(RefCountedObject* object) {
+  object->mRefCount.fetch_add(1, std::memory_order_relaxed);
+}
+
+// Deletes the object when its last holder goes, unless it is being deleted already or is marked
+// mNoAutoDelete. The release makes this holder's writes visible to whoever deletes.
+inline void intrusive_ptr_release(RefCountedObject* object) {
+  if (object->mRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1 != 0) return;
+  if (object->mDeleting || object->mNoAutoDelete) return;
+  object->mDeleting = true;
+  delete object;
+}
+
+}  // namespace zelcore::utility
+
+namespace zelstoryparser {
+
+using zelcore::utility::RefCountedObject;
+
+// What a paragraph is: the values of Paragraph::mElementType.
+enum ParagraphElementType : std::int32_t {
+  kSceneHeading = 200,
+  kCharacter = 201,
+  kDialog = 202,
+  kAction = 203,
+  kShot = 204,
+  kParenthetical = 205,
+  kTransition = 206,
+  kUnknownElement = 207,  // no "element" attribute, or a value that is not among kParagraphKinds
+};
+
+// The values of a paragraph's "element" attribute, exact in case and spacing, with their codes.
+struct ParagraphKind {
+  ParagraphElementType mType;
+  const char* mName;  // ASCII
+};
+
+inline constexpr std::array<ParagraphKind, 7> kParagraphKinds{{
+    {kSceneHeading, "SceneHeading"},
+    {kCharacter, "Character"},
+    {kDialog, "Dialog"},
+    {kAction, "Action"},
+    {kShot, "Shot"},
+    {kParenthetical, "Parenthetical"},
+    {kTransition, "Transition"},
+}};
+
+// Element "textRun".
+class ZELSTORYPARSER_API TextRun : public RefCountedObject {
+ public:
+  TextRun();
+  TextRun(const TextRun& other);
+  ~TextRun() override;
+
+  ObjectID mObjectID;  // attribute "objID"
+  UTF16String mText;   // the element's character data, nothing trimmed
+};
+
+// Element "paragraph": one script element.
+class ZELSTORYPARSER_API Paragraph : public RefCountedObject {
+ public:
+  Paragraph();
+  Paragraph(const Paragraph& other);
+  ~Paragraph() override;
+
+  ObjectID mObjectID;             // attribute "objID"
+  std::int32_t mElementType = 0;  // a ParagraphElementType, from attribute "element"; 0 until set
+  std::vector<boost::intrusive_ptr<TextRun>> mTextRuns;  // elements "textRun", in document order
+};
+
+// Element "scene".
+class ZELSTORYPARSER_API Scene : public RefCountedObject {
+ public:
+  Scene();
+  Scene(const Scene& other);
+  ~Scene() override;
+
+  ObjectID mObjectID;         // attribute "objID"
+  UTF16String mSceneNumber;   // attribute "sceneNumber"
+  UTF16String mShotDuration;  // attribute "shotDuration" of the last scene-heading paragraph; empty
+                              // without such a paragraph, or when it lacks the attribute
+  std::vector<boost::intrusive_ptr<Paragraph>> mParagraphs;  // elements "paragraph"
+};
+
+// Element "section".
+class ZELSTORYPARSER_API Section : public RefCountedObject {
+ public:
+  Section();
+  Section(const Section& other);
+  ~Section() override;
+
+  ObjectID mObjectID;                                // attribute "objID"
+  std::vector<boost::intrusive_ptr<Scene>> mScenes;  // elements "scene", in document order
+};
+
+// Element "commentStream".
+class ZELSTORYPARSER_API CommentStream : public RefCountedObject {
+ public:
+  CommentStream();
+  CommentStream(const CommentStream& other);
+  ~CommentStream() override;
+
+  ObjectID mObjectID;                      // attribute "objID"
+  UTF16String mName;                       // attribute "name"
+  UTF16String mCommentAuthor;              // attribute "commentAuthor"
+  UTF16String mDependent;                  // attribute "dependent"
+  UTF16String mCommentAuthorID;            // attribute "commentAuthorID"
+  boost::intrusive_ptr<Section> mSection;  // element "section"
+};
+
+// Element "stream".
+class ZELSTORYPARSER_API Stream : public RefCountedObject {
+ public:
+  Stream();
+  Stream(const Stream& other);
+  ~Stream() override;
+
+  ObjectID mObjectID;  // attribute "objID"
+  UTF16String
+      mName;  // attribute "name"; only "body", "header" and "footer" are linked into a document
+  boost::intrusive_ptr<Section> mSection;  // element "section"
+};
+
+// Element "document".
+class ZELSTORYPARSER_API Document : public RefCountedObject {
+ public:
+  Document();
+  Document(const Document& other);
+  ~Document() override;
+
+  boost::intrusive_ptr<Stream> mHeaderStream;  // element "stream" named "header"
+  boost::intrusive_ptr<Stream> mBodyStream;    // element "stream" named "body"
+  boost::intrusive_ptr<Stream> mFooterStream;  // element "stream" named "footer"
+  UTF16String mVersion;                        // attribute "version"; not tested
+  std::vector<boost::intrusive_ptr<CommentStream>> mCommentStreams;  // elements "commentStream"
+};
+
+// Element "TavroStory": the root.
+class ZELSTORYPARSER_API TavroStory : public RefCountedObject {
+ public:
+  TavroStory();
+  TavroStory(const TavroStory& other);
+  ~TavroStory() override;
+
+  boost::intrusive_ptr<Document> mDocument;  // element "document"
+  UTF16String mVersion;                      // attribute "version": the story format's version
+  UTF16String mDocumentType;                 // attribute "documentType"
+  UTF16String mTemplate;                     // attribute "template"
+  UTF16String mMetaData;                     // character data of element "metaData"
+  std::vector<UTF16String> mTags;            // attribute "label" of each element "Tag", in order
+};
+
+}  // namespace zelstoryparser

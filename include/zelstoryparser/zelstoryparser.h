@@ -1,0 +1,10 @@
+#pragma once
+
+// The whole public interface of zelstoryparser: screenplays into the metadata of clips.
+
+#include <zelstoryparser/ObjectID.h>
+#include <zelstoryparser/SceneXMP.h>
+#include <zelstoryparser/StoryParser.h>
+#include <zelstoryparser/StoryTree.h>
+#include <zelstoryparser/TraverseStory.h>
+#include <zelstoryparser/Version.h>

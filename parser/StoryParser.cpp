@@ -1,0 +1,278 @@
+#include "zelstoryparser/StoryParser.h"
+
+#include "parser/ElementTable.h"
+#include "text/StringTokenizer.h"
+
+namespace zelstoryparser {
+namespace {
+
+using zelcore::utility::AsciiToUTF16;
+
+// Built once, when the library is loaded.
+const UTF16String kObjID = AsciiToUTF16("objID");
+const UTF16String kVersion = AsciiToUTF16("version");
+const UTF16String kDocumentType = AsciiToUTF16("documentType");
+const UTF16String kTemplate = AsciiToUTF16("template");
+const UTF16String kName = AsciiToUTF16("name");
+const UTF16String kCommentAuthor = AsciiToUTF16("commentAuthor");
+const UTF16String kDependent = AsciiToUTF16("dependent");
+const UTF16String kCommentAuthorID = AsciiToUTF16("commentAuthorID");
+const UTF16String kSceneNumber = AsciiToUTF16("sceneNumber");
+const UTF16String kElement = AsciiToUTF16("element");
+const UTF16String kShotDuration = AsciiToUTF16("shotDuration");
+const UTF16String kLabel = AsciiToUTF16("label");
+
+UTF16String GetAttributeValue(const StoryParser::Attributes& attributes, const UTF16String& name) {
+  const auto attribute = attributes.find(name);
+  return attribute == attributes.end() ? UTF16String() : attribute->second;
+}
+
+ObjectID GetObjectIDAttribute(const StoryParser::Attributes& attributes) {
+  const auto attribute = attributes.find(kObjID);
+  return attribute == attributes.end() ? ObjectID() : ObjectID(attribute->second);
+}
+
+bool CheckStoryVersion(const UTF16String& version) {
+  StringTokenizer parts(version, u".", false);
+  const UTF16String major = parts.NextToken();
+  const UTF16String minor = parts.NextToken();
+  return major == u"1" && minor == u"0";
+}
+
+}  // namespace
+
+StoryParser::StoryParser()
+    : mElementMap(MakeElementMap()), mCurrentElement(kElementUnknown), mParseError(false) {}
+StoryParser::StoryParser(const StoryParser& other) = default;
+StoryParser& StoryParser::operator=(const StoryParser& other) = default;
+StoryParser::~StoryParser() = default;
+
+bool StoryParser::IsParseError() const {
+  return mParseError;
+}
+
+UTF16String StoryParser::GetErrorString() {
+  return mErrorString;
+}
+
+boost::intrusive_ptr<TavroStory> StoryParser::GetStory() {
+  return mStory;
+}
+
+void StoryParser::SetParseError(const UTF16String& message) {
+  mParseError = true;
+  mErrorString = message;
+}
+
+std::int32_t StoryParser::GetElement(const Attributes& attributes) {
+  const auto element = attributes.find(kElement);
+  if (element == attributes.end()) return kUnknownElement;
+  for (const ParagraphKind& kind : kParagraphKinds) {
+    if (element->second == AsciiToUTF16(kind.mName)) return kind.mType;
+  }
+  return kUnknownElement;
+}
+
+void StoryParser::StartDocument() {
+  mParseError = false;
+  mStory.reset();
+  CloseAll();
+}
+
+void StoryParser::EndDocument() {
+  CloseAll();
+}
+
+void StoryParser::CloseAll() {
+  mCurrentDocument.reset();
+  mCurrentCommentStream.reset();
+  mCurrentStream.reset();
+  mCurrentSection.reset();
+  mCurrentScene.reset();
+  mCurrentParagraph.reset();
+}
+
+void StoryParser::Characters(const UTF16String& text) {
+  if (!mParseError) mCharacters += text;
+}
+
+void StoryParser::LookUpElement(const UTF16String& name) {
+  const auto element = mElementMap.find(name);
+  mCurrentElement = element == mElementMap.end() ? +kElementUnknown : element->second;
+}
+
+void StoryParser::StartElement(const UTF16String& name, const Attributes& attributes) {
+  mCharacters.clear();
+  if (mParseError) return;
+  LookUpElement(name);
+  switch (mCurrentElement) {
+    case kElementStory:
+      return StartStory(attributes);
+    case kElementDocument:
+      return StartDocumentElement(attributes);
+    case kElementStream:
+      return StartStream(attributes);
+    case kElementSection:
+      return StartSection(attributes);
+    case kElementScene:
+      return StartScene(attributes);
+    case kElementParagraph:
+      return StartParagraph(attributes);
+    case kElementTextRun:
+      return StartTextRun(attributes);
+    case kElementCommentStream:
+      return StartCommentStream(attributes);
+    case kElementTag:
+      if (mStory) mStory->mTags.push_back(GetAttributeValue(attributes, kLabel));
+      return;
+    default:
+      return;  // "metaData": its text is wanted at its end; unknown names: nothing is
+  }
+}
+
+void StoryParser::StartStory(const Attributes& attributes) {
+  mStory = new TavroStory;
+  mStory->mVersion = GetAttributeValue(attributes, kVersion);
+  mStory->mDocumentType = GetAttributeValue(attributes, kDocumentType);
+  mStory->mTemplate = GetAttributeValue(attributes, kTemplate);
+  if (CheckStoryVersion(mStory->mVersion)) return;
+  SetParseError(AsciiToUTF16("Wrong Version.  The parser doesn't support version:  ") +
+                mStory->mVersion);
+}
+
+void StoryParser::StartDocumentElement(const Attributes& attributes) {
+  if (!mStory || mStory->mDocument || mCurrentDocument) {
+    return SetParseError(
+        AsciiToUTF16("We found a Document, but we already had one, are there two?"));
+  }
+  mCurrentDocument = new Document;
+  mCurrentDocument->mVersion = GetAttributeValue(attributes, kVersion);
+  mStory->mDocument = mCurrentDocument;
+}
+
+void StoryParser::StartStream(const Attributes& attributes) {
+  if (!mCurrentDocument || mCurrentStream) {
+    return SetParseError(
+        AsciiToUTF16("We found a Stream, but we already found one.  Are there two?"));
+  }
+  mCurrentStream = new Stream;
+  mCurrentStream->mObjectID = GetObjectIDAttribute(attributes);
+  mCurrentStream->mName = GetAttributeValue(attributes, kName);
+  const UTF16String& name = mCurrentStream->mName;
+  if (name == u"body") {
+    LinkStream(mCurrentDocument->mBodyStream,
+               "We found a Stream, but it's not part of a BodyStream?");
+  } else if (name == u"header") {
+    LinkStream(mCurrentDocument->mHeaderStream,
+               "We found a Header, but it's not part of a HeaderStream?");
+  } else if (name == u"footer") {
+    LinkStream(mCurrentDocument->mFooterStream,
+               "We found a Footer, but it's not part of a FooterStream?");
+  }
+}
+
+void StoryParser::LinkStream(boost::intrusive_ptr<Stream>& slot, const char* occupiedMessage) {
+  if (slot) return SetParseError(AsciiToUTF16(occupiedMessage));
+  slot = mCurrentStream;
+}
+
+// An open stream is served before an open comment stream, and only the latter asks that no section
+// be open.
+void StoryParser::StartSection(const Attributes& attributes) {
+  if (mCurrentStream && !mCurrentStream->mSection) {
+    return OpenSection(attributes, mCurrentStream->mSection);
+  }
+  if (mCurrentCommentStream && !mCurrentCommentStream->mSection && !mCurrentSection) {
+    return OpenSection(attributes, mCurrentCommentStream->mSection);
+  }
+  SetParseError(
+      AsciiToUTF16("We found a Section, but it's not part of a Stream or CommentStream?"));
+}
+
+void StoryParser::OpenSection(const Attributes& attributes, boost::intrusive_ptr<Section>& slot) {
+  mCurrentSection = new Section;
+  mCurrentSection->mObjectID = GetObjectIDAttribute(attributes);
+  slot = mCurrentSection;
+}
+
+void StoryParser::StartScene(const Attributes& attributes) {
+  if (!mCurrentSection) {
+    return SetParseError(AsciiToUTF16("We founda a Scene, but it's not part of a Section?"));
+  }
+  mCurrentScene = new Scene;
+  mCurrentScene->mObjectID = GetObjectIDAttribute(attributes);
+  mCurrentScene->mSceneNumber = GetAttributeValue(attributes, kSceneNumber);
+  mCurrentSection->mScenes.push_back(mCurrentScene);
+}
+
+void StoryParser::StartParagraph(const Attributes& attributes) {
+  if (!mCurrentScene) return;
+  mCurrentParagraph = new Paragraph;
+  mCurrentParagraph->mObjectID = GetObjectIDAttribute(attributes);
+  mCurrentParagraph->mElementType = GetElement(attributes);
+  if (mCurrentParagraph->mElementType == kSceneHeading) {
+    mCurrentScene->mShotDuration = GetAttributeValue(attributes, kShotDuration);
+  }
+  mCurrentScene->mParagraphs.push_back(mCurrentParagraph);
+}
+
+void StoryParser::StartTextRun(const Attributes& attributes) {
+  if (!mCurrentParagraph) return;
+  mCurrentTextRun = new TextRun;
+  mCurrentTextRun->mObjectID = GetObjectIDAttribute(attributes);
+  mCurrentParagraph->mTextRuns.push_back(mCurrentTextRun);
+}
+
+void StoryParser::StartCommentStream(const Attributes& attributes) {
+  if (!mCurrentDocument) {
+    return SetParseError(AsciiToUTF16("We found a CommentStream, but it's not part of Document?"));
+  }
+  mCurrentCommentStream = new CommentStream;
+  mCurrentCommentStream->mObjectID = GetObjectIDAttribute(attributes);
+  mCurrentCommentStream->mName = GetAttributeValue(attributes, kName);
+  mCurrentCommentStream->mCommentAuthor = GetAttributeValue(attributes, kCommentAuthor);
+  mCurrentCommentStream->mDependent = GetAttributeValue(attributes, kDependent);
+  mCurrentCommentStream->mCommentAuthorID = GetAttributeValue(attributes, kCommentAuthorID);
+  mCurrentDocument->mCommentStreams.push_back(mCurrentCommentStream);
+}
+
+void StoryParser::EndElement(const UTF16String& name) {
+  if (mParseError) return;
+  LookUpElement(name);
+  switch (mCurrentElement) {
+    case kElementDocument:
+      return mCurrentDocument.reset();
+    case kElementStream:
+      return mCurrentStream.reset();
+    case kElementSection:
+      return mCurrentSection.reset();
+    case kElementScene:
+      return mCurrentScene.reset();
+    case kElementParagraph:
+      return mCurrentParagraph.reset();
+    case kElementTextRun:
+      return EndTextRun();
+    case kElementCommentStream:
+      return mCurrentCommentStream.reset();
+    case kElementMetaData:
+      return EndMetaData();
+    default:
+      return;  // the root stays for GetStory
+  }
+}
+
+void StoryParser::EndTextRun() {
+  if (!mCurrentTextRun || !mCurrentTextRun->mText.empty()) return;
+  mCurrentTextRun->mText = mCharacters;
+  mCharacters.clear();
+}
+
+void StoryParser::EndMetaData() {
+  if (!mStory || !mStory->mMetaData.empty()) {
+    return SetParseError(AsciiToUTF16("Metadata already exists.  Are there two?"));
+  }
+  mStory->mMetaData = mCharacters;
+  mCharacters.clear();
+}
+
+}  // namespace zelstoryparser
