@@ -1,0 +1,59 @@
+#include <iostream>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "Command.h"
+#include "Console.h"
+#include "StoryFile.h"
+
+namespace zelstory {
+namespace {
+
+struct CheckOptions {
+  std::vector<std::string> mFiles;
+  bool mAsJSON = false;
+};
+
+void PrintJSON(const std::string& file, const std::optional<StoryFault>& fault) {
+  nlohmann::ordered_json result{{"file", file}, {"ok", !fault}};
+  if (fault) {
+    result["line"] = fault->mPosition.mLine;
+    result["column"] = fault->mPosition.mColumn;
+    result["message"] = fault->mMessage;
+    result["where"] =
+        fault->mWhere.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(fault->mWhere);
+  }
+  std::cout << result.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+int Check(const CheckOptions& options) {
+  bool allGood = true;
+  for (const std::string& file : options.mFiles) {
+    boost::intrusive_ptr<zelstoryparser::TavroStory> story;
+    const std::optional<StoryFault> fault = ReadStory(file, story);
+    allGood = allGood && !fault;
+    if (options.mAsJSON) {
+      PrintJSON(file, fault);
+    } else {
+      PrintLine(fault ? fault->Describe(file) : file + ": ok");
+    }
+  }
+  return allGood ? kDone : kRefused;
+}
+
+}  // namespace
+
+void AddCheckCommand(CLI::App& tool, ChosenCommand& chosen) {
+  CLI::App* command = tool.add_subcommand("check", "Test whether files are well-formed stories");
+  const auto options = std::make_shared<CheckOptions>();
+  command->add_option("STORY", options->mFiles, "Story files; - is standard input")->required();
+  command->add_flag("--json", options->mAsJSON, "Print one JSON object a file");
+  command->footer(
+      "Prints FILE: ok, or FILE:LINE:COLUMN: error: MESSAGE (PLACE IN THE STORY), a line each.\n"
+      "Lines and columns count from 1, columns in characters.\n"
+      "Exit status: 0 all are stories, 1 one or more are not, 2 wrong usage.");
+  command->callback([options, &chosen] { chosen = [options] { return Check(*options); }; });
+}
+
+}  // namespace zelstory

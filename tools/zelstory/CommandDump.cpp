@@ -1,0 +1,34 @@
+#include <iostream>
+
+#include <zelstoryparser/TraverseStory.h>
+
+#include "Command.h"
+#include "Console.h"
+#include "StoryFile.h"
+
+namespace zelstory {
+namespace {
+
+int Dump(const std::string& file) {
+  zelstoryparser::UTF16String text;
+  zelstoryparser::TraverseStory(LoadStory(file), text);
+  if (!text.empty()) std::cout << ToUTF8(text) << '\n';
+  return kDone;
+}
+
+}  // namespace
+
+void AddDumpCommand(CLI::App& tool, ChosenCommand& chosen) {
+  CLI::App* command = tool.add_subcommand(
+      "dump", "Print a story's versions and dump every scene's packet into the temporary folder");
+  const auto file = std::make_shared<std::string>();
+  command->add_option("STORY", *file, "The story file; - is standard input")->required();
+  command->footer(
+      "The files are mivTestXMPBufferDumpFile_Scene_N_Shot_N.txt; those of comment streams replace "
+      "the\n"
+      "body's of the same number.\n"
+      "Exit status: 0 done, 1 refused, 2 wrong usage.");
+  command->callback([file, &chosen] { chosen = [file] { return Dump(*file); }; });
+}
+
+}  // namespace zelstory

@@ -1,0 +1,53 @@
+#include <iostream>
+
+#include <nlohmann/json.hpp>
+
+#include "Command.h"
+#include "SceneSelection.h"
+#include "Screenplay.h"
+#include "StoryFile.h"
+#include "StoryJSON.h"
+
+namespace zelstory {
+namespace {
+
+using zelstoryparser::TavroStory;
+
+struct ShowOptions {
+  std::string mFile;
+  SceneSelection mScene;
+  bool mAsJSON = false;
+  bool mWithComments = false;
+};
+
+void PrintJSON(const nlohmann::ordered_json& json) {
+  std::cout << json.dump(2) << '\n';
+}
+
+int Show(const ShowOptions& options) {
+  const boost::intrusive_ptr<TavroStory> story = LoadStory(options.mFile);
+  if (!options.mScene.IsGiven()) {
+    options.mAsJSON ? PrintJSON(StoryAsJSON(*story))
+                    : PrintScreenplay(*story, options.mWithComments, std::cout);
+    return kDone;
+  }
+  const SelectedScene selected = options.mScene.Find(*story, options.mFile);
+  options.mAsJSON ? PrintJSON(SceneAsJSON(*selected.mScene))
+                  : PrintScene(*selected.mScene, selected.mPosition, std::cout);
+  return kDone;
+}
+
+}  // namespace
+
+void AddShowCommand(CLI::App& tool, ChosenCommand& chosen) {
+  CLI::App* command = tool.add_subcommand("show", "Print a story as a screenplay, or as JSON");
+  const auto options = std::make_shared<ShowOptions>();
+  command->add_option("STORY", options->mFile, "The story file; - is standard input")->required();
+  options->mScene.AddOptions(*command);
+  command->add_flag("--comments", options->mWithComments, "Print the comment streams, too");
+  command->add_flag("--json", options->mAsJSON, "Print the whole tree, or one scene's, as JSON");
+  command->footer("Exit status: 0 done, 1 refused, 2 wrong usage.");
+  command->callback([options, &chosen] { chosen = [options] { return Show(*options); }; });
+}
+
+}  // namespace zelstory

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace zelstory {
+
+// Serialises the tool's updates of files in one folder: held from the reading of a file to its
+// replacement, so that of two writers at once the second sees what the first wrote. Where the
+// system or the file system knows no such locks, nothing is held, and replacements are still whole.
+class DirectoryLock {
+ public:
+  // Waits for the folder that holds `file`. The lock goes with the object, and with the process.
+  explicit DirectoryLock(const std::filesystem::path& file);
+  ~DirectoryLock();
+  DirectoryLock(const DirectoryLock&) = delete;
+  DirectoryLock& operator=(const DirectoryLock&) = delete;
+
+ private:
+  int mDescriptor = -1;
+};
+
+// The bytes of a regular file, or nothing when there is none. Throws ToolError for a directory, a
+// device, a file above 1 GiB, and when reading fails.
+std::optional<std::string> ReadWholeFile(const std::filesystem::path& file);
+
+// Replaces a file by the bytes, or creates it: whole or not at all. The bytes are written to a
+// nameless or hidden file in the same folder, flushed to disk, and renamed; the folder is flushed.
+// A symbolic link is followed to its target and stays a link. Mode and, where permitted, owner are
+// kept. Signals that would end the process wait until the replacement is done. Throws ToolError;
+// the old file is then as it was, and nothing else is left in the folder.
+void ReplaceFile(const std::filesystem::path& file, const std::string& bytes);
+
+}  // namespace zelstory

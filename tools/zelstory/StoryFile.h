@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+
+#include <zelcore/xml/Reader.h>
+#include <zelstoryparser/StoryTree.h>
+
+namespace zelstory {
+
+// What is wrong with a story file.
+struct StoryFault {
+  zelcore::xml::Position mPosition;  // of the tag at fault, or where the XML is malformed; from 1
+  std::string mMessage;              // UTF-8
+  std::string
+      mWhere;  // the place in the story ("body, scene 3, paragraph 7"); empty outside streams
+
+  // FILE:LINE:COLUMN: error: MESSAGE (WHERE)
+  std::string Describe(const std::string& file) const;
+};
+
+// Reads a story file and returns its first fault, or nothing and the root in `story`. "-" names
+// standard input. A document without any root is a fault.
+std::optional<StoryFault> ReadStory(const std::string& file,
+                                    boost::intrusive_ptr<zelstoryparser::TavroStory>& story);
+
+// Reads a story file that must be faultless. Throws ToolError.
+boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file);
+
+// The scenes of the body, in order; none when there is no body or it has no section.
+std::vector<boost::intrusive_ptr<zelstoryparser::Scene>> BodyScenes(
+    const zelstoryparser::TavroStory& story);
+
+}  // namespace zelstory

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// UTF-8 text on a page of fixed-width columns.
+namespace zelstory {
+
+// The columns that a terminal gives the text: two for wide characters, none for combining ones.
+std::size_t ColumnsOf(std::string_view text);
+
+// The text in capitals, letter by letter as Unicode's simple case mapping has them.
+std::string InCapitals(std::string_view text);
+
+// Cuts a text into lines of at most `columns` at white space, keeping its own line ends; a longer
+// word is cut where the line is full. Control characters, which could steer a terminal, become
+// U+FFFD. Never empty: an empty text is one empty line.
+std::vector<std::string> WrapText(std::string_view text, std::size_t columns);
+
+}  // namespace zelstory

@@ -1,0 +1,59 @@
+#include <exception>
+
+#include <CLI/CLI.hpp>
+
+#include <zelstoryparser/Version.h>
+
+#include "Command.h"
+#include "Console.h"
+#include "ToolError.h"
+
+namespace {
+
+using namespace zelstory;
+
+int WrongUsage(const std::string& reason) {
+  PrintError("zelstory: error: " + reason + " (zelstory --help tells more)");
+  return kUsage;
+}
+
+int Run(const ChosenCommand& chosen) {
+  try {
+    const int status = chosen();
+    FlushOutput();
+    return status;
+  } catch (const UsageError& error) {
+    return WrongUsage(error.what());
+  } catch (const ToolError& error) {
+    PrintError(error.what());
+  } catch (const std::exception& error) {
+    PrintError(std::string("zelstory: error: ") + error.what());
+  }
+  return kRefused;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App tool("Brings screenplays into the XMP metadata of clips.", "zelstory");
+  tool.set_version_flag("--version", "zelstory " ZELSTORYPARSER_VERSION);
+  tool.require_subcommand(1);
+  tool.footer(
+      "zelstory COMMAND --help tells the options of a command.\n"
+      "Where a file is named, - is standard input or output. Text is UTF-8.\n"
+      "Exit status: 0 done (or yes), 1 refused (or no), 2 wrong usage.");
+  ChosenCommand chosen;
+  AddCheckCommand(tool, chosen);
+  AddShowCommand(tool, chosen);
+  AddWriteCommand(tool, chosen);
+  AddClearCommand(tool, chosen);
+  AddHasCommand(tool, chosen);
+  AddShotsCommand(tool, chosen);
+  AddDumpCommand(tool, chosen);
+  try {
+    tool.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return error.get_exit_code() == 0 ? tool.exit(error) : WrongUsage(error.what());
+  }
+  return Run(chosen);
+}
