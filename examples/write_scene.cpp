@@ -1,4 +1,3 @@
-// Reads a story and writes its first scene into the metadata of a clip.
 #include <iostream>
 
 #include <zelcore/xml/Reader.h>

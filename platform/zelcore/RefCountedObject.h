@@ -3,6 +3,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include <zelcore/Export.h>
+
 namespace zelcore::utility {
 
 // The base of everything that is shared by counted pointers. Objects are made with `new` and put
@@ -10,7 +12,7 @@ namespace zelcore::utility {
 //
 // Threads: the count changes only atomically, so pointers to one object may be copied and dropped
 // on several threads at once. The flags are plain fields.
-class RefCountedObject {
+class ZELPLATFORM_API RefCountedObject {
  public:
   RefCountedObject() = default;
 

@@ -23,6 +23,7 @@ void AddShowCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddWriteCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddClearCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddHasCommand(CLI::App& tool, ChosenCommand& chosen);
+void AddXMPCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddShotsCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddDumpCommand(CLI::App& tool, ChosenCommand& chosen);
 

@@ -3,16 +3,16 @@
 #include "Command.h"
 #include "Console.h"
 #include "Sidecar.h"
-#include "ToolError.h"
 
 namespace zelstory {
 namespace {
 
-int Has(const std::vector<std::string>& files) {
+int Has(const std::vector<std::string>& clips) {
   bool allHave = true;
   const int status =
-      ForEachFile(files, [&allHave](const std::string& file, const std::string& label) {
-        Sidecar sidecar(file, Sidecar::WhenAbsent::kRefuse);
+      ForEachFile(clips, [&allHave](const std::string& clip, const std::string& label) {
+        Sidecar sidecar(FindSidecar(clip, SidecarForm::kFull, WhenAbsent::kRefuse),
+                        WhenAbsent::kRefuse);
         const bool has = zelstoryparser::HasAnyStoryRelatedMetadata(sidecar.Metadata());
         allHave = allHave && has;
         PrintLine(label + (has ? "yes" : "no"));
@@ -24,12 +24,15 @@ int Has(const std::vector<std::string>& files) {
 
 void AddHasCommand(CLI::App& tool, ChosenCommand& chosen) {
   CLI::App* command = tool.add_subcommand("has", "Tell whether sidecars hold a scene's metadata");
-  const auto files = std::make_shared<std::vector<std::string>>();
-  command->add_option("CLIP.xmp", *files, "Sidecars; - is standard input")->required();
+  const auto clips = std::make_shared<std::vector<std::string>>();
+  command
+      ->add_option("CLIP", *clips,
+                   "Sidecars (*.xmp) or the clips they belong to; - is standard input")
+      ->required();
   command->footer(
-      "Prints yes or no a file; behind FILE: for several files.\n"
+      "Prints yes or no a clip; behind CLIP: for several clips.\n"
       "Exit status: 0 all have, 1 one or more have not or were refused, 2 wrong usage.");
-  command->callback([files, &chosen] { chosen = [files] { return Has(*files); }; });
+  command->callback([clips, &chosen] { chosen = [clips] { return Has(*clips); }; });
 }
 
 }  // namespace zelstory

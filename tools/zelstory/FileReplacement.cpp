@@ -81,7 +81,7 @@ class SignalsHeld {
   SignalsHeld() {
     sigset_t ending;
     sigemptyset(&ending);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXFSZ}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
       sigaddset(&ending, signal);
     }
     pthread_sigmask(SIG_BLOCK, &ending, &mBefore);

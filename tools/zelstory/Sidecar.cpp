@@ -5,6 +5,8 @@
 #include <limits>
 #include <utility>
 
+#include <xmptoolkit/XMPTree.h>
+
 #include "Console.h"
 #include "FileReplacement.h"
 #include "ToolError.h"
@@ -17,42 +19,73 @@ std::optional<std::string> ReadBytes(const std::string& file) {
   return std::string(std::istreambuf_iterator<char>(std::cin), {});
 }
 
-std::string MetadataAlone(const TXMPMeta<std::string>& metadata) {
-  std::string text;
-  metadata.SerializeToBuffer(&text, kXMP_OmitPacketWrapper);
-  return text;
-}
-
 }  // namespace
 
 Sidecar::Sidecar(std::string file, WhenAbsent whenAbsent)
     : mFile(std::move(file)), mBytes(ReadBytes(mFile)) {
-  if (!mBytes && whenAbsent == WhenAbsent::kRefuse) {
-    throw ToolError(mFile, "No such file or directory");
+  if (!mBytes) {
+    if (whenAbsent == WhenAbsent::kRefuse) throw ToolError(mFile, "No such file or directory");
+    return;
   }
-  if (mBytes) {
-    if (mBytes->size() > std::numeric_limits<XMP_StringLen>::max()) {
-      throw ToolError(mFile, "is too large");
-    }
-    try {
-      mMetadata.ParseFromBuffer(mBytes->data(), static_cast<XMP_StringLen>(mBytes->size()));
-    } catch (const XMP_Error& error) {
-      throw ToolError(mFile, error.GetErrMsg());
-    }
+  if (mBytes->size() > std::numeric_limits<XMP_StringLen>::max()) {
+    throw ToolError(mFile, "is too large");
   }
-  mBefore = MetadataAlone(mMetadata);
+  try {
+    const auto size = static_cast<XMP_StringLen>(mBytes->size());
+    mMetadata.ParseFromBuffer(mBytes->data(), size);
+    mPacket = TXMPUtils::LocatePacket(mBytes->data(), size);
+  } catch (const XMP_Error& error) {
+    throw ToolError(mFile, error.GetErrMsg());
+  }
+  mBefore = mMetadata;
 }
 
-bool Sidecar::Save() {
-  const bool changed = !mBytes || MetadataAlone(mMetadata) != mBefore;
+bool Sidecar::IsChanged() const {
+  return !mBytes || !xmptoolkit::AreEqual(mBefore, mMetadata, xmptoolkit::Equality::kFile);
+}
+
+void Sidecar::RefuseReadOnly() const {
+  if (!mPacket.mIsReadOnly) return;
+  throw ToolError(mFile, "the packet is marked read-only; --force changes it all the same");
+}
+
+std::string Sidecar::NewPacket() const {
   std::string packet;
-  mMetadata.SerializeToBuffer(&packet);
-  if (mFile == kStandardStream) {
-    std::cout << packet;
-  } else if (changed) {
-    ReplaceFile(mFile, packet);
+  if (!mBytes) {
+    mMetadata.SerializeToBuffer(&packet);
+    return packet;
   }
-  return changed;
+  if (!mPacket.mHasWrapper) {
+    mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding | kXMP_OmitPacketWrapper);
+    return packet;
+  }
+  if (mPacket.mIsReadOnly) {
+    mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding | kXMP_ReadOnlyPacket);
+    return packet;
+  }
+  try {
+    mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding | kXMP_ExactPacketLength,
+                                static_cast<XMP_StringLen>(mPacket.mLength));
+  } catch (const XMP_Error& error) {
+    if (error.GetID() != kXMPErr_NoRoom) throw;
+    mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding);
+  }
+  return packet;
+}
+
+std::string Sidecar::NewBytes() const {
+  if (!mBytes) return NewPacket();
+  return mBytes->substr(0, mPacket.mOffset) + NewPacket() +
+         mBytes->substr(mPacket.mOffset + mPacket.mLength);
+}
+
+void Sidecar::Save() const {
+  const bool changed = IsChanged();
+  if (mFile == kStandardStream) {
+    std::cout << (changed ? NewBytes() : *mBytes);
+  } else if (changed) {
+    ReplaceFile(mFile, NewBytes());
+  }
 }
 
 }  // namespace zelstory

@@ -2,36 +2,44 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include <xmptoolkit/XMP.h>
-#include <zelmetadata/Path.h>
+
+#include "SidecarName.h"
 
 namespace zelstory {
 
 // The XMP of one sidecar file. "-" reads standard input and writes standard output.
 class Sidecar {
  public:
-  enum class WhenAbsent { kRefuse, kCreate };
-
   // Reads a sidecar; an absent one is empty metadata, or a refusal. Throws ToolError for what
   // cannot be read and for what is no XMP.
   Sidecar(std::string file, WhenAbsent whenAbsent);
 
+  const std::string& File() const { return mFile; }
   TXMPMeta<std::string>& Metadata() { return mMetadata; }
+  const TXMPMeta<std::string>& MetadataBefore() const { return mBefore; }  // as it was read
 
-  // Writes the metadata back if it has changed, whole or not at all, and returns whether it had.
-  // What surrounds the packet in the file stays. Standard output is always written. Throws
-  // ToolError.
-  bool Save();
+  // Whether the metadata differs from what was read.
+  bool IsChanged() const;
+
+  // Throws ToolError when the packet is marked read-only.
+  void RefuseReadOnly() const;
+
+  // Writes the file, whole or not at all, if the metadata has changed; standard output always. What
+  // surrounds the packet stays, and so do its encoding and its wrapper. The file keeps its length
+  // where the packet's padding allows; otherwise the padding is renewed. Throws ToolError.
+  void Save() const;
 
  private:
-  std::string Serialise() const;
+  std::string NewBytes() const;
+  std::string NewPacket() const;
 
   std::string mFile;
   std::optional<std::string> mBytes;  // of the file as it was; none when it was absent
+  XMP_PacketInfo mPacket;             // where the packet lies in them
   TXMPMeta<std::string> mMetadata;
-  std::string mBefore;  // the metadata as it was read
+  TXMPMeta<std::string> mBefore;
 };
 
 }  // namespace zelstory

@@ -35,6 +35,9 @@ int Run(const ChosenCommand& chosen) {
 }  // namespace
 
 int main(int argc, char** argv) {
+#if defined(SIGXFSZ)
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is reported like a full disk
+#endif
   CLI::App tool("Brings screenplays into the XMP metadata of clips.", "zelstory");
   tool.set_version_flag("--version", "zelstory " ZELSTORYPARSER_VERSION);
   tool.require_subcommand(1);
@@ -48,6 +51,7 @@ int main(int argc, char** argv) {
   AddWriteCommand(tool, chosen);
   AddClearCommand(tool, chosen);
   AddHasCommand(tool, chosen);
+  AddXMPCommand(tool, chosen);
   AddShotsCommand(tool, chosen);
   AddDumpCommand(tool, chosen);
   try {

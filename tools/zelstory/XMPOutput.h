@@ -1,0 +1,22 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <xmptoolkit/XMP.h>
+
+namespace zelstory {
+
+// Prints any metadata as an indented tree: a property a line, its kind in brackets (struct, bag,
+// seq, alt), values in quotation marks, items under their numbers, qualifiers under a question
+// mark.
+void PrintXMP(const TXMPMeta<std::string>& metadata, std::ostream& output);
+
+// The same as JSON: {"properties": [NODE...]}, where a node has "name" (not in items), "namespace",
+// "kind" (simple, uri, struct, bag, seq, alt), then "value", "fields" or "items", and "qualifiers"
+// if there are any.
+nlohmann::ordered_json XMPAsJSON(const TXMPMeta<std::string>& metadata);
+
+}  // namespace zelstory
