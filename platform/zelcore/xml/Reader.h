@@ -23,8 +23,9 @@ struct ReadError {
 //
 // Understood: XML 1.0 in UTF-8, UTF-16 with a byte-order mark, and the encodings that the XML
 // declaration may name. Refused: what is not well-formed, any use of an external entity or of an
-// undeclared one, more than 10,000 open elements, and entity references that add more than 64 MiB
-// of text. Nothing outside the given document is ever opened.
+// undeclared one, more than 10,000 open elements, a tag, comment or CDATA section above 8 MiB, and
+// entities and default attributes that deliver more than four times the document's bytes and 64
+// MiB. Nothing outside the given document is ever opened.
 //
 // A parse that fails returns false and leaves the reason in Error(); the handler keeps what it had
 // built from the events up to that place, EndDocument included. An exception of the handler passes

@@ -13,6 +13,7 @@
 #include <libxml/xmlerror.h>
 
 #include <zelcore/xml/SAXDriver.h>
+#include <zelcore/xml/TextWindow.h>
 
 namespace zelcore::xml {
 namespace {
@@ -25,11 +26,6 @@ std::string_view View(const xmlChar* text) {
 
 std::string_view View(const xmlChar* begin, const xmlChar* end) {
   return {reinterpret_cast<const char*>(begin), static_cast<std::size_t>(end - begin)};
-}
-
-// A column counts characters; continuation bytes are not their beginnings.
-std::int64_t CountCharacters(const xmlChar* begin, const xmlChar* end) {
-  return std::count_if(begin, end, [](xmlChar byte) { return (byte & 0xC0) != 0x80; });
 }
 
 // The XML library's messages end in a line feed and may hold more of them.
@@ -70,7 +66,6 @@ class ParseState {
       mException = std::current_exception();
       Halt();
     }
-    if (!mHalted) mLastPosition = LibraryPosition();
   }
 
   void Halt() {
@@ -84,35 +79,52 @@ class ParseState {
     Halt();
   }
 
-  // Where the library reads; in the text of an entity, where that entity is referred to.
-  Position LibraryPosition() const {
+  // Where the library reads in the document; in the text of an entity, behind the reference to it.
+  Position ReadingPosition() const {
     const xmlParserInput* input = mContext ? mContext->input : nullptr;
-    return input == nullptr ? Position{} : Position{input->line, input->col};
+    if (input == nullptr) return {};
+    return IsConverted(*input) ? Position{input->line, input->col} : mWindow.At(OffsetOf(*input));
   }
 
   Position CurrentPosition() const {
-    return mInTag && mContext && mContext->input != nullptr ? TagPosition(*mContext->input)
-                                                            : LibraryPosition();
+    return mInTag && mInner == mContext.get() && mContext->input != nullptr
+               ? TagPosition(*mContext->input)
+               : ReadingPosition();
   }
 
   // The library reads at or behind a tag's end when it reports the tag; no "<" can stand inside a
   // tag, so the last one before is the tag's own.
   Position TagPosition(const xmlParserInput& input) const {
-    const xmlChar* tag = input.cur;
-    while (tag > input.base && *--tag != '<') continue;
-    if (tag >= input.cur || *tag != '<') return LibraryPosition();
-    const std::int64_t newlines = std::count(tag, input.cur, '\n');
-    const std::int64_t line = input.line - newlines;
-    const xmlChar* lineStart = tag;
-    while (lineStart > input.base && lineStart[-1] != '\n') --lineStart;
-    const bool startKnown = lineStart > input.base || input.consumed == 0;
-    if (startKnown) {
-      const std::string_view before = View(lineStart, tag);
-      const std::int64_t byteOrderMark = before.substr(0, 3) == "\xEF\xBB\xBF" ? 1 : 0;
-      return {line, CountCharacters(lineStart, tag) + 1 - byteOrderMark};
+    if (!IsConverted(input)) return mWindow.At(mWindow.LastTagBefore(OffsetOf(input)));
+    const std::string_view read = View(input.base, input.cur);
+    const std::size_t tag = read.rfind('<');
+    const std::size_t newline = read.rfind('\n', tag);
+    if (tag == std::string_view::npos || newline == std::string_view::npos) {
+      return ReadingPosition();
     }
-    if (newlines == 0) return {line, input.col - CountCharacters(tag, input.cur)};
-    return {line, mLastPosition.mColumn};
+    const std::size_t lineStart = newline + 1;
+    TextWindow line;
+    line.Append(read.substr(lineStart));
+    const auto newlines =
+        std::count(read.begin() + static_cast<std::ptrdiff_t>(tag), read.end(), '\n');
+    return {input.line - newlines, line.At(tag - lineStart).mColumn};
+  }
+
+  // The library converts other encodings than UTF-8 before it reads, so that its offsets are not
+  // the document's.
+  static bool IsConverted(const xmlParserInput& input) {
+    return input.buf != nullptr && input.buf->encoder != nullptr;
+  }
+
+  static std::size_t OffsetOf(const xmlParserInput& input) {
+    return input.consumed + static_cast<std::size_t>(input.cur - input.base);
+  }
+
+  std::string ReasonOf(const xmlError& error) const {
+    // The library takes a document that is cut off for one with something behind its end.
+    const bool endsEarly = error.code == XML_ERR_DOCUMENT_END && !mRootEnded;
+    if (endsEarly) return "the document ends before its root element does";
+    return OneLine(error.message);
   }
 
   // Keeps documents from growing far beyond what was read: by entities that multiply each other, or
@@ -135,7 +147,7 @@ class ParseState {
   xmlParserCtxt* mInner = nullptr;
   std::exception_ptr mException;
   std::optional<SyntaxError> mError;
-  Position mLastPosition;
+  TextWindow mWindow;
   std::size_t mDepth = 0;
   std::size_t mFed = 0;
   std::size_t mDelivered = 0;
@@ -172,7 +184,6 @@ void ParseState::StartElement(const xmlChar* localName, const xmlChar* prefix, c
     mEvents.StartElement({View(prefix), View(localName), View(uri)}, mDeclarations, mAttributes);
 }
 
-// The library hands a long section over in pieces; the receiver sees one.
 void ParseState::EndCDATASection() {
   if (!std::exchange(mInCDATA, false)) return;
   mEvents.EndCDATA();
@@ -214,9 +225,16 @@ void OnCharacters(void* context, const xmlChar* text, int length) {
   });
 }
 
+// The library hands a long section over in pieces, each where it stands in the input.
+bool BeginsSection(const xmlParserInput& input, const xmlChar* text) {
+  constexpr std::string_view kOpening = "<![CDATA[";
+  return text != input.cur || View(input.base, input.cur).ends_with(kOpening);
+}
+
 void OnCDATA(void* context, const xmlChar* text, int length) {
   ParseState& state = ParseState::Of(context);
   state.Guard(context, [&] {
+    if (BeginsSection(*static_cast<xmlParserCtxt*>(context)->input, text)) state.EndCDATASection();
     if (!std::exchange(state.mInCDATA, true)) state.mEvents.StartCDATA();
     state.Account(static_cast<std::size_t>(length));
     if (!state.mHalted && length > 0) state.mEvents.Characters(View(text, text + length));
@@ -253,8 +271,11 @@ xmlEntityPtr FindEntity(void* context, const xmlChar* name, xmlEntityPtr entity)
                           entity->etype != XML_INTERNAL_PARAMETER_ENTITY &&
                           entity->etype != XML_INTERNAL_PREDEFINED_ENTITY;
   state.Guard(context, [&] {
+    // The text may be expanded inside an attribute, where no event tells of it until it is too
+    // late.
     constexpr std::size_t kCostOfReference = 32;
-    state.Account(kCostOfReference);
+    const int length = entity == nullptr ? 0 : std::max(entity->length, 0);
+    state.Account(kCostOfReference + static_cast<std::size_t>(length));
     if (isExternal) {
       state.Refuse("entity '" + std::string(View(name)) +
                    "' is external; external entities are never read");
@@ -278,15 +299,13 @@ void OnError(void* context, xmlErrorPtr error) {
   const bool losesText =
       error->code == XML_ERR_UNDECLARED_ENTITY || error->code == XML_WAR_UNDECLARED_ENTITY;
   if (state.mError || (error->level != XML_ERR_FATAL && !losesText)) return;
-  const bool inDocument = context == state.mContext.get() && error->line > 0;
-  const Position position =
-      inDocument ? Position{error->line, std::max(error->int2, 1)} : state.LibraryPosition();
-  // The library takes a document that is cut off for one with something behind its end.
-  const bool endsEarly = error->code == XML_ERR_DOCUMENT_END && !state.mRootEnded;
+  // The library may have counted lines further than it says that it has read.
+  Position position = state.ReadingPosition();
+  if (context == state.mContext.get() && error->line > position.mLine) {
+    position = {error->line, std::max(error->int2, 1)};
+  }
   try {
-    state.mError =
-        SyntaxError{position, endsEarly ? "the document ends before its root element does"
-                                        : OneLine(error->message)};
+    state.mError = SyntaxError{position, state.ReasonOf(*error)};
   } catch (...) {
     state.mException = std::current_exception();
   }
@@ -334,7 +353,16 @@ ParseState::ParseState(SAXEvents& events, const Limits& limits) : mEvents(events
 // Returns whether more is wanted.
 bool ParseState::Feed(std::string_view bytes, bool isLast) {
   mFed += bytes.size();
+  if (mContext->input != nullptr && !IsConverted(*mContext->input)) {
+    mWindow.DropBefore(OffsetOf(*mContext->input));
+    mWindow.Append(bytes);
+  }
   xmlParseChunk(mContext.get(), bytes.data(), static_cast<int>(bytes.size()), isLast ? 1 : 0);
+  const xmlParserInput* input = mContext->input;
+  if (!mHalted && input != nullptr &&
+      input->end - input->cur > static_cast<std::ptrdiff_t>(mLimits.mMarkupBytes)) {
+    Refuse("a tag, a comment or other markup is longer than the limit");
+  }
   return !mHalted && mContext->wellFormed == 1;
 }
 
@@ -342,7 +370,7 @@ std::optional<SyntaxError> ParseState::Finish(bool anyBytes) {
   if (!mException && !mError && !anyBytes) mError = SyntaxError{{}, "the document is empty"};
   const bool noMemory = mContext->errNo == XML_ERR_NO_MEMORY;
   if (!mException && !mError && mContext->wellFormed != 1) {
-    mError = SyntaxError{LibraryPosition(), "the document is not well-formed"};
+    mError = SyntaxError{ReadingPosition(), "the document is not well-formed"};
   }
   if (!mException && !mError) EndCDATASection();
   mContext.reset();

@@ -59,8 +59,10 @@ class SAXEvents {
 
 // The limits that every document must keep; beyond one of them it is refused.
 struct Limits {
-  std::size_t mDepth = 10'000;             // open elements at one time
-  std::size_t mExpandedBytes = 64u << 20;  // text that entity references may add, in bytes
+  std::size_t mDepth = 10'000;          // open elements at one time
+  std::size_t mMarkupBytes = 8u << 20;  // of one tag, comment, CDATA section or other markup; the
+                                        // XML library itself ends at 10 MB
+  std::size_t mExpandedBytes = 64u << 20;  // what may be delivered above four times what was read
 };
 
 class ParseState;

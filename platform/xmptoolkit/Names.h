@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+// The names that a document uses. Namespaces and names are known by small numbers, so that a node
+// carries one number for its name and two names are compared in one step.
+namespace xmptoolkit {
+
+inline constexpr std::string_view kRDFNamespace = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
+inline constexpr std::string_view kXMLNamespace = "http://www.w3.org/XML/1998/namespace";
+inline constexpr std::string_view kXMLNSNamespace = "http://www.w3.org/2000/xmlns/";
+inline constexpr std::string_view kMetaNamespace = "adobe:ns:meta/";
+
+using NamespaceId = std::uint32_t;
+using NameId = std::uint32_t;
+
+// What every table holds from the start, in this order.
+inline constexpr NamespaceId kRDFSpace = 0;
+inline constexpr NamespaceId kXMLSpace = 1;
+
+inline constexpr NameId kItemName = 0;      // rdf:li, the name of every array item
+inline constexpr NameId kLangName = 1;      // xml:lang
+inline constexpr NameId kTypeName = 2;      // rdf:type
+inline constexpr NameId kDatatypeName = 3;  // rdf:datatype
+inline constexpr NameId kValueName = 4;     // rdf:value
+
+class NameTable {
+ public:
+  NameTable();
+
+  // The number of a namespace, which is added when new. `prefix` is the one under which the file
+  // wrote it; the first that is not empty is kept.
+  NamespaceId AddNamespace(std::string_view uri, std::string_view prefix = {});
+  NameId AddName(NamespaceId space, std::string_view localName);
+
+  // Nothing when the document never had such a name.
+  std::optional<NameId> FindName(std::string_view uri, std::string_view localName) const;
+
+  std::size_t NamespaceCount() const { return mNamespaces.size(); }
+  const std::string& URI(NamespaceId space) const { return mNamespaces[space].mURI; }
+  const std::string& FilePrefix(NamespaceId space) const { return mNamespaces[space].mPrefix; }
+
+  NamespaceId NamespaceOf(NameId name) const { return mNames[name].mNamespace; }
+  const std::string& LocalName(NameId name) const { return mNames[name].mLocalName; }
+
+ private:
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const {
+      return std::hash<std::string_view>()(text);
+    }
+  };
+  using NumberByText = std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>>;
+
+  struct Namespace {
+    std::string mURI;
+    std::string mPrefix;
+    NumberByText mNames;
+  };
+  struct Name {
+    NamespaceId mNamespace;
+    std::string mLocalName;
+  };
+
+  std::vector<Namespace> mNamespaces;
+  NumberByText mNamespaceByURI;
+  std::vector<Name> mNames;
+};
+
+}  // namespace xmptoolkit

@@ -1,0 +1,87 @@
+#include "NamespaceRegistry.h"
+
+#include <mutex>
+
+#include <xmptoolkit/XMP.h>
+
+#include "Names.h"
+#include "Text.h"
+
+namespace xmptoolkit {
+
+namespace {
+
+void CheckURI(std::string_view uri) {
+  if (uri.empty()) throw XMP_Error(kXMPErr_BadSchema, "a namespace URI must not be empty");
+  if (FindUnfitForXML(uri) != std::string_view::npos) {
+    throw XMP_Error(kXMPErr_BadSchema, "a namespace URI holds what XML cannot carry");
+  }
+  if (uri == kXMLNSNamespace) {
+    throw XMP_Error(kXMPErr_BadSchema, "the namespace " + std::string(uri) + " belongs to XML");
+  }
+}
+
+void CheckPrefix(std::string_view prefix) {
+  if (!IsNCName(prefix)) {
+    throw XMP_Error(kXMPErr_BadParam, Quoted(prefix) + " is no namespace prefix");
+  }
+  if (IsReservedName(prefix)) {
+    throw XMP_Error(kXMPErr_BadParam, "the prefix " + Quoted(prefix) + " is one that XML reserves");
+  }
+}
+
+template <typename Map>
+std::optional<std::string> Lookup(const Map& map, std::string_view key) {
+  const auto found = map.find(std::string(key));
+  if (found == map.end()) return std::nullopt;
+  return found->second;
+}
+
+}  // namespace
+
+NamespaceRegistry& NamespaceRegistry::Global() {
+  static NamespaceRegistry registry;
+  return registry;
+}
+
+NamespaceRegistry::NamespaceRegistry() {
+  for (const auto& [prefix, uri] :
+       {std::pair("rdf", kRDFNamespace), std::pair("xml", kXMLNamespace),
+        std::pair("x", kMetaNamespace)}) {
+    mPrefixByURI.emplace(uri, prefix);
+    mURIByPrefix.emplace(prefix, uri);
+  }
+}
+
+std::string NamespaceRegistry::Register(std::string_view uri, std::string_view suggestedPrefix) {
+  CheckURI(uri);
+  if (auto known = PrefixOf(uri); known == suggestedPrefix) return *known;
+  CheckPrefix(suggestedPrefix);
+
+  const std::unique_lock lock(mMutex);
+  if (const auto known = Lookup(mPrefixByURI, uri)) return *known;
+  std::string prefix(suggestedPrefix);
+  for (int number = 1; mURIByPrefix.count(prefix) != 0; ++number) {
+    prefix = std::string(suggestedPrefix) + std::to_string(number);
+  }
+  const auto entry = mURIByPrefix.emplace(prefix, uri).first;
+  try {
+    mPrefixByURI.emplace(uri, prefix);
+  } catch (...) {
+    mURIByPrefix.erase(entry);
+    throw;
+  }
+  return prefix;
+}
+
+std::optional<std::string> NamespaceRegistry::PrefixOf(std::string_view uri) const {
+  const std::shared_lock lock(mMutex);
+  return Lookup(mPrefixByURI, uri);
+}
+
+std::optional<std::string> NamespaceRegistry::URIOf(std::string_view prefix) const {
+  const std::shared_lock lock(mMutex);
+  return Lookup(mURIByPrefix, prefix);
+}
+
+}  // namespace xmptoolkit

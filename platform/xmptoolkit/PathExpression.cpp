@@ -1,0 +1,214 @@
+#include "PathExpression.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "NamespaceRegistry.h"
+#include "Text.h"
+
+namespace xmptoolkit {
+
+namespace {
+
+void CheckRegistered(const char* namespaceURI) {
+  if (namespaceURI == nullptr) throw XMP_Error(kXMPErr_BadSchema, "the namespace URI is null");
+  if (!NamespaceRegistry::Global().PrefixOf(namespaceURI)) {
+    throw XMP_Error(kXMPErr_BadSchema,
+                    "the namespace " + Quoted(namespaceURI) + " is not registered");
+  }
+}
+
+std::string ResolvePrefix(std::string_view prefix) {
+  auto uri = NamespaceRegistry::Global().URIOf(prefix);
+  if (!uri) {
+    throw XMP_Error(kXMPErr_BadSchema,
+                    "the namespace prefix " + Quoted(prefix) + " is not registered");
+  }
+  return *std::move(uri);
+}
+
+struct QualifiedName {
+  std::string_view mPrefix;  // empty without one
+  std::string_view mLocalName;
+  bool mWellFormed = false;
+};
+
+QualifiedName SplitName(std::string_view text) {
+  QualifiedName name;
+  const std::size_t colon = text.find(':');
+  const bool hasPrefix = colon != std::string_view::npos;
+  if (hasPrefix) name.mPrefix = text.substr(0, colon);
+  name.mLocalName = text.substr(hasPrefix ? colon + 1 : 0);
+  name.mWellFormed = IsNCName(name.mLocalName) && (!hasPrefix || IsNCName(name.mPrefix));
+  return name;
+}
+
+// The parts of RDF's and XML's own namespaces that can be metadata.
+bool IsUsableName(PathStep::Kind kind, std::string_view uri, std::string_view localName) {
+  const bool isQualifier = kind == PathStep::Kind::kQualifier;
+  if (uri == kXMLNamespace) return isQualifier && localName == "lang";
+  if (uri == kRDFNamespace) return localName == "type" || (isQualifier && localName == "datatype");
+  return true;
+}
+
+// Qualifiers that are written as attributes, so that they can have neither parts nor qualifiers.
+bool IsAttribute(const PathStep& step) {
+  if (step.mKind != PathStep::Kind::kQualifier) return false;
+  return step.mURI == kXMLNamespace ||
+         (step.mURI == kRDFNamespace && step.mLocalName == "datatype");
+}
+
+constexpr std::string_view kStepBegins = "/[";
+
+}  // namespace
+
+PathExpression::PathExpression(const char* schemaNS, const char* text) {
+  CheckRegistered(schemaNS);
+  if (text == nullptr) throw XMP_Error(kXMPErr_BadXPath, "the path is null");
+  mText = text;
+  std::size_t position = std::min(mText.find_first_of(kStepBegins), mText.size());
+  const QualifiedName first = SplitName(std::string_view(mText).substr(0, position));
+  if (!first.mWellFormed) Refuse("it does not begin with a property name");
+  if (!first.mPrefix.empty() && ResolvePrefix(first.mPrefix) != schemaNS) {
+    Refuse("its prefix does not belong to the schema " + Quoted(schemaNS));
+  }
+  AddName(PathStep::Kind::kName, schemaNS, first.mLocalName);
+  mSteps.back().mTextEnd = position;
+  while (position < mText.size()) ReadStep(position);
+}
+
+void PathExpression::AppendField(const char* fieldNS, const char* fieldName) {
+  CheckRegistered(fieldNS);
+  const std::string_view text = fieldName == nullptr ? std::string_view() : fieldName;
+  const QualifiedName name = SplitName(text);
+  if (!name.mWellFormed) throw XMP_Error(kXMPErr_BadXPath, Quoted(text) + " is no field name");
+  if (!name.mPrefix.empty() && ResolvePrefix(name.mPrefix) != fieldNS) {
+    throw XMP_Error(kXMPErr_BadXPath, "the prefix of " + Quoted(text) +
+                                          " does not belong to the namespace " + Quoted(fieldNS));
+  }
+  AddName(PathStep::Kind::kName, fieldNS, name.mLocalName);
+  mText.append("/").append(text);
+  mSteps.back().mTextEnd = mText.size();
+}
+
+std::string PathExpression::Describe(std::size_t count) const {
+  return Quoted(std::string_view(mText).substr(0, mSteps[count - 1].mTextEnd));
+}
+
+void PathExpression::ReadStep(std::size_t& position) {
+  if (mText[position] == '[') {
+    ReadItem(position);
+  } else {
+    ++position;
+    const bool isQualifier = position < mText.size() && mText[position] == '?';
+    if (isQualifier) ++position;
+    const std::size_t end = std::min(mText.find_first_of(kStepBegins, position), mText.size());
+    const QualifiedName name = SplitName(std::string_view(mText).substr(position, end - position));
+    if (!name.mWellFormed) Refuse("a step after \"/\" is no name");
+    if (name.mPrefix.empty()) Refuse("the name of a field or qualifier needs its prefix");
+    AddName(isQualifier ? PathStep::Kind::kQualifier : PathStep::Kind::kName,
+            ResolvePrefix(name.mPrefix), name.mLocalName);
+    position = end;
+  }
+  mSteps.back().mTextEnd = position;
+}
+
+void PathExpression::ReadItem(std::size_t& position) {
+  const std::size_t close = mText.find(']', position);
+  if (close == std::string::npos) Refuse("a \"[\" is not closed");
+  const std::string_view inside =
+      std::string_view(mText).substr(position + 1, close - position - 1);
+  position = close + 1;
+  if (position < mText.size() && kStepBegins.find(mText[position]) == std::string_view::npos) {
+    Refuse("a \"]\" is followed by what is no step");
+  }
+  PathStep step{PathStep::Kind::kLastItem, {}, {}};
+  if (inside != "last()") {
+    XMP_Index item = 0;
+    const auto [end, error] = std::from_chars(inside.data(), inside.data() + inside.size(), item);
+    if (error != std::errc() || end != inside.data() + inside.size() || item < 1) {
+      Refuse("between \"[\" and \"]\" stands " + Quoted(inside) +
+             ", which is neither a number from 1 to 2147483647 nor last()");
+    }
+    step.mKind = PathStep::Kind::kItem;
+    step.mItem = static_cast<std::size_t>(item);
+  }
+  AddStep(std::move(step));
+}
+
+void PathExpression::AddName(PathStep::Kind kind, std::string uri, std::string_view localName) {
+  if (!IsUsableName(kind, uri, localName)) {
+    Refuse(Quoted(localName) + " of the namespace " + Quoted(uri) + " cannot be metadata");
+  }
+  AddStep({kind, std::move(uri), std::string(localName)});
+}
+
+void PathExpression::AddStep(PathStep step) {
+  if (!mSteps.empty() && IsAttribute(mSteps.back())) Refuse("a language or datatype has no parts");
+  if (mSteps.size() == static_cast<std::size_t>(kXMP_MaxNesting)) {
+    Refuse("it has more than " + std::to_string(kXMP_MaxNesting) + " steps");
+  }
+  mSteps.push_back(std::move(step));
+}
+
+void PathExpression::Refuse(const std::string& why) const {
+  throw XMP_Error(kXMPErr_BadXPath, "the path " + Quoted(mText) + " is refused: " + why);
+}
+
+namespace {
+
+// The child or qualifier to which a step leads; npos when there is none.
+std::size_t FindStep(const Document& document, const Node& node, const PathExpression& path,
+                     std::size_t number) {
+  const PathStep& step = path.Steps()[number];
+  const auto misfit = [&](const char* isNo, const char* wanted) {
+    throw XMP_Error(kXMPErr_BadXPath,
+                    path.Describe(number) + isNo + path.Describe(number + 1) + wanted);
+  };
+  switch (step.mKind) {
+    case PathStep::Kind::kItem:
+    case PathStep::Kind::kLastItem: {
+      if (!node.IsArray()) misfit(" is no array, so ", " cannot be an item of it");
+      const std::size_t count = node.Children().Size();
+      const std::size_t item = step.mKind == PathStep::Kind::kItem ? step.mItem : count;
+      return item == 0 || item > count ? NodeList::npos : item - 1;
+    }
+    case PathStep::Kind::kName:
+      if (!node.IsStruct()) misfit(" is no struct, so ", " cannot be a field of it");
+      break;
+    case PathStep::Kind::kQualifier:
+      break;
+  }
+  const auto name = document.mNames.FindName(step.mURI, step.mLocalName);
+  if (!name) return NodeList::npos;
+  const bool isQualifier = step.mKind == PathStep::Kind::kQualifier;
+  return (isQualifier ? node.Qualifiers() : node.Children()).Find(*name);
+}
+
+}  // namespace
+
+PathTarget FollowPath(Document& document, const PathExpression& path) {
+  PathTarget target;
+  target.mNode = &document.mRoot;
+  for (const PathStep& step : path.Steps()) {
+    const std::size_t position = FindStep(document, *target.mNode, path, target.mMatched);
+    if (position == NodeList::npos) break;
+    target.mParent = target.mNode;
+    target.mPosition = position;
+    const bool isQualifier = step.mKind == PathStep::Kind::kQualifier;
+    NodeList& nodes =
+        isQualifier ? target.mParent->MutableQualifiers() : target.mParent->Children();
+    target.mNode = &nodes[position];
+    ++target.mMatched;
+  }
+  return target;
+}
+
+const Node* FindNode(const Document& document, const PathExpression& path) {
+  // Following a path changes nothing where nodes are found.
+  const PathTarget target = FollowPath(const_cast<Document&>(document), path);
+  return target.Found(path) ? target.mNode : nullptr;
+}
+
+}  // namespace xmptoolkit

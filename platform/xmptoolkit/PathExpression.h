@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <xmptoolkit/XMP.h>
+
+#include "Document.h"
+
+namespace xmptoolkit {
+
+// One step of a path.
+struct PathStep {
+  enum class Kind { kName, kItem, kLastItem, kQualifier };
+
+  Kind mKind;
+  std::string mURI;          // of a name or qualifier
+  std::string mLocalName;    // likewise
+  std::size_t mItem = 0;     // of kItem, counted from 1
+  std::size_t mTextEnd = 0;  // where the step ends in the path's text
+};
+
+// A path as it names one property, item, field or qualifier:
+//
+//   path  = name step*
+//   step  = "[" number "]" | "[last()]" | "/" prefix ":" name | "/?" prefix ":" name
+//   name  = [prefix ":"] name
+//
+// "/?" leads to a qualifier. There are at most kXMP_MaxNesting steps, the first name included.
+class PathExpression {
+ public:
+  // Throws BadSchema for a schema that is null or not registered, or prefixes that are not, and
+  // BadXPath for a text that is null or no path, or whose first prefix is not the schema's.
+  PathExpression(const char* schemaNS, const char* text);
+
+  // Adds the step to a field: `fieldName` with or without prefix. Throws as the constructor.
+  void AppendField(const char* fieldNS, const char* fieldName);
+
+  const std::vector<PathStep>& Steps() const { return mSteps; }
+
+  // The text of the first `count` steps, quoted, for messages.
+  std::string Describe(std::size_t count) const;
+  std::string Describe() const { return Describe(mSteps.size()); }
+
+ private:
+  void ReadStep(std::size_t& position);
+  void ReadItem(std::size_t& position);
+  void AddName(PathStep::Kind kind, std::string uri, std::string_view localName);
+  void AddStep(PathStep step);
+  [[noreturn]] void Refuse(const std::string& why) const;
+
+  std::string mText;
+  std::vector<PathStep> mSteps;
+};
+
+// How far a path leads into a document.
+struct PathTarget {
+  Node* mNode = nullptr;      // the last node on the way that exists; the root at least
+  Node* mParent = nullptr;    // what holds mNode; null for the root
+  std::size_t mPosition = 0;  // of mNode among the parent's children, or qualifiers
+  std::size_t mMatched = 0;   // how many steps lead to mNode
+
+  bool Found(const PathExpression& path) const { return mMatched == path.Steps().size(); }
+};
+
+// Follows a path as far as there are nodes. Throws BadXPath where a step does not fit what is
+// there: an item of what is no array, a field of what is no struct.
+PathTarget FollowPath(Document& document, const PathExpression& path);
+
+// The node at the end of a path; null when there is none. Throws as FollowPath.
+const Node* FindNode(const Document& document, const PathExpression& path);
+
+}  // namespace xmptoolkit

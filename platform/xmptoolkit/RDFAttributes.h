@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <xmptoolkit/XMP.h>
+#include <zelcore/xml/SAXDriver.h>
+
+namespace xmptoolkit {
+
+// Throws XMP_Error with the place that is being read in front of `why`.
+using Refusal = std::function<void(XMP_ErrorID id, const std::string& why)>;
+
+// The name as the file writes it.
+std::string WrittenName(const zelcore::xml::NameView& name);
+
+// The attributes of an element of RDF, sorted by what they mean. Lives as long as the event.
+struct RDFAttributes {
+  std::optional<std::string_view> mLang;                 // xml:lang
+  std::optional<std::string_view> mAbout;                // rdf:about
+  std::optional<std::string_view> mResource;             // rdf:resource
+  std::optional<std::string_view> mDatatype;             // rdf:datatype
+  std::optional<std::string_view> mParseType;            // rdf:parseType
+  std::optional<std::string_view> mValue;                // rdf:value
+  std::vector<zelcore::xml::AttributeView> mProperties;  // those of schemas, and rdf:type
+
+  bool HasProperties() const { return mValue.has_value() || !mProperties.empty(); }
+};
+
+// What an element may carry besides xml:lang.
+struct AllowedAttributes {
+  bool mAbout = false;
+  bool mValueForm = false;  // rdf:resource, rdf:datatype, rdf:parseType
+  bool mValue = false;
+  bool mProperties = false;
+};
+
+// Sorts the attributes of `element` and refuses those that RDF or XMP do not allow there. As RDF
+// says, "about", "resource", "parseType" and "type" without prefix are those of RDF.
+RDFAttributes SortAttributes(const zelcore::xml::NameView& element,
+                             std::span<const zelcore::xml::AttributeView> attributes,
+                             const AllowedAttributes& allowed, const Refusal& refuse);
+
+}  // namespace xmptoolkit

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// What XML says about characters and names, over UTF-8 text. Pure functions.
+namespace xmptoolkit {
+
+// What DecodeUTF8 returns for bytes that are not well-formed.
+inline constexpr char32_t kMalformed = 0xFFFFFFFF;
+
+// Reads the character at `position`, which must lie inside `text`, and moves `position` behind it.
+// Returns kMalformed, and leaves `position` alone, when no well-formed character stands there.
+char32_t DecodeUTF8(std::string_view text, std::size_t& position);
+
+// Appends a character (a Unicode scalar value) as UTF-8.
+void AppendUTF8(char32_t character, std::string& text);
+
+// The byte where the first character begins that is malformed or that XML 1.0 cannot carry, not
+// even as a reference; npos when there is none.
+std::size_t FindUnfitForXML(std::string_view text);
+
+// The byte where the first malformed character begins; npos when the text is well-formed.
+std::size_t FindMalformed(std::string_view text);
+
+// True for a name without colon (NCName of Namespaces in XML 1.0).
+bool IsNCName(std::string_view text);
+
+// True for the names that XML keeps for itself: those that begin with "xml" in any case.
+bool IsReservedName(std::string_view name);
+
+// True for text of spaces, tabs, line feeds and carriage returns alone, the empty text included.
+bool IsWhiteSpace(std::string_view text);
+
+// Appends a value as the content of an element, so that an XML reader gets back the same
+// characters.
+void AppendEscapedText(std::string_view value, std::string& xml);
+
+// Appends a value as the content of an attribute in double quotes.
+void AppendEscapedAttribute(std::string_view value, std::string& xml);
+
+// A text for a message: in double quotes, cut off after 100 bytes, malformed bytes shown as "?".
+std::string Quoted(std::string_view text);
+
+}  // namespace xmptoolkit

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <zelcore/xml/Position.h>
+
+namespace zelcore::xml {
+
+// The part of a UTF-8 document that has been read but not yet been left behind, with the place of
+// its beginning: tells the line and column of any byte in it. Offsets count the bytes of the
+// document.
+class TextWindow {
+ public:
+  // Adds the bytes that follow.
+  void Append(std::string_view bytes) { mText.append(bytes); }
+
+  // Forgets everything before `offset`.
+  void DropBefore(std::size_t offset);
+
+  // The place of the byte at `offset`, which lies in the window or just behind it.
+  Position At(std::size_t offset) const;
+
+  // The offset of the last "<" in front of `offset`; `offset` itself when there is none.
+  std::size_t LastTagBefore(std::size_t offset) const;
+
+ private:
+  std::size_t Index(std::size_t offset) const;
+
+  std::string mText;        // bytes left behind, then the window
+  std::size_t mBegin = 0;   // index of the window's first byte
+  std::size_t mOffset = 0;  // its offset in the document
+  Position mPosition;       // its place
+};
+
+}  // namespace zelcore::xml
