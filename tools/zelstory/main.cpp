@@ -1,3 +1,4 @@
+#include <csignal>
 #include <exception>
 
 #include <CLI/CLI.hpp>

@@ -1,0 +1,137 @@
+#include <chrono>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+
+#include "zelstory/Scratch.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class SidecarTest : public Scratch {
+ protected:
+  // One scene: a heading, an action, a speech. `extra` follows inside the scene.
+  std::string Story(const std::string& extra = "") {
+    Write("story.quor",
+          "<TavroStory version='1.0'><document><stream name='body'><section><scene objID='s1'>"
+          "<paragraph element='SceneHeading'><textRun>INT. HOUSE - NIGHT</textRun></paragraph>"
+          "<paragraph element='Action'><textRun>Rain &amp; wind.</textRun></paragraph>"
+          "<paragraph element='Character'><textRun>ANNA</textRun></paragraph>"
+          "<paragraph element='Dialog'><textRun>Hello.</textRun></paragraph>" +
+              extra + "</scene></section></stream></document></TavroStory>");
+    return File("story.quor");
+  }
+  Outcome WriteScene(const std::string& sidecar) {
+    return Tool({"write", Story(), "--id", "s1", sidecar});
+  }
+};
+
+TEST_F(SidecarTest, WriteTellsWhatItTouchedAndClearTakesItAway) {
+  EXPECT_EQ(WriteScene("clip.xmp").mOutput,
+            "xmpScript:sceneSetting\nxmpDM:shotLocation\nxmpScript:sceneTimeOfDay\n"
+            "xmpScript:action\nxmpScript:dialogSequence\n"
+            "xmpScript:dialogSequence[1]/xmpScript:character\n"
+            "xmpScript:dialogSequence[1]/xmpScript:dialog\n");
+  EXPECT_EQ(Tool({"has", "clip.xmp"}).mOutput, "yes\n");
+  EXPECT_EQ(Tool({"clear", "clip.xmp"}).mStatus, 0);
+  const Outcome has = Tool({"has", "clip.xmp"});
+  EXPECT_EQ(has.mOutput, "no\n");
+  EXPECT_EQ(has.mStatus, 1);
+  EXPECT_EQ(Tool({"clear", "clip.xmp"}).mOutput, "unchanged\n");
+  EXPECT_THAT(FilesHere(), ElementsAre("clip.xmp", "story.quor"));
+}
+
+TEST_F(SidecarTest, OthersReadTheTriplesThatWereMeant) {
+  if (!IsInstalled("rapper") || !IsInstalled("xmllint"))
+    GTEST_SKIP() << "rapper or xmllint missing";
+  WriteScene("clip.xmp");
+  EXPECT_EQ(Process("xmllint", {"--noout", "clip.xmp"}).mErrors, "");
+  const std::vector<std::string> lines = Lines(Triples("clip.xmp").mOutput);
+  const std::string script = "http://ns.zelhost.example/metadata/script/1.0/";
+  const std::string rdf = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
+  const std::string clip = "<http://clip.example/> ";
+  EXPECT_THAT(lines,
+              testing::UnorderedElementsAre(
+                  clip + "<" + script + "sceneSetting> \"INT\" .",
+                  clip + "<http://ns.adobe.com/xmp/1.0/DynamicMedia/shotLocation> \"HOUSE\" .",
+                  clip + "<" + script + "sceneTimeOfDay> \"NIGHT\" .",
+                  clip + "<" + script + "action> \"Rain & wind.\" .",
+                  testing::MatchesRegex(clip + "<" + script + "dialogSequence> _:[a-z0-9]+ \\."),
+                  testing::MatchesRegex("_:[a-z0-9]+ <" + rdf + "type> <" + rdf + "Seq> \\."),
+                  testing::MatchesRegex("_:[a-z0-9]+ <" + rdf + "_1> _:[a-z0-9]+ \\."),
+                  testing::MatchesRegex("_:[a-z0-9]+ <" + script + "character> \"ANNA\" \\."),
+                  testing::MatchesRegex("_:[a-z0-9]+ <" + script + "dialog> \"Hello.\" \\.")));
+}
+
+TEST_F(SidecarTest, WritingTwiceChangesNothingTheSecondTime) {
+  WriteScene("clip.xmp");
+  const std::string bytes = Read("clip.xmp");
+  const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(1);
+  fs::last_write_time(File("clip.xmp"), longAgo);
+  EXPECT_EQ(WriteScene("clip.xmp").mOutput, "unchanged\n");
+  EXPECT_EQ(fs::last_write_time(File("clip.xmp")), longAgo);
+  WriteScene("other.xmp");
+  EXPECT_EQ(Read("other.xmp"), bytes);
+}
+
+TEST_F(SidecarTest, WhatIsNoXMPIsRefusedAndLeftAsItWas) {
+  const std::vector<std::string> refused = {
+      "", "not XML", "<a/>", "<?xpacket begin='' id='W5M0MpCehiHzreSzNTczkc9d'?><x:xmpmeta",
+      "<!DOCTYPE r><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'/>"};
+  for (const std::string& bytes : refused) {
+    Write("clip.xmp", bytes);
+    const Outcome outcome = WriteScene("clip.xmp");
+    EXPECT_EQ(outcome.mStatus, 1) << bytes;
+    EXPECT_THAT(outcome.mErrors, testing::StartsWith("clip.xmp: error: "));
+    EXPECT_EQ(Read("clip.xmp"), bytes);
+  }
+}
+
+TEST_F(SidecarTest, AnArrayWhereATextBelongsIsRefusedAndLeftAsItWas) {
+  const std::string packet =
+      "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
+      "rdf:about=''"
+      " xmlns:s='http://ns.zelhost.example/metadata/script/1.0/'><s:sceneSetting><rdf:Bag>"
+      "<rdf:li>INT</rdf:li></rdf:Bag></s:sceneSetting></rdf:Description></rdf:RDF>";
+  Write("clip.xmp", packet);
+  const Outcome outcome = WriteScene("clip.xmp");
+  EXPECT_EQ(outcome.mErrors, "clip.xmp: error: Error writing scene heading to XMP\n");
+  EXPECT_EQ(Read("clip.xmp"), packet);
+}
+
+TEST_F(SidecarTest, ALinkStaysALinkAndModesAreKept) {
+  fs::create_directory(File("real"));
+  WriteScene("real/clip.xmp");
+  fs::permissions(File("real/clip.xmp"), fs::perms(0640));
+  fs::create_symlink("real/clip.xmp", File("link.xmp"));
+  EXPECT_EQ(Tool({"clear", "link.xmp"}).mStatus, 0);
+  EXPECT_TRUE(fs::is_symlink(File("link.xmp")));
+  EXPECT_EQ(fs::status(File("real/clip.xmp")).permissions(), fs::perms(0640));
+  EXPECT_EQ(Tool({"has", "real/clip.xmp"}).mOutput, "no\n");
+}
+
+TEST_F(SidecarTest, StandardStreamsTakeTheFilesPlace) {
+  WriteScene("clip.xmp");
+  const std::string written = Read("clip.xmp");
+  const Outcome cleared = Tool({"clear", "-"}, written);
+  EXPECT_EQ(Tool({"has", "-"}, written).mOutput, "yes\n");
+  EXPECT_EQ(Tool({"has", "-"}, cleared.mOutput).mOutput, "no\n");
+  EXPECT_EQ(Tool({"write", Story(), "--scene", "1", "-"}, cleared.mOutput).mOutput, written);
+  EXPECT_EQ(Tool({"write", "-", "--scene", "1", "new.xmp"}, Read("story.quor")).mStatus, 0);
+  EXPECT_EQ(Read("new.xmp"), written);
+}
+
+TEST_F(SidecarTest, OneFilesRefusalDoesNotStopTheOthers) {
+  WriteScene("a.xmp");
+  WriteScene("c.xmp");
+  const Outcome outcome = Tool({"clear", "a.xmp", "b.xmp", "c.xmp"});
+  EXPECT_EQ(outcome.mStatus, 1);
+  EXPECT_EQ(outcome.mErrors, "b.xmp: error: No such file or directory\n");
+  EXPECT_EQ(Tool({"has", "a.xmp", "c.xmp"}).mOutput, "a.xmp: no\nc.xmp: no\n");
+}
+
+}  // namespace
