@@ -41,7 +41,7 @@ Sidecar::Sidecar(std::string file, WhenAbsent whenAbsent)
 }
 
 bool Sidecar::IsChanged() const {
-  return !mBytes || !xmptoolkit::AreEqual(mBefore, mMetadata, xmptoolkit::Equality::kFile);
+  return !mBytes || !xmptoolkit::AreEqual(mBefore, mMetadata, xmptoolkit::Equality::kMetadata);
 }
 
 void Sidecar::RefuseReadOnly() const {
