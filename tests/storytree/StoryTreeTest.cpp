@@ -80,15 +80,14 @@ StoryPtr FullStory() {
       " objID='an identifier of some length' name='body' commentAuthor='an author of some renown' "
       "sceneNumber='a number of many digits' label='a label of some length'>";
   StoryParser parser;
-  Drive("<TavroStory version='1.0'><document" + attributes + "<stream" + attributes + "<section" +
-            attributes + "<scene" + attributes + "<paragraph" + attributes +
-            "<textRun/><textRun>a run of some length"
-            "</textRun></paragraph></scene></section></stream><commentStream" +
-            attributes +
-            "<section/>"
-            "</commentStream></document><Tag" +
-            attributes + "<metaData>more than a word</metaData>",
-        parser);
+  Drive(
+      Replaced(
+          "<TavroStory version='1.0'><document%><stream%><section%><scene%><paragraph%><textRun/>"
+          "<textRun>a run of some length</textRun></paragraph></scene></section></stream>"
+          "<stream name='header'/><stream name='footer'/><commentStream%><section/></commentStream>"
+          "</document><Tag%><metaData>more than a word</metaData>",
+          {{"%>", attributes}}),
+      parser);
   return parser.GetStory();
 }
 

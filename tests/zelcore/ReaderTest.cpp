@@ -138,8 +138,9 @@ TEST(Reader, KnowsThePlacesOfTags) {
   }
   EXPECT_EQ(ParseAll("\xEF\xBB\xBF<r>é<a/></r>", true).mPositions, "1:1 1:5 1:5 1:9 ");
   EXPECT_EQ(ParseAll(InUTF16(u"\n<r>é𝄞<a/></r>", true), true).mPositions, "2:1 2:6 2:6 2:10 ");
-  EXPECT_EQ(ParseAll("<?xml version='1.0' encoding='ISO-8859-1'?>\n<r>\xE9<a/></r>", true).mPositions,
-            "2:1 2:5 2:5 2:9 ");
+  EXPECT_EQ(
+      ParseAll("<?xml version='1.0' encoding='ISO-8859-1'?>\n<r>\xE9<a/></r>", true).mPositions,
+      "2:1 2:5 2:5 2:9 ");
   Reader reader;
   EXPECT_EQ(reader.CurrentPosition().mLine, 1);
   EXPECT_EQ(reader.CurrentPosition().mColumn, 1);

@@ -22,10 +22,12 @@ struct ReadError {
 // StartElement, EndElement, Characters, StartCDATA, EndCDATA, Comment, EndDocument.
 //
 // Understood: XML 1.0 in UTF-8, UTF-16 with a byte-order mark, and the encodings that the XML
-// declaration may name. Refused: what is not well-formed, any use of an external entity or of an
-// undeclared one, more than 10,000 open elements, a tag, comment or CDATA section above 8 MiB, and
-// entities and default attributes that deliver more than four times the document's bytes and 64
-// MiB. Nothing outside the given document is ever opened.
+// declaration may name. Nothing outside the given document is ever opened. Refused: what is not
+// well-formed; any use of an external entity or of an undeclared one; more than 10,000 open
+// elements; a tag, comment or CDATA section of much more than 8 MiB (the next piece read may still
+// pass); entities that multiply each other to more than about ten times the document's bytes, as
+// the XML library counts; entities and default attributes that deliver more than four times the
+// document's bytes and 64 MiB.
 //
 // A parse that fails returns false and leaves the reason in Error(); the handler keeps what it had
 // built from the events up to that place, EndDocument included. An exception of the handler passes
@@ -51,8 +53,9 @@ class ZELPLATFORM_API Reader {
   [[nodiscard]] bool ParseStream(std::istream& stream, std::string source,
                                  AbstractParseHandler& handler);
 
-  // During a callback: the place of what is being reported; for a tag, that of its "<". Outside a
-  // parse: 1:1.
+  // During a callback: the place of what is being reported; for a tag, that of its "<"; in the text
+  // of an entity, that of the reference. Outside a parse: 1:1. In other encodings than UTF-8,
+  // columns on the first line, and on lines above 4 KiB, may be some characters off.
   [[nodiscard]] Position CurrentPosition() const;
 
   // The reason of the last parse that returned false.

@@ -124,6 +124,9 @@ class ParseState {
     // The library takes a document that is cut off for one with something behind its end.
     const bool endsEarly = error.code == XML_ERR_DOCUMENT_END && !mRootEnded;
     if (endsEarly) return "the document ends before its root element does";
+    if (error.code == XML_ERR_ENTITY_LOOP) return "entities expand too far, or refer to themselves";
+    // It has that name for whatever does not begin like one, too.
+    if (error.code == XML_ERR_DOCUMENT_EMPTY) return "the document does not begin with markup";
     return OneLine(error.message);
   }
 
