@@ -16,34 +16,39 @@ std::int64_t CountCharacters(std::string_view bytes, bool atDocumentStart) {
 }  // namespace
 
 std::size_t TextWindow::Index(std::size_t offset) const {
-  return std::min(mBegin + (offset - std::min(offset, mOffset)), mText.size());
+  return std::min(mIndex + (offset - std::min(offset, mBegin.mOffset)), mText.size());
 }
 
 Position TextWindow::At(std::size_t offset) const {
-  const auto passed = std::string_view(mText).substr(mBegin, Index(offset) - mBegin);
+  const Mark& from = mLast.mOffset >= mBegin.mOffset && mLast.mOffset <= offset ? mLast : mBegin;
+  const std::size_t begin = Index(from.mOffset);
+  const auto passed = std::string_view(mText).substr(begin, Index(offset) - begin);
+  Position position = from.mPosition;
   const std::size_t newline = passed.rfind('\n');
   if (newline == std::string_view::npos) {
-    return {mPosition.mLine, mPosition.mColumn + CountCharacters(passed, mOffset == 0)};
+    position.mColumn += CountCharacters(passed, from.mOffset == 0);
+  } else {
+    position.mLine += std::count(passed.begin(), passed.end(), '\n');
+    position.mColumn = 1 + CountCharacters(passed.substr(newline + 1), false);
   }
-  return {mPosition.mLine + std::count(passed.begin(), passed.end(), '\n'),
-          1 + CountCharacters(passed.substr(newline + 1), false)};
+  mLast = {from.mOffset + passed.size(), position};
+  return position;
 }
 
 void TextWindow::DropBefore(std::size_t offset) {
   const std::size_t index = Index(offset);
-  mPosition = At(offset);
-  mOffset += index - mBegin;
-  mBegin = index;
+  mBegin = {mBegin.mOffset + (index - mIndex), At(offset)};
+  mIndex = index;
   // Moved only when it halves the text, so that many small steps through a long one stay linear.
-  if (mBegin < mText.size() / 2) return;
-  mText.erase(0, mBegin);
-  mBegin = 0;
+  if (mIndex < mText.size() / 2) return;
+  mText.erase(0, mIndex);
+  mIndex = 0;
 }
 
 std::size_t TextWindow::LastTagBefore(std::size_t offset) const {
   const std::size_t index = Index(offset);
   const std::size_t tag = index == 0 ? std::string::npos : mText.rfind('<', index - 1);
-  return tag == std::string::npos || tag < mBegin ? offset : mOffset + (tag - mBegin);
+  return tag == std::string::npos || tag < mIndex ? offset : mBegin.mOffset + (tag - mIndex);
 }
 
 }  // namespace zelcore::xml

@@ -26,12 +26,18 @@ class TextWindow {
   std::size_t LastTagBefore(std::size_t offset) const;
 
  private:
+  // A place whose line and column are known.
+  struct Mark {
+    std::size_t mOffset = 0;
+    Position mPosition;
+  };
+
   std::size_t Index(std::size_t offset) const;
 
-  std::string mText;        // bytes left behind, then the window
-  std::size_t mBegin = 0;   // index of the window's first byte
-  std::size_t mOffset = 0;  // its offset in the document
-  Position mPosition;       // its place
+  std::string mText;       // bytes left behind, then the window
+  std::size_t mIndex = 0;  // of the window's first byte
+  Mark mBegin;             // the window's first byte
+  mutable Mark mLast;  // what was asked for last: the next question is mostly a little further on
 };
 
 }  // namespace zelcore::xml
