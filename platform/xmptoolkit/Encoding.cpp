@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include <zelcore/UTF8.h>
+
 #include "Text.h"
 
 namespace xmptoolkit {
@@ -119,7 +121,7 @@ std::string Decode(std::string_view bytes, Encoding encoding, std::size_t& malfo
       malformedAt = position;
       break;
     }
-    AppendUTF8(character, text);
+    zelcore::utility::AppendUTF8(character, text);
   }
   return text;
 }

@@ -5,28 +5,11 @@
 #include <cstdint>
 #include <utility>
 
+#include <zelcore/UTF8.h>
+
 namespace xmptoolkit {
 
 namespace {
-
-unsigned ByteAt(std::string_view text, std::size_t position) {
-  return static_cast<unsigned char>(text[position]);
-}
-
-// The well-formed byte sequences by their first byte, as Unicode's table 3-7 lists them: how many
-// continuation bytes follow, and the range of the first of them.
-struct LeadByte {
-  unsigned mContinuations;
-  unsigned mSecondLow;
-  unsigned mSecondHigh;
-};
-
-LeadByte DescribeLead(unsigned lead) {
-  if (lead < 0xC2 || lead > 0xF4) return {0, 0, 0};
-  if (lead < 0xE0) return {1, 0x80, 0xBF};
-  if (lead < 0xF0) return {2, lead == 0xE0 ? 0xA0u : 0x80u, lead == 0xED ? 0x9Fu : 0xBFu};
-  return {3, lead == 0xF0 ? 0x90u : 0x80u, lead == 0xF4 ? 0x8Fu : 0xBFu};
-}
 
 // XML 1.0's Char.
 bool IsXMLCharacter(char32_t c) {
@@ -72,42 +55,42 @@ std::size_t FindRefused(std::string_view text, Accepts accepts) {
   return std::string_view::npos;
 }
 
+const char* ReferenceTo(char special) {
+  switch (special) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\t':
+      return "&#x9;";
+    case '\n':
+      return "&#xA;";
+    default:
+      return "&#xD;";
+  }
+}
+
+void AppendEscaped(std::string_view value, const char* specials, std::string& xml) {
+  for (std::size_t start = 0;;) {
+    const std::size_t special = value.find_first_of(specials, start);
+    xml += value.substr(start, special - start);
+    if (special == std::string_view::npos) return;
+    xml += ReferenceTo(value[special]);
+    start = special + 1;
+  }
+}
+
 }  // namespace
 
 char32_t DecodeUTF8(std::string_view text, std::size_t& position) {
-  const unsigned lead = ByteAt(text, position);
-  if (lead < 0x80) {
-    ++position;
-    return lead;
-  }
-  const LeadByte form = DescribeLead(lead);
-  if (form.mContinuations == 0 || text.size() - position <= form.mContinuations) return kMalformed;
-  char32_t character = lead & (0x3Fu >> form.mContinuations);
-  for (unsigned i = 1; i <= form.mContinuations; ++i) {
-    const unsigned byte = ByteAt(text, position + i);
-    if (byte < (i == 1 ? form.mSecondLow : 0x80u)) return kMalformed;
-    if (byte > (i == 1 ? form.mSecondHigh : 0xBFu)) return kMalformed;
-    character = (character << 6) | (byte & 0x3F);
-  }
-  position += form.mContinuations + 1;
-  return character;
-}
-
-void AppendUTF8(char32_t character, std::string& text) {
-  const auto append = [&text](char32_t byte) { text += static_cast<char>(byte); };
-  if (character < 0x80) return append(character);
-  if (character < 0x800) {
-    append(0xC0 | (character >> 6));
-  } else {
-    if (character < 0x10000) {
-      append(0xE0 | (character >> 12));
-    } else {
-      append(0xF0 | (character >> 18));
-      append(0x80 | ((character >> 12) & 0x3F));
-    }
-    append(0x80 | ((character >> 6) & 0x3F));
-  }
-  append(0x80 | (character & 0x3F));
+  const auto decoded = zelcore::utility::DecodeUTF8(text.substr(position));
+  if (!decoded.mWellFormed) return kMalformed;
+  position += decoded.mBytes;
+  return decoded.mCharacter;
 }
 
 std::size_t FindUnfitForXML(std::string_view text) {
@@ -138,55 +121,11 @@ bool IsWhiteSpace(std::string_view text) {
 }
 
 void AppendEscapedText(std::string_view value, std::string& xml) {
-  for (std::size_t start = 0;;) {
-    const std::size_t special = value.find_first_of("&<>\r", start);
-    xml += value.substr(start, special - start);
-    if (special == std::string_view::npos) return;
-    switch (value[special]) {
-      case '&':
-        xml += "&amp;";
-        break;
-      case '<':
-        xml += "&lt;";
-        break;
-      case '>':
-        xml += "&gt;";
-        break;
-      default:
-        xml += "&#xD;";
-        break;
-    }
-    start = special + 1;
-  }
+  AppendEscaped(value, "&<>\r", xml);
 }
 
 void AppendEscapedAttribute(std::string_view value, std::string& xml) {
-  for (std::size_t start = 0;;) {
-    const std::size_t special = value.find_first_of("&<\"\t\n\r", start);
-    xml += value.substr(start, special - start);
-    if (special == std::string_view::npos) return;
-    switch (value[special]) {
-      case '&':
-        xml += "&amp;";
-        break;
-      case '<':
-        xml += "&lt;";
-        break;
-      case '"':
-        xml += "&quot;";
-        break;
-      case '\t':
-        xml += "&#x9;";
-        break;
-      case '\n':
-        xml += "&#xA;";
-        break;
-      default:
-        xml += "&#xD;";
-        break;
-    }
-    start = special + 1;
-  }
+  AppendEscaped(value, "&<\"\t\n\r", xml);
 }
 
 std::string Quoted(std::string_view text) {
@@ -196,7 +135,8 @@ std::string Quoted(std::string_view text) {
   while (position < text.size() && position < kShown) {
     const char32_t character = DecodeUTF8(text, position);
     if (character == kMalformed) ++position;
-    AppendUTF8(character == kMalformed || character < 0x20 ? U'?' : character, quoted);
+    zelcore::utility::AppendUTF8(character == kMalformed || character < 0x20 ? U'?' : character,
+                                 quoted);
   }
   quoted += position < text.size() ? "...\"" : "\"";
   return quoted;

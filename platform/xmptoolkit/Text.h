@@ -14,9 +14,6 @@ inline constexpr char32_t kMalformed = 0xFFFFFFFF;
 // Returns kMalformed, and leaves `position` alone, when no well-formed character stands there.
 char32_t DecodeUTF8(std::string_view text, std::size_t& position);
 
-// Appends a character (a Unicode scalar value) as UTF-8.
-void AppendUTF8(char32_t character, std::string& text);
-
 // The byte where the first character begins that is malformed or that XML 1.0 cannot carry, not
 // even as a reference; npos when there is none.
 std::size_t FindUnfitForXML(std::string_view text);

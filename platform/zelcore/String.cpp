@@ -2,6 +2,7 @@
 #include <limits>
 
 #include <zelcore/String.h>
+#include <zelcore/UTF8.h>
 
 namespace zelcore {
 namespace {
@@ -34,27 +35,6 @@ constexpr LeadByte ClassifyLead(unsigned char lead) {
   return {0, 0, 0};
 }
 
-struct Decoded {
-  char32_t mCodePoint;  // meaningless when ill-formed
-  std::size_t mBytes;   // consumed, at least 1
-  bool mWellFormed;
-};
-
-// Decodes the sequence that begins at `bytes`, which is not empty and begins above 0x7F.
-Decoded DecodeSequence(std::string_view bytes) {
-  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const LeadByte lead = ClassifyLead(byteAt(0));
-  if (lead.mLength == 0) return {0, 1, false};
-  char32_t codePoint = byteAt(0) & (0xFFu >> (lead.mLength + 1));
-  for (std::size_t i = 1; i < static_cast<std::size_t>(lead.mLength); ++i) {
-    const unsigned char low = i == 1 ? lead.mSecondLow : 0x80;
-    const unsigned char high = i == 1 ? lead.mSecondHigh : 0xBF;
-    if (i >= bytes.size() || byteAt(i) < low || byteAt(i) > high) return {0, i, false};
-    codePoint = (codePoint << 6) | (byteAt(i) & 0x3Fu);
-  }
-  return {codePoint, static_cast<std::size_t>(lead.mLength), true};
-}
-
 void AppendUTF16(char32_t codePoint, UTF16String& text) {
   if (codePoint < 0x10000) {
     text.push_back(static_cast<char16_t>(codePoint));
@@ -63,23 +43,6 @@ void AppendUTF16(char32_t codePoint, UTF16String& text) {
   const char32_t offset = codePoint - 0x10000;
   text.push_back(static_cast<char16_t>(0xD800 + (offset >> 10)));
   text.push_back(static_cast<char16_t>(0xDC00 + (offset & 0x3FF)));
-}
-
-void AppendUTF8(char32_t codePoint, UTF8String& bytes) {
-  const auto push = [&](char32_t value) { bytes.push_back(static_cast<char>(value)); };
-  if (codePoint < 0x80) return push(codePoint);
-  if (codePoint < 0x800) {
-    push(0xC0 | (codePoint >> 6));
-  } else {
-    if (codePoint < 0x10000) {
-      push(0xE0 | (codePoint >> 12));
-    } else {
-      push(0xF0 | (codePoint >> 18));
-      push(0x80 | ((codePoint >> 12) & 0x3F));
-    }
-    push(0x80 | ((codePoint >> 6) & 0x3F));
-  }
-  push(0x80 | (codePoint & 0x3F));
 }
 
 bool IsASCII(char byte) {
@@ -93,6 +56,21 @@ bool IsSpace(char16_t unit) {
 }  // namespace
 
 namespace utility {
+
+DecodedUTF8 DecodeUTF8(std::string_view bytes) {
+  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+  if (byteAt(0) < 0x80) return {byteAt(0), 1, true};
+  const LeadByte lead = ClassifyLead(byteAt(0));
+  if (lead.mLength == 0) return {0, 1, false};
+  char32_t character = byteAt(0) & (0xFFu >> (lead.mLength + 1));
+  for (std::size_t i = 1; i < static_cast<std::size_t>(lead.mLength); ++i) {
+    const unsigned char low = i == 1 ? lead.mSecondLow : 0x80;
+    const unsigned char high = i == 1 ? lead.mSecondHigh : 0xBF;
+    if (i >= bytes.size() || byteAt(i) < low || byteAt(i) > high) return {0, i, false};
+    character = (character << 6) | (byteAt(i) & 0x3Fu);
+  }
+  return {character, static_cast<std::size_t>(lead.mLength), true};
+}
 
 UTF16String AsciiToUTF16(std::string_view ascii) {
   UTF16String text(ascii.size(), u'\0');
@@ -124,8 +102,8 @@ void AppendUTF8to16(std::string_view bytes, UTF16String& text) {
     text.append(bytes.begin(), asciiEnd);
     bytes.remove_prefix(static_cast<std::size_t>(asciiEnd - bytes.begin()));
     if (bytes.empty()) return;
-    const Decoded decoded = DecodeSequence(bytes);
-    AppendUTF16(decoded.mWellFormed ? decoded.mCodePoint : kReplacement, text);
+    const DecodedUTF8 decoded = DecodeUTF8(bytes);
+    AppendUTF16(decoded.mWellFormed ? decoded.mCharacter : kReplacement, text);
     bytes.remove_prefix(decoded.mBytes);
   }
 }
@@ -142,7 +120,7 @@ bool IsWellFormedUTF8(std::string_view bytes) {
     const auto asciiEnd = std::find_if_not(bytes.begin(), bytes.end(), IsASCII);
     bytes.remove_prefix(static_cast<std::size_t>(asciiEnd - bytes.begin()));
     if (bytes.empty()) return true;
-    const Decoded decoded = DecodeSequence(bytes);
+    const DecodedUTF8 decoded = DecodeUTF8(bytes);
     if (!decoded.mWellFormed) return false;
     bytes.remove_prefix(decoded.mBytes);
   }

@@ -28,9 +28,3 @@ inline ScenePtr MakeScene(std::string_view paragraphs, std::string_view number =
   });
   return scene;
 }
-
-inline boost::intrusive_ptr<zelstoryparser::Section> MakeSection(std::vector<ScenePtr> scenes) {
-  boost::intrusive_ptr<zelstoryparser::Section> section(new zelstoryparser::Section);
-  section->mScenes = std::move(scenes);
-  return section;
-}

@@ -10,80 +10,71 @@ namespace treedump {
 
 using namespace zelstoryparser;
 
-// Gathers the texts of several nodes. One node's content stands in an Out of its own.
+inline std::string Value(const char* key, const UTF16String& value) {
+  return value.empty() ? "" : key + Utf8(value);
+}
+
 class Out {
  public:
-  Out& Value(const char* key, const UTF16String& value) {
-    if (!value.empty()) mText += key + Utf8(value);
-    return *this;
-  }
   template <typename Node>
   Out& Add(const boost::intrusive_ptr<Node>& node, const std::string& slot = "") {
     if (!node) return *this;
     Out below;
-    std::string name = slot;
-    std::string values = Describe(*node, name, below);
-    if constexpr (requires { node->mObjectID; })
-      values = Out().Value("#", node->mObjectID.AsString()).mText + values;
-    const bool hasSeveral = below.mCount > 1;
-    mText += (mCount++ == 0 ? "" : " ") + name + values +
-             (below.mCount == 0 ? ""
-              : hasSeveral      ? "{"
-                                : ">");
-    mText += below.mText + (hasSeveral ? "}" : "");
-    return *this;
-  }
-  template <typename Node>
-  Out& Add(const std::vector<boost::intrusive_ptr<Node>>& nodes) {
-    for (const auto& node : nodes) Add(node);
+    auto [name, values] = below.Describe(*node, slot);
+    if constexpr (requires { node->mObjectID; }) name += Value("#", node->mObjectID.AsString());
+    if (below.mCount == 1) values += ">" + below.mText;
+    if (below.mCount > 1) values += "{" + below.mText + "}";
+    mText += (mCount++ == 0 ? "" : " ") + name + values;
     return *this;
   }
   std::string mText;
 
  private:
-  static std::string Describe(const TextRun& run, std::string& name, Out&) {
-    name = "'" + Utf8(run.mText) + "'";
-    return "";
+  using Words = std::pair<std::string, std::string>;  // a node's name and its values
+
+  template <typename Node>
+  void AddAll(const std::vector<boost::intrusive_ptr<Node>>& nodes) {
+    for (const auto& node : nodes) Add(node);
   }
-  static std::string Describe(const Paragraph& node, std::string& name, Out& below) {
-    name = std::to_string(node.mElementType);
-    return below.Add(node.mTextRuns), "";
+  Words Describe(const TextRun& run, const std::string&) {
+    return {"'" + Utf8(run.mText) + "'", ""};
   }
-  static std::string Describe(const Scene& node, std::string& name, Out& below) {
-    name = "scene";
-    below.Add(node.mParagraphs);
-    return Out().Value(" number=", node.mSceneNumber).Value(" duration=", node.mShotDuration).mText;
+  Words Describe(const Paragraph& node, const std::string&) {
+    AddAll(node.mTextRuns);
+    return {std::to_string(node.mElementType), ""};
   }
-  static std::string Describe(const Section& node, std::string& name, Out& below) {
-    name = "section";
-    return below.Add(node.mScenes), "";
+  Words Describe(const Scene& node, const std::string&) {
+    AddAll(node.mParagraphs);
+    return {"scene",
+            Value(" number=", node.mSceneNumber) + Value(" duration=", node.mShotDuration)};
   }
-  static std::string Describe(const Stream& node, std::string& name, Out& below) {
-    below.Add(node.mSection);
-    return Out().Value(" name=", Utf8(node.mName) == name ? UTF16String() : node.mName).mText;
+  Words Describe(const Section& node, const std::string&) {
+    AddAll(node.mScenes);
+    return {"section", ""};
   }
-  static std::string Describe(const CommentStream& node, std::string& name, Out& below) {
-    name = "comments";
-    Out values = Out().Value(" name=", node.mName).Value(" author=", node.mCommentAuthor);
-    below.Add(node.mSection);
-    return values.Value(" dependent=", node.mDependent)
-        .Value(" authorID=", node.mCommentAuthorID)
-        .mText;
+  Words Describe(const Stream& node, const std::string& slot) {
+    Add(node.mSection);
+    return {slot, Utf8(node.mName) == slot ? "" : Value(" name=", node.mName)};
   }
-  static std::string Describe(const Document& node, std::string& name, Out& below) {
-    name = "document";
-    below.Add(node.mHeaderStream, "header")
+  Words Describe(const CommentStream& node, const std::string&) {
+    Add(node.mSection);
+    return {"comments", Value(" name=", node.mName) + Value(" author=", node.mCommentAuthor) +
+                            Value(" dependent=", node.mDependent) +
+                            Value(" authorID=", node.mCommentAuthorID)};
+  }
+  Words Describe(const Document& node, const std::string&) {
+    Add(node.mHeaderStream, "header")
         .Add(node.mBodyStream, "body")
         .Add(node.mFooterStream, "footer");
-    below.Add(node.mCommentStreams);
-    return Out().Value(" version=", node.mVersion).mText;
+    AddAll(node.mCommentStreams);
+    return {"document", Value(" version=", node.mVersion)};
   }
-  static std::string Describe(const TavroStory& node, std::string& name, Out& below) {
-    name = "story";
-    Out values = Out().Value(" version=", node.mVersion).Value(" type=", node.mDocumentType);
-    values.Value(" template=", node.mTemplate).Value(" meta=", node.mMetaData);
-    for (const UTF16String& tag : node.mTags) values.Value(" ", u"tag=" + tag);
-    return below.Add(node.mDocument), values.mText;
+  Words Describe(const TavroStory& node, const std::string&) {
+    Add(node.mDocument);
+    std::string values = Value(" version=", node.mVersion) + Value(" type=", node.mDocumentType) +
+                         Value(" template=", node.mTemplate) + Value(" meta=", node.mMetaData);
+    for (const UTF16String& tag : node.mTags) values += " tag=" + Utf8(tag);
+    return {"story", values};
   }
   int mCount = 0;
 };

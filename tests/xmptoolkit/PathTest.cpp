@@ -1,12 +1,12 @@
-#include <gmock/gmock.h>
+#include <atomic>
+#include <thread>
+#include <vector>
 
 #include "XMPTestSupport.h"
 
 namespace {
 
 using namespace xmptest;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 class PathTest : public testing::Test {
  protected:
@@ -26,97 +26,55 @@ class PathTest : public testing::Test {
 };
 
 TEST_F(PathTest, LeadsToValues) {
-  const struct {
-    const char* mPath;
-    const char* mValue;  // null: absent
-  } rows[] = {
-      {"simple", "text"},
-      {"q:simple", "text"},
-      {"seq", ""},
-      {"seq[1]", "one"},
-      {"q:seq[02]/s:f", "two"},
-      {"seq[last()]/s:inner[last()]", "deep"},
-      {"seq[2]/s:inner[1]", "deep"},
-      {"qualified/?xml:lang", "en"},
-      {"qualified/?s:note/q:by", "me"},
-      {"\xC3\xA9t\xC3\xA9", "summer"},
-      {"absent", nullptr},
-      {"absent/s:f[3]/s:g", nullptr},
-      {"seq[3]", nullptr},
-      {"seq[2147483647]", nullptr},
-      {"seq[2]/s:absent", nullptr},
-      {"seq[2]/q:f", nullptr},
-      {"empty[last()]", nullptr},
-      {"simple/?xml:lang", nullptr},
-  };
-  for (const auto& row : rows) {
+  for (const Row& row : Rows(R"(
+      simple => text ;; q:simple => text ;; seq => ;; seq[1] => one ;; q:seq[02]/s:f => two
+      seq[last()]/s:inner[last()] => deep ;; seq[2]/s:inner[1] => deep
+      qualified/?xml:lang => en ;; qualified/?s:note/q:by => me ;; \xC3\xA9t\xC3\xA9 => summer
+      absent => - ;; absent/s:f[3]/s:g => - ;; seq[3] => - ;; seq[2147483647] => -
+      seq[2]/s:absent => - ;; seq[2]/q:f => - ;; empty[last()] => - ;; simple/?xml:lang => -)")) {
+    SCOPED_TRACE(row[0]);
+    const bool isThere = row[1] != "-";
     std::string value = "untouched";
     XMP_OptionBits options = 0xBAD;
-    const bool found = mMeta.GetProperty(kQ, row.mPath, &value, &options);
-    EXPECT_EQ(found, row.mValue != nullptr) << row.mPath;
-    EXPECT_EQ(value, found ? row.mValue : "untouched") << row.mPath;
-    EXPECT_EQ(options == 0xBAD, !found) << row.mPath;
-    EXPECT_EQ(mMeta.DoesPropertyExist(kQ, row.mPath), found) << row.mPath;
+    EXPECT_EQ(mMeta.GetProperty(kQ, row[0].c_str(), &value, &options), isThere);
+    EXPECT_EQ(value, isThere ? row[1] : "untouched");
+    EXPECT_EQ(options == 0xBAD, !isThere);
+    EXPECT_EQ(mMeta.DoesPropertyExist(kQ, row[0].c_str()), isThere);
   }
 }
 
 TEST_F(PathTest, RefusesWhatIsNoPathOrDoesNotFit) {
-  std::string tooDeep = "simple";
-  for (int i = 0; i < kXMP_MaxNesting; ++i) tooDeep += "/s:f";
-  const struct {
-    const char* mPath;
-    const char* mError;
-    const char* mPart;
-  } rows[] = {
-      {nullptr, "102", "null"},
-      {"", "102", "begin with a property name"},
-      {"q:", "102", "begin with"},
-      {"q:a:b", "102", "begin with"},
-      {"/simple", "102", "begin with"},
-      {"\xFF", "102", "begin with"},
-      {"s:simple", "102", "does not belong to the schema"},
-      {"unknown:simple", "101", "\"unknown\""},
-      {"seq[", "102", "not closed"},
-      {"seq[]", "102", "\"\""},
-      {"seq[0]", "102", "\"0\""},
-      {"seq[+1]", "102", "\"+1\""},
-      {"seq[2147483648]", "102", "\"2147483648\""},
-      {"seq[last]", "102", "\"last\""},
-      {"seq[?xml:lang=\"en\"]", "102", "?xml:lang"},
-      {"seq[1]x", "102", "followed by"},
-      {"seq[1]//s:f", "102", "no name"},
-      {"seq[1]/f", "102", "needs its prefix"},
-      {"simple/rdf:value", "102", "cannot be metadata"},
-      {"qualified/?xml:space", "102", "cannot be metadata"},
-      {"qualified/?xml:lang/?s:a", "102", "has no parts"},
-      {"seq/s:f", "102", "\"seq\" is no struct"},
-      {"simple/s:f", "102", "\"simple\" is no struct"},
-      {"simple[1]", "102", "\"simple\" is no array"},
-      {"seq[1]/s:f/s:g", "102", "\"seq[1]\" is no struct"},
-      {tooDeep.c_str(), "102", "more than 100 steps"},
-  };
+  const std::vector<Row> rows = Rows(R"(
+      null => 102 ...null ;; => 102 ...begin with a property name ;; q: => 102 ...begin with
+      q:a:b => 102 ...begin with ;; /simple => 102 ...begin with ;; \xFF => 102 ...begin with
+      s:simple => 102 ...does not belong to the schema ;; unknown:simple => 101 ..."unknown"
+      seq[ => 102 ...not closed ;; seq[] => 102 ..."" ;; seq[0] => 102 ..."0"
+      seq[+1] => 102 ..."+1" ;; seq[2147483648] => 102 ..."2147483648" ;; seq[last] => 102 ..."last"
+      seq[?xml:lang="en"] => 102 ...?xml:lang ;; seq[1]x => 102 ...followed by
+      seq[1]//s:f => 102 ...no name ;; seq[1]/f => 102 ...needs its prefix
+      simple/rdf:value => 102 ...cannot be metadata ;; seq/s:f => 102 ..."seq" is no struct
+      qualified/?xml:space => 102 ...cannot be metadata ;; simple[1] => 102 ..."simple" is no array
+      qualified/?xml:lang/?s:a => 102 ...has no parts ;; simple/s:f => 102 ..."simple" is no struct
+      seq[1]/s:f/s:g => 102 ..."seq[1]" is no struct ;; simple$deep => 102 ...more than 100 steps)");
   const std::string before = Serialize(mMeta);
-  for (const auto& row : rows) {
-    const std::string shown = row.mPath == nullptr ? "null" : row.mPath;
-    for (const std::string& error :
-         {ErrorOf([&] { mMeta.GetProperty(kQ, row.mPath, nullptr, nullptr); }),
-          ErrorOf([&] { mMeta.SetProperty(kQ, row.mPath, "x"); }),
-          ErrorOf([&] { mMeta.DeleteProperty(kQ, row.mPath); }),
-          ErrorOf([&] { mMeta.CountArrayItems(kQ, row.mPath); }),
-          ErrorOf([&] { mMeta.AppendArrayItem(kQ, row.mPath, kXMP_PropValueIsArray, "x"); }),
-          ErrorOf([&] { mMeta.SetStructField(kQ, row.mPath, kS, "f", "x"); })}) {
-      EXPECT_THAT(error, StartsWith(row.mError)) << shown;
-      EXPECT_THAT(error, HasSubstr(row.mPart)) << shown;
-    }
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row[0]);
+    const std::string text = Replaced(row[0], {Row{"$deep", Repeated("/s:f", kXMP_MaxNesting)}});
+    const char* path = Nullable(text);
+    ExpectError([&] { mMeta.GetProperty(kQ, path, nullptr, nullptr); }, row[1]);
+    ExpectError([&] { mMeta.SetProperty(kQ, path, "x"); }, row[1]);
+    ExpectError([&] { mMeta.DeleteProperty(kQ, path); }, row[1]);
+    ExpectError([&] { mMeta.CountArrayItems(kQ, path); }, row[1]);
+    ExpectError([&] { mMeta.AppendArrayItem(kQ, path, kXMP_PropValueIsArray, "x"); }, row[1]);
+    ExpectError([&] { mMeta.SetStructField(kQ, path, kS, "f", "x"); }, row[1]);
   }
   EXPECT_EQ(Serialize(mMeta), before);
 }
 
 TEST_F(PathTest, SchemasHaveToBeRegistered) {
   for (const char* schema : {static_cast<const char*>(nullptr), "", "urn:unheard-of#"}) {
-    EXPECT_THAT(ErrorOf([&] { mMeta.DoesPropertyExist(schema, "a"); }), StartsWith("101 "));
-    EXPECT_THAT(ErrorOf([&] { mMeta.GetStructField(kQ, "a", schema, "f", nullptr, nullptr); }),
-                StartsWith("101 "));
+    ExpectError([&] { mMeta.DoesPropertyExist(schema, "a"); }, "101 ");
+    ExpectError([&] { mMeta.GetStructField(kQ, "a", schema, "f", nullptr, nullptr); }, "101 ");
   }
 }
 
@@ -126,8 +84,7 @@ TEST_F(PathTest, FieldsAreNamedByNamespaceAndName) {
   EXPECT_TRUE(mMeta.GetStructField(kQ, "seq[2]", kS, "s:f", &value, nullptr));
   EXPECT_FALSE(mMeta.GetStructField(kQ, "seq[2]", kQ, "f", &value, nullptr));
   for (const char* name : {static_cast<const char*>(nullptr), "", "q:f", "f[1]", "s:f/s:g"}) {
-    EXPECT_THAT(ErrorOf([&] { mMeta.SetStructField(kQ, "new", kS, name, "x"); }),
-                StartsWith("102 "));
+    ExpectError([&] { mMeta.SetStructField(kQ, "new", kS, name, "x"); }, "102 ");
   }
   EXPECT_FALSE(mMeta.DoesPropertyExist(kQ, "new"));
 }
@@ -137,16 +94,65 @@ TEST_F(PathTest, ComposesItemPaths) {
   TXMPUtils::ComposeArrayItemPath(kQ, "seq[2]/s:inner", 1, &path);
   EXPECT_EQ(path, "seq[2]/s:inner[1]");
   TXMPUtils::ComposeArrayItemPath(kQ, "seq", kXMP_ArrayLastItem, &path);
+  const auto refuse = [&](const char* schema, const char* name, XMP_Index index,
+                          const char* error) {
+    ExpectError([&] { TXMPUtils::ComposeArrayItemPath(schema, name, index, &path); }, error);
+  };
+  refuse(kQ, "seq", 0, "4 ");
+  refuse(kQ, "seq", -2, "4 ");
+  refuse("urn:no#", "a", 1, "101 ");
+  refuse(kQ, "a b", 1, "102 ");
   EXPECT_EQ(path, "seq[last()]");
-  for (const XMP_Index index : {0, -2}) {
-    EXPECT_THAT(ErrorOf([&] { TXMPUtils::ComposeArrayItemPath(kQ, "seq", index, &path); }),
-                StartsWith("4 "));
+}
+
+TEST(RegistryTest, KeepsTheFirstPrefixAndMakesTakenOnesUnique) {
+  for (const Row& row : Rows(R"(
+      urn:reg:1# => reg   => reg ;; urn:reg:1# => reg  => reg  ;; urn:reg:1#      => other => reg
+      urn:reg:2# => reg   => reg1;; urn:reg:3# => reg  => reg2 ;; urn:reg:3#      => reg2  => reg2
+      urn:reg:4# => rdf   => rdf1;; urn:reg:5# => x    => x1   ;; adobe:ns:meta/  => m     => x
+      http://www.w3.org/XML/1998/namespace => xml => xml)")) {
+    std::string prefix;
+    const bool asSuggested = Meta::RegisterNamespace(row[0].c_str(), row[1].c_str(), &prefix);
+    EXPECT_EQ(prefix, row[2]) << row[0] << ' ' << row[1];
+    EXPECT_EQ(asSuggested, prefix == row[1]);
   }
-  EXPECT_THAT(ErrorOf([&] { TXMPUtils::ComposeArrayItemPath("urn:no#", "a", 1, &path); }),
-              StartsWith("101 "));
-  EXPECT_THAT(ErrorOf([&] { TXMPUtils::ComposeArrayItemPath(kQ, "a b", 1, &path); }),
-              StartsWith("102 "));
-  EXPECT_EQ(path, "seq[last()]");
+}
+
+TEST(RegistryTest, RefusesWhatCannotBeDeclared) {
+  for (const Row& row : Rows(R"(
+      101 =>          => a ;; 101 => null    => a ;; 101 => urn:\x01 => a  ;; 101 => urn:\xFF => a
+      4   => urn:r#   =>   ;; 4   => urn:r#  => null ;; 4 => urn:r#  => a: ;; 4   => urn:r#   => 1a
+      4   => urn:r#   => xml  ;; 4 => urn:r# => XMLfoo    ;; 4 => urn:r#   => \xC3
+      101 => http://www.w3.org/2000/xmlns/   => a)")) {
+    SCOPED_TRACE(row[1] + ' ' + row[2]);
+    std::string prefix = "untouched";
+    ExpectError([&] { Meta::RegisterNamespace(Nullable(row[1]), Nullable(row[2]), &prefix); },
+                row[0]);
+    EXPECT_EQ(prefix, "untouched");
+  }
+}
+
+TEST(RegistryTest, ManyThreadsAgree) {
+  constexpr int kThreads = 8;
+  constexpr int kNamespaces = 200;
+  std::vector<std::vector<std::string>> prefixes(kThreads);
+  std::atomic<int> waiting = kThreads;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      for (--waiting; waiting > 0;) std::this_thread::yield();
+      for (int i = 0; i < kNamespaces; ++i) {
+        const std::string uri = "urn:threads:" + std::to_string(i);
+        std::string prefix;
+        Meta::RegisterNamespace(uri.c_str(), "t", &prefix);
+        Meta meta;
+        meta.SetProperty(uri.c_str(), (prefix + ":p").c_str(), "v");
+        prefixes[static_cast<std::size_t>(t)].push_back(prefix);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const auto& seen : prefixes) EXPECT_EQ(seen, prefixes[0]);
 }
 
 }  // namespace

@@ -3,8 +3,12 @@
 #include <string>
 #include <string_view>
 
+#include <gmock/gmock.h>
+
 #include <xmptoolkit/XMP.h>
 #include <xmptoolkit/XMPTree.h>
+
+#include "support/Table.h"
 
 // Shared by the toolkit's tests: short ways to build packets, and to write down trees and errors.
 namespace xmptest {
@@ -31,16 +35,34 @@ inline std::string Described(std::string_view properties) {
   return RDF("<rdf:Description rdf:about=''>\n" + std::string(properties) + "</rdf:Description>");
 }
 
+inline XMP_StringLen Size(std::string_view text) {
+  return static_cast<XMP_StringLen>(text.size());
+}
+
+inline std::string Repeated(std::string_view text, int times) {
+  std::string repeated;
+  for (int i = 0; i < times; ++i) repeated += text;
+  return repeated;
+}
+
+// The text of a table's cell, for parameters that may be null.
+inline const char* Nullable(const std::string& cell) {
+  return cell == "null" ? nullptr : cell.c_str();
+}
+
 inline Meta Parse(std::string_view packet) {
-  Meta meta;
-  meta.ParseFromBuffer(packet.data(), static_cast<XMP_StringLen>(packet.size()));
-  return meta;
+  return Meta(packet.data(), Size(packet));
 }
 
 inline std::string Serialize(const Meta& meta, XMP_OptionBits options = 0) {
   std::string packet;
   meta.SerializeToBuffer(&packet, options);
   return packet;
+}
+
+inline void ExpectReadsAs(std::string_view packet, const Meta& meta,
+                          xmptoolkit::Equality equality = xmptoolkit::Equality::kFile) {
+  EXPECT_TRUE(AreEqual(meta, Parse(packet), equality)) << packet;
 }
 
 // The number and message of the XMP_Error that `action` throws; "none" when it throws none.
@@ -52,6 +74,15 @@ std::string ErrorOf(Action action) {
     return std::to_string(error.GetID()) + " " + error.GetErrMsg();
   }
   return "none";
+}
+
+// `error` is how number and message begin; what follows "..." stands somewhere behind.
+template <typename Action>
+void ExpectError(Action action, std::string_view error) {
+  const std::size_t start = error.find("...");
+  const std::string part(start == error.npos ? "" : error.substr(start + 3));
+  EXPECT_THAT(ErrorOf(action), testing::AllOf(testing::StartsWith(std::string(error, 0, start)),
+                                              testing::HasSubstr(part)));
 }
 
 inline std::string ShortName(const xmptoolkit::TreeNode& node) {
@@ -67,25 +98,22 @@ inline std::string ShortName(const xmptoolkit::TreeNode& node) {
 // each qualifier behind, as /name=value.
 inline std::string Show(const xmptoolkit::TreeNode& node) {
   const XMP_OptionBits options = node.Options();
-  const bool isArray = (options & kXMP_PropValueIsArray) != 0;
   const bool isStruct = (options & kXMP_PropValueIsStruct) != 0;
-  std::string text;
-  if (!isArray && !isStruct) {
-    const bool isURI = (options & kXMP_PropValueIsURI) != 0;
-    text = (isURI ? "<" : "'") + node.Value() + (isURI ? ">" : "'");
-  } else {
-    if (isArray) text = "bag";
-    if ((options & kXMP_PropArrayIsOrdered) != 0) text = "seq";
-    if ((options & kXMP_PropArrayIsAlternate) != 0) text = "alt";
-    if ((options & kXMP_PropArrayIsAltText) != 0) text = "lang";
-    text += isArray ? '(' : '{';
-    for (std::size_t i = 0; i < node.ChildCount(); ++i) {
-      if (i > 0) text += ' ';
-      if (isStruct) text += ShortName(node.Child(i)) + "=";
-      text += Show(node.Child(i));
-    }
-    text += isArray ? ')' : '}';
+  const char* array = (options & kXMP_PropArrayIsAltText) != 0     ? "lang"
+                      : (options & kXMP_PropArrayIsAlternate) != 0 ? "alt"
+                      : (options & kXMP_PropArrayIsOrdered) != 0   ? "seq"
+                      : (options & kXMP_PropValueIsArray) != 0     ? "bag"
+                                                                   : "";
+  const bool isURI = (options & kXMP_PropValueIsURI) != 0;
+  const std::string_view brackets = isStruct ? "{}" : *array != '\0' ? "()" : isURI ? "<>" : "''";
+  std::string text = array;
+  (text += brackets[0]) += node.Value();
+  for (std::size_t i = 0; i < node.ChildCount(); ++i) {
+    if (i > 0) text += ' ';
+    if (isStruct) text += ShortName(node.Child(i)) + "=";
+    text += Show(node.Child(i));
   }
+  text += brackets[1];
   for (std::size_t i = 0; i < node.QualifierCount(); ++i) {
     text += "/" + ShortName(node.Qualifier(i)) + "=" + Show(node.Qualifier(i));
   }

@@ -1,14 +1,72 @@
+#include <fstream>
 #include <sstream>
-#include <thread>
-#include <vector>
+#include <stdexcept>
 
 #include <gmock/gmock.h>
 
+#include <zelcore/xml/Reader.h>
+
+#include "support/ScratchFolder.h"
 #include "support/Table.h"
-#include "zelcore/EventLog.h"
+#include "support/Text.h"
 
 namespace zelcore::xml {
 namespace {
+
+using ::testing::StartsWith;
+
+// The events of a parse as a text: ^ and $ for the document, <name a='v'>, </name>, 'text' however
+// it was split, [ and ] for CDATA, !comment!. The positions of the tags stand in a text of their
+// own.
+class EventLog : public AbstractParseHandler {
+ public:
+  // The call behind `calls` calls throws.
+  explicit EventLog(const Reader& reader, int calls = -1) : mCallsLeft(calls), mReader(reader) {}
+
+  void StartDocument() override { Add("^"); }
+  void StartElement(const UTF16String& name,
+                    const std::map<UTF16String, UTF16String>& attributes) override {
+    std::string tag = "<" + Utf8(name);
+    for (const auto& [key, value] : attributes) tag += Utf8(u" " + key + u"='" + value + u"'");
+    AddTag(tag + ">");
+  }
+  void EndElement(const UTF16String& name) override { AddTag("</" + Utf8(name) + ">"); }
+  void StartCDATA() override { Add("["); }
+  void EndCDATA() override { Add("]"); }
+  void Characters(const UTF16String& text) override {
+    EXPECT_FALSE(text.empty());
+    const bool goesOn = mEvents.ends_with("'");
+    if (goesOn) mEvents.pop_back();
+    Add((goesOn ? "" : "'") + Utf8(text) + "'");
+  }
+  void Comment(const UTF16String& text) override { Add("!" + Utf8(text) + "!"); }
+  void EndDocument() override { Add("$"); }
+
+  std::string mEvents;
+  std::string mPositions;
+  int mCallsLeft;
+
+ private:
+  void Add(const std::string& event) {
+    if (mCallsLeft-- == 0) throw std::runtime_error("handler");
+    mEvents += event;
+  }
+  void AddTag(const std::string& tag) {
+    Add(tag);
+    const Position position = mReader.CurrentPosition();
+    mPositions += std::to_string(position.mLine) + ":" + std::to_string(position.mColumn) + " ";
+  }
+
+  const Reader& mReader;
+};
+
+// An error as it is shown, or "".
+std::string ErrorText(bool isGood, const Reader& reader) {
+  if (isGood) return "";
+  const ReadError& error = reader.Error();
+  return error.mSource + ":" + std::to_string(error.mPosition.mLine) + ":" +
+         std::to_string(error.mPosition.mColumn) + ": " + error.mReason;
+}
 
 struct Parsed {
   std::string mEvents, mPositions;
@@ -33,7 +91,8 @@ TEST(Reader, ReportsEventsInDocumentOrder) {
       "<!ENTITY two '&e;&e;'><!ATTLIST r d CDATA 'dflt'>]>");
   for (const Row& row : Rows(R"(
       <r/> => <r></r> ;; <?xml version='1.0'?>\n<!-- c --><r></r>\n<?pi x?> => ! c !<r></r>
-      <r b='2' a='1'/> => <r a='1' b='2'></r> ;; <r xml:lang='de'> a <s> b </s>\n</r> => <r xml:lang='de'>' a '<s>' b '</s>'\n'</r>
+      <r b='2' a='1'/> => <r a='1' b='2'></r>
+      <r xml:lang='de'> a <s> b </s>\n</r> => <r xml:lang='de'>' a '<s>' b '</s>'\n'</r>
       <r xmlns='u' xmlns:p='v' p:a='1' a='2'><p:s/></r> => <r a='2' p:a='1' xmlns='u' xmlns:p='v'><p:s></p:s></r>
       <p:r q:a='1'><a:b:c/></p:r> => <p:r q:a='1'><a:b:c></a:b:c></p:r> ;; <ré é='ü𝄞'>𝄞</ré> => <ré é='ü𝄞'>'𝄞'</ré>
       <r>a<![CDATA[<b>&amp;]]>c<![CDATA[]]></r> => <r>'a'['<b>&amp;']'c'[]</r>
@@ -49,51 +108,25 @@ TEST(Reader, ReportsEventsInDocumentOrder) {
 std::string InUTF16(const std::u16string& text, bool bigEndian) {
   std::string bytes;
   for (const char16_t unit : u"\xFEFF" + text) {
-    const char high = static_cast<char>(unit >> 8), low = static_cast<char>(unit & 0xFF);
-    bytes += bigEndian ? high : low;
-    bytes += bigEndian ? low : high;
+    bytes += static_cast<char>(bigEndian ? unit >> 8 : unit & 0xFF);
+    bytes += static_cast<char>(bigEndian ? unit & 0xFF : unit >> 8);
   }
   return bytes;
 }
 
 TEST(Reader, ReadsEncodings) {
   const std::u16string wide = u"<?xml version='1.0' encoding='UTF-16'?><r>é€𝄞</r>";
-  const std::pair<std::string, std::string> cases[] = {
-      {"\xEF\xBB\xBF<r>é€𝄞</r>", "é€𝄞"},
-      {"<?xml version='1.0' encoding='utf-8'?><r>é€𝄞</r>", "é€𝄞"},
-      {InUTF16(wide, true), "é€𝄞"},
-      {InUTF16(wide, false), "é€𝄞"},
-      {InUTF16(u"<r>é€𝄞</r>", false), "é€𝄞"},
-      {"<?xml version='1.0' encoding='ISO-8859-1'?><r>\xE9\xFC</r>", "éü"},
-      {"<?xml version='1.0' encoding='windows-1252'?><r>\xE9\x80\x93</r>", "é€“"},
-      {"<?xml version='1.0' encoding='US-ASCII'?><r>&#233;</r>", "é"},
-  };
-  for (const auto& [document, text] : cases) {
-    EXPECT_EQ(Events(document), "^<r>'" + text + "'</r>$") << document;
+  for (const std::string& document :
+       {InUTF16(wide, true), InUTF16(wide, false), InUTF16(u"<r>é€𝄞</r>", false)}) {
+    EXPECT_EQ(Events(document), "^<r>'é€𝄞'</r>$") << document;
   }
-}
-
-// The places of the "<" of every tag of a document without comments, CDATA and DTD, in the order of
-// the events, found by walking its text.
-std::string TagPositions(const std::string& document) {
-  std::string positions, tag;
-  std::size_t line = 1, column = 1;
-  char quote = 0;
-  for (std::size_t i = 0; i < document.size(); ++i) {
-    const char c = document[i];
-    const bool isInTag = !tag.empty();
-    if (isInTag && (c == '"' || c == '\'') && (quote == 0 || quote == c)) quote ^= c;
-    if (c == '<' && document[i + 1] != '?') {
-      tag = std::to_string(line) + ":" + std::to_string(column) + " ";
-      positions += tag;
-    } else if (isInTag && c == '>' && quote == 0) {
-      if (document[i - 1] == '/') positions += tag;
-      tag.clear();
-    }
-    if ((c & 0xC0) != 0x80) ++column;
-    if (c == '\n') ++line, column = 1;
+  for (const Row& row : Rows(R"(
+      \xEF\xBB\xBF<r>é€𝄞</r> => é€𝄞 ;; <?xml version='1.0' encoding='utf-8'?><r>é€𝄞</r> => é€𝄞
+      <?xml version='1.0' encoding='ISO-8859-1'?><r>\xE9\xFC</r> => éü
+      <?xml version='1.0' encoding='windows-1252'?><r>\xE9\x80\x93</r> => é€“
+      <?xml version='1.0' encoding='US-ASCII'?><r>&#233;</r> => é)")) {
+    EXPECT_EQ(Events(row[0]), "^<r>'" + row[1] + "'</r>$") << row[0];
   }
-  return positions;
 }
 
 // A long document's parts come in pieces; wherever they are cut, nothing may change.
@@ -104,10 +137,15 @@ TEST(Reader, PiecesOfLongDocumentsDoNotShow) {
   const std::string others = "<r><!--é-->a<![CDATA[é𝄞]]>b<?é é?>c</r>";
   for (const char filler : {' ', '\n'}) {
     for (std::size_t i = 0; i <= content.size(); ++i) {
-      const std::string document = "<r>" + std::string(kPiece - 3 - i, filler) + content;
-      const Parsed parsed = ParseAll(document, i % 2 == 0);
-      ASSERT_EQ(parsed.mEvents, "^<r>'" + std::string(kPiece - 3 - i, filler) + "é'" + events) << i;
-      ASSERT_EQ(parsed.mPositions, TagPositions(document)) << "cut at " << i;
+      const std::size_t length = kPiece - 3 - i, lines = filler == '\n' ? length : 0;
+      const std::string filling(length, filler);
+      const Parsed parsed = ParseAll("<r>" + filling + content, i % 2 == 0);
+      ASSERT_EQ(parsed.mEvents, "^<r>'" + filling + "é'" + events) << i;
+      const auto at = [&](std::size_t line, std::size_t column) {
+        return std::to_string(lines + line) + ":" + std::to_string(column) + " ";
+      };
+      const std::string s = at(1, lines > 0 ? 2 : length + 5), t = at(4, 17);
+      ASSERT_EQ(parsed.mPositions, "1:1 " + s + s + t + t + at(6, 2)) << "cut at " << i;
     }
   }
   for (std::size_t i = 0; i <= others.size(); ++i) {
@@ -117,39 +155,11 @@ TEST(Reader, PiecesOfLongDocumentsDoNotShow) {
 }
 
 TEST(Reader, KnowsThePlacesOfTags) {
-  const std::string longText(200'000, 'x');
-  std::string longAccents;
-  for (int i = 0; i < 100'000; ++i) longAccents += "é";
-  const std::string documents[] = {
-      "<r><a/><b></b></r>",
-      "\n  <r\n a='1'\n\tb='2'\n><é/>𝄞é<b\n>\n</b\n\n></r>",
-      "<?xml version='1.0'?>\r\n<r>\r\n  <a\r\n/></r>",
-      "<r>" + longAccents + "<a/>" + longAccents + "<b>" + longText + "</b></r>",
-      "<r a='" + longText + "'><b\n c='" + longAccents + "\n" + longText + "'>" + longText +
-          "</b></r>",
-      "<r>\n" + longText + "<a\n" + std::string(200'000, '\n') + "b='1'/>" + longText + "<c/></r>",
-      "<r><a b='>'/><c d=\">\n>\"/></r>",
-  };
-  for (const std::string& document : documents) {
-    for (const bool asStream : {false, true}) {
-      EXPECT_EQ(ParseAll(document, asStream).mPositions, TagPositions(document))
-          << document.substr(0, 60);
-    }
-  }
   EXPECT_EQ(ParseAll("\xEF\xBB\xBF<r>é<a/></r>", true).mPositions, "1:1 1:5 1:5 1:9 ");
   EXPECT_EQ(ParseAll(InUTF16(u"\n<r>é𝄞<a/></r>", true), true).mPositions, "2:1 2:6 2:6 2:10 ");
-  EXPECT_EQ(
-      ParseAll("<?xml version='1.0' encoding='ISO-8859-1'?>\n<r>\xE9<a/></r>", true).mPositions,
-      "2:1 2:5 2:5 2:9 ");
-  Reader reader;
-  EXPECT_EQ(reader.CurrentPosition().mLine, 1);
-  EXPECT_EQ(reader.CurrentPosition().mColumn, 1);
-}
-
-TEST(Reader, TagsOfAnEntityAreWhereItIsReferredTo) {
-  const std::string document = "<!DOCTYPE r [<!ENTITY e '<b>t</b>'>]>\n<r>\n  &e;\n    &e;</r>";
-  EXPECT_THAT(ParseAll(document, false).mPositions,
-              ::testing::MatchesRegex("2:1 3:[3-6] 3:[3-6] 4:[5-8] 4:[5-8] 4:8 "));
+  EXPECT_THAT(  // tags of an entity are where it is referred to
+      ParseAll("<!DOCTYPE r [<!ENTITY e '<b>t</b>'>]>\n<r>\n  &e;\n    &e;</r>").mPositions,
+      ::testing::MatchesRegex("2:1 3:[3-6] 3:[3-6] 4:[5-8] 4:[5-8] 4:8 "));
 }
 
 TEST(Reader, LimitsMarkupButNotText) {
@@ -183,15 +193,111 @@ TEST(Reader, LetsExceptionsThroughAndCanBeUsedAgain) {
   }
 }
 
-TEST(Reader, SeveralReadAtOnce) {
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([] {
-      for (int j = 0; j < 50; ++j)
-        EXPECT_EQ(Events("<r>é<s a='1'/></r>"), "^<r>'é'<s a='1'></s></r>$");
-    });
+// The error of a document, "" for a good one; `events` receives what was reported before it.
+std::string Error(const std::string& document, std::string* events = nullptr) {
+  Reader reader;
+  EventLog log(reader);
+  const bool isGood = reader.ParseBuffer(document, "s", log);
+  EXPECT_THAT(log.mEvents, ::testing::EndsWith("$"));
+  if (events != nullptr) *events = log.mEvents;
+  return ErrorText(isGood, reader);
+}
+
+TEST(ReaderErrors, NameThePlace) {  // line, and what was reported before, unless that is open
+  for (const Row& row : Rows(R"(
+      <r>\n <s></r> => 2 => <r>'\n '<s> ;; <r>\n\n</s> => 3 => <r>'\n\n' ;; <r/><s/> => 1 => <r></r> ;; text => 1
+      <r a='1' a='2'/> => 1 ;; <r>\n<a b=1/></r> => 2 => <r>'\n' ;; <r>\n<a b='<'/></r> => 2 => <r>'\n'
+      <r>\n&undeclared;</r> => 2 => <r>'\n' ;; <r>\na & b</r> => 2 => <r>'\na ' ;; <r>\n&#0;</r> => 2 => <r>'\n'
+      <r>\n&#xD800;</r> => 2 => <r>'\n' ;; <r>\n\x01</r> => 2 => ? ;; <r>\n\xC3(</r> => 2 => ? ;; <r>\n]]></r> => 2 => ?
+      <r>\n<!-- -- --></r> => 2 => ? ;; \s<?xml version='1.0'?><r/> => 1 ;; => 1 ;; \s => 1 ;; \n\s => ?
+      <?xml version='1.0' encoding='klingon'?><r/> => 1 ;; <?xml version='1.0' encoding='US-ASCII'?>\n<r>\xE9</r> => 2 => ?
+      <!DOCTYPE r [<!ENTITY e SYSTEM 'file:///etc/hostname'>]>\n<r>&e;</r> => 2 => <r>
+      <!DOCTYPE r [<!ENTITY e SYSTEM '/dev/zero'>]>\n<r a='&e;'/> => 2
+      <!DOCTYPE r [<!ENTITY % p SYSTEM 'file:///etc/hostname'>\n%p;]><r/> => 2
+      <!DOCTYPE r SYSTEM 'file:///dev/zero'>\n<r>&e;</r> => 2 => <r>
+      <!DOCTYPE r SYSTEM 'http://localhost/x'>\n<r a='&e;'/> => 2 => ?
+      <!DOCTYPE r [<!ENTITY a '&b;'><!ENTITY b '&a;'>]>\n<r>&a;</r> => 2 => <r>
+      <!DOCTYPE r [<!ENTITY a '</r>'>]>\n<r>&a; => 2 => <r>)")) {
+    std::string events;
+    const std::string error = Error(row[0], &events);
+    EXPECT_THAT(error, StartsWith(row[1] == "?" ? "s:" : "s:" + row[1] + ":")) << row[0];
+    EXPECT_TRUE(row[2] == "?" || events == "^" + row[2] + "$") << row[0] << events;
   }
-  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(Error("<!DOCTYPE r SYSTEM 'file:///dev/zero'><r/>"), "");
+}
+
+TEST(ReaderErrors, NoPrefixOfADocumentIsGood) {
+  const std::string document =
+      "<?xml version='1.0'?>\n<!DOCTYPE r [<!ENTITY e 'x'>]>\n<r a='é'>\n<!--c-->té𝄞xt&e;&#233;\n"
+      "<![CDATA[d]]><?p i?><b\n/></r>";
+  ASSERT_EQ(Error(document), "");
+  for (std::size_t length = 0; length < document.size(); ++length) {
+    const std::string prefix = document.substr(0, length);
+    Reader reader;
+    EventLog log(reader);
+    ASSERT_FALSE(reader.ParseBuffer(prefix, "s", log)) << length;
+    const ReadError& error = reader.Error();
+    const auto lines = 1 + std::count(prefix.begin(), prefix.end(), '\n');
+    EXPECT_TRUE(error.mPosition.mLine >= 1 && error.mPosition.mLine <= lines) << length;
+    EXPECT_TRUE(error.mPosition.mColumn >= 1 && error.mPosition.mColumn <= 60) << length;
+    EXPECT_TRUE(!error.mReason.empty() && error.mReason.find('\n') == std::string::npos) << length;
+  }
+}
+
+std::string Repeated(const std::string& text, int count) {
+  std::string repeated;
+  for (int i = 0; i < count; ++i) repeated += text;
+  return repeated;
+}
+
+// Entities that multiply each other, in `levels` levels of ten references each.
+std::string Bomb(int levels, const std::string& seed, const std::string& root) {
+  std::string dtd = "<!DOCTYPE r [<!ENTITY e0 '" + seed + "'>";
+  for (int level = 1; level <= levels; ++level) {
+    dtd += "<!ENTITY e" + std::to_string(level) + " '" +
+           Repeated("&e" + std::to_string(level - 1) + ";", 10) + "'>";
+  }
+  return dtd + "]>" + root;
+}
+
+TEST(ReaderErrors, ExpansionIsLimited) {
+  EXPECT_EQ(Error(Bomb(2, "x", "<r a='&e2;'>&e2;</r>")), "");
+  const std::string large(100'000, 'x');
+  const std::string bombs[] = {Bomb(9, "lol", "<r>&e9;</r>"), Bomb(9, "", "<r a='&e9;'/>"),
+                               Bomb(9, "<b/>", "<r>&e9;</r>"),
+                               Bomb(0, large, "<r>" + Repeated("&e0;", 2000) + "</r>"),
+                               Bomb(0, large, "<r>" + Repeated("<b a='&e0;'/>", 2000) + "</r>")};
+  for (const std::string& bomb : bombs) {
+    Reader reader;
+    AbstractParseHandler handler;
+    EXPECT_FALSE(reader.ParseBuffer(bomb, "s", handler)) << bomb.substr(0, 60);
+  }
+}
+
+TEST(ReaderErrors, DepthIsLimited) {
+  const auto nested = [](int depth) { return Repeated("<a>", depth) + Repeated("</a>", depth); };
+  EXPECT_EQ(Error(nested(10'000)), "");
+  std::string events;
+  EXPECT_THAT(Error("\n" + nested(10'001), &events), StartsWith("s:2:30001: "));
+  EXPECT_EQ(events, "^" + Repeated("<a>", 10'000) + "$");
+  const std::string entity = "<!DOCTYPE r [<!ENTITY e '" + nested(100) + "'>]>";
+  EXPECT_NE(Error(entity + Repeated("<a>", 9'950) + "&e;" + Repeated("</a>", 9'950)), "");
+}
+
+TEST(ReaderErrors, FilesThatCannotBeRead) {
+  const ScratchFolder folder;
+  const std::string path = folder.Write("bäd𝄞", "<r>").parent_path().string();
+  for (const char* name : {"/missing", "/", "/bäd𝄞", "/bäd𝄞/below"}) {
+    Reader reader;
+    EventLog log(reader);
+    EXPECT_THAT(ErrorText(reader.ParseFile(path + name, log), reader),
+                StartsWith(path + name + ":1:"));
+    EXPECT_FALSE(reader.Error().mReason.empty()) << name;
+  }
+  Reader reader;
+  EventLog log(reader);
+  EXPECT_TRUE(reader.ParseFile(folder.Write("good", "<r>é</r>"), log));
+  EXPECT_EQ(log.mEvents, "^<r>'é'</r>$");
 }
 
 }  // namespace
