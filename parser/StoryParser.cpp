@@ -1,4 +1,4 @@
-#include "zelstoryparser/StoryParser.h"
+#include <zelstoryparser/StoryParser.h>
 
 #include "parser/ElementTable.h"
 #include "text/StringTokenizer.h"

@@ -91,16 +91,22 @@ TEST_F(SidecarTest, WhatIsNoXMPIsRefusedAndLeftAsItWas) {
   }
 }
 
-TEST_F(SidecarTest, AnArrayWhereATextBelongsIsRefusedAndLeftAsItWas) {
-  const std::string packet =
-      "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
-      "rdf:about=''"
-      " xmlns:s='http://ns.zelhost.example/metadata/script/1.0/'><s:sceneSetting><rdf:Bag>"
-      "<rdf:li>INT</rdf:li></rdf:Bag></s:sceneSetting></rdf:Description></rdf:RDF>";
-  Write("clip.xmp", packet);
-  const Outcome outcome = WriteScene("clip.xmp");
-  EXPECT_EQ(outcome.mErrors, "clip.xmp: error: Error writing scene heading to XMP\n");
-  EXPECT_EQ(Read("clip.xmp"), packet);
+TEST_F(SidecarTest, WhatHasAnotherShapeIsRefusedAndLeftAsItWas) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"<s:sceneSetting><rdf:Bag><rdf:li>INT</rdf:li></rdf:Bag></s:sceneSetting>",
+       "Error writing scene heading to XMP\n"},
+      {"<s:dialogSequence>text</s:dialogSequence>", "dialogSequence"}};
+  for (const auto& [property, error] : cases) {
+    const std::string packet =
+        "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description"
+        " rdf:about='' xmlns:s='http://ns.zelhost.example/metadata/script/1.0/'>" +
+        property + "</rdf:Description></rdf:RDF>";
+    Write("clip.xmp", packet);
+    const Outcome outcome = WriteScene("clip.xmp");
+    EXPECT_THAT(outcome.mErrors, testing::StartsWith("clip.xmp: error: "));
+    EXPECT_THAT(outcome.mErrors, HasSubstr(error));
+    EXPECT_EQ(Read("clip.xmp"), packet);
+  }
 }
 
 TEST_F(SidecarTest, ALinkStaysALinkAndModesAreKept) {

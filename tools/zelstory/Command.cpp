@@ -1,7 +1,5 @@
 #include "Command.h"
 
-#include <xmptoolkit/XMP.h>
-
 #include "Console.h"
 #include "ToolError.h"
 
@@ -14,13 +12,8 @@ int ForEachFile(
   for (const std::string& file : files) {
     try {
       work(file, files.size() > 1 ? file + ": " : "");
-    } catch (const UsageError&) {
-      throw;
     } catch (const ToolError& error) {
       PrintError(error.what());
-      status = kRefused;
-    } catch (const XMP_Error& error) {
-      PrintError(ToolError(file, error.GetErrMsg()).what());
       status = kRefused;
     }
   }

@@ -34,6 +34,16 @@ std::string Describe(const TXMPMeta<std::string>& metadata, const Path& path) {
   return nlohmann::json(value).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
+// Changes the metadata; a refusal of the library, or of the toolkit below it, names the file.
+void Apply(const SidecarEdit::Change& change, Sidecar& sidecar, std::vector<Path>& changedPaths) {
+  try {
+    const zelcore::UTF16String error = change(sidecar.Metadata(), changedPaths);
+    if (!error.empty()) throw ToolError(sidecar.File(), ToUTF8(error));
+  } catch (const XMP_Error& error) {
+    throw ToolError(sidecar.File(), error.GetErrMsg());
+  }
+}
+
 void PrintDifferences(const Sidecar& before, const TXMPMeta<std::string>& after,
                       const std::vector<Path>& changedPaths, const std::string& label) {
   for (const Path& path : changedPaths) {
@@ -64,8 +74,7 @@ void SidecarEdit::Run(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
   const DirectoryLock lock(file);
   Sidecar sidecar(file, whenAbsent);
   std::vector<Path> changedPaths;
-  const zelcore::UTF16String error = change(sidecar.Metadata(), changedPaths);
-  if (!error.empty()) throw ToolError(file, ToUTF8(error));
+  Apply(change, sidecar, changedPaths);
   const bool changed = sidecar.IsChanged();
   if (changed && !mForce) sidecar.RefuseReadOnly();
 
