@@ -115,17 +115,6 @@ UTF16String UTF8to16(std::string_view bytes) {
   return text;
 }
 
-bool IsWellFormedUTF8(std::string_view bytes) {
-  while (true) {
-    const auto asciiEnd = std::find_if_not(bytes.begin(), bytes.end(), IsASCII);
-    bytes.remove_prefix(static_cast<std::size_t>(asciiEnd - bytes.begin()));
-    if (bytes.empty()) return true;
-    const DecodedUTF8 decoded = DecodeUTF8(bytes);
-    if (!decoded.mWellFormed) return false;
-    bytes.remove_prefix(decoded.mBytes);
-  }
-}
-
 }  // namespace utility
 
 iUTF16StringStream::iUTF16StringStream(UTF16String text) : mText(std::move(text)) {}

@@ -40,9 +40,6 @@ ZELPLATFORM_API UTF16String UTF8to16(std::string_view bytes);
 // UTF8to16, appended to `text`: what it holds already stays, so text can be joined piece by piece.
 ZELPLATFORM_API void AppendUTF8to16(std::string_view bytes, UTF16String& text);
 
-// True when `bytes` is well-formed UTF-8.
-ZELPLATFORM_API bool IsWellFormedUTF8(std::string_view bytes);
-
 }  // namespace utility
 
 // Reads numbers from the front of a text, as an input stream does under the classic locale: leading

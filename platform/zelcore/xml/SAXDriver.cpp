@@ -433,8 +433,4 @@ Position SAXDriver::CurrentPosition() const {
   return mState ? mState->CurrentPosition() : Position{};
 }
 
-void SAXDriver::Stop(std::string reason) {
-  if (mState) mState->Refuse(std::move(reason));
-}
-
 }  // namespace zelcore::xml

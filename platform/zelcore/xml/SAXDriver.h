@@ -87,10 +87,6 @@ class ZELPLATFORM_API SAXDriver {
   // in the text of an entity, the place of the reference. Outside a parse: 1:1.
   [[nodiscard]] Position CurrentPosition() const;
 
-  // Called in a callback: no further event follows, and Parse returns an error with `reason` at the
-  // current position.
-  void Stop(std::string reason);
-
  private:
   template <typename FeedAll>
   std::optional<SyntaxError> Run(FeedAll feedAll);
