@@ -152,6 +152,18 @@ TEST_F(SidecarFidelityTest, ADryRunTellsValuesAndTouchesNothing) {
   EXPECT_EQ(Read("clip.xmp"), bytes);
 }
 
+TEST_F(SidecarFidelityTest, ADryRunShowsWhatReplacesMetadataOfAnotherShape) {
+  Write("clip.xmp",
+        Packet("<s:dialogSequence xmlns:s='http://ns.zelhost.example/metadata/script/1.0/'>"
+               "<rdf:Seq><rdf:li>plain</rdf:li></rdf:Seq></s:dialogSequence>"));
+  EXPECT_THAT(
+      Lines(WriteScene("clip.xmp", {"--dry-run"}).mOutput),
+      IsSupersetOf({"xmpScript:dialogSequence: (1 item) -> (3 items)",
+                    "xmpScript:dialogSequence[1]/xmpScript:character: (none) -> \"INÈS\""}));
+  EXPECT_EQ(Tool({"clear", "clip.xmp", "--dry-run"}).mOutput,
+            "xmpScript:dialogSequence: (1 item) -> (none)\n");
+}
+
 TEST_F(SidecarFidelityTest, AClipsNameFindsItsSidecar) {
   struct Case {
     std::vector<std::string> mFiles;

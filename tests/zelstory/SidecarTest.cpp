@@ -10,7 +10,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 class SidecarTest : public Scratch {
  protected:

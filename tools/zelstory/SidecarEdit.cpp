@@ -1,6 +1,8 @@
 #include "SidecarEdit.h"
 
 #include <map>
+#include <set>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -19,8 +21,7 @@ std::string TextOf(const Path& path) {
   return std::string(text.data(), text.size());
 }
 
-// What stands at a path: a value in quotation marks, a number of items, or that nothing does.
-std::string Describe(const TXMPMeta<std::string>& metadata, const Path& path) {
+std::string DescribeKnown(const TXMPMeta<std::string>& metadata, const Path& path) {
   const std::string schema(path.Steps().front().mNamespaceURI);
   const std::string name = TextOf(path);
   std::string value;
@@ -32,6 +33,31 @@ std::string Describe(const TXMPMeta<std::string>& metadata, const Path& path) {
   }
   if ((options & kXMP_PropValueIsStruct) != 0) return "(struct)";
   return nlohmann::json(value).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+// What stands at a path: a value in quotation marks, a number of items, or that nothing does;
+// metadata of another shape, which the toolkit will not look into for this path, has nothing there
+// either.
+std::string Describe(const TXMPMeta<std::string>& metadata, const Path& path) {
+  try {
+    return DescribeKnown(metadata, path);
+  } catch (const XMP_Error&) {
+    return "(none)";
+  }
+}
+
+// The paths to compare: those that were touched, each array in front of its items.
+std::vector<Path> WithArrays(const std::vector<Path>& changedPaths) {
+  std::vector<Path> paths;
+  std::set<Path> seen;
+  for (const Path& path : changedPaths) {
+    zelmetadata::PathStep array = path.Steps().front();
+    const bool isInArray = std::exchange(array.mItem, 0) > 0;
+    const Path whole({array});
+    if (isInArray && seen.insert(whole).second) paths.push_back(whole);
+    if (seen.insert(path).second) paths.push_back(path);
+  }
+  return paths;
 }
 
 // Changes the metadata; a refusal of the library, or of the toolkit below it, names the file.
@@ -46,7 +72,7 @@ void Apply(const SidecarEdit::Change& change, Sidecar& sidecar, std::vector<Path
 
 void PrintDifferences(const Sidecar& before, const TXMPMeta<std::string>& after,
                       const std::vector<Path>& changedPaths, const std::string& label) {
-  for (const Path& path : changedPaths) {
+  for (const Path& path : WithArrays(changedPaths)) {
     const std::string oldValue = Describe(before.MetadataBefore(), path);
     const std::string newValue = Describe(after, path);
     if (oldValue != newValue) PrintLine(label + TextOf(path) + ": " + oldValue + " -> " + newValue);

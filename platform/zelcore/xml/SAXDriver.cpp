@@ -49,7 +49,7 @@ struct ContextDeleter {
 // entity is parsed in a context of its own, so callbacks may come from another context than ours.
 class ParseState {
  public:
-  ParseState(SAXEvents& events, const Limits& limits);
+  explicit ParseState(SAXEvents& events);
 
   static ParseState& Of(void* context) {
     return *static_cast<ParseState*>(static_cast<xmlParserCtxt*>(context)->_private);
@@ -134,7 +134,7 @@ class ParseState {
   // by long default attributes of short tags.
   void Account(std::size_t bytes) {
     mDelivered += bytes;
-    if (mDelivered > 4 * mFed + mLimits.mExpandedBytes) Refuse("entities expand beyond the limit");
+    if (mDelivered > 4 * mFed + kMostExpandedBytes) Refuse("entities expand beyond the limit");
   }
 
   void StartElement(const xmlChar* localName, const xmlChar* prefix, const xmlChar* uri,
@@ -145,7 +145,6 @@ class ParseState {
   std::optional<SyntaxError> Finish(bool anyBytes);
 
   SAXEvents& mEvents;
-  Limits mLimits;
   std::unique_ptr<xmlParserCtxt, ContextDeleter> mContext;
   xmlParserCtxt* mInner = nullptr;
   std::exception_ptr mException;
@@ -165,8 +164,8 @@ class ParseState {
 void ParseState::StartElement(const xmlChar* localName, const xmlChar* prefix, const xmlChar* uri,
                               int namespaceCount, const xmlChar** namespaces, int attributeCount,
                               const xmlChar** attributes) {
-  if (++mDepth > mLimits.mDepth) {
-    return Refuse("more than " + std::to_string(mLimits.mDepth) + " elements are open");
+  if (++mDepth > kMostOpenElements) {
+    return Refuse("more than " + std::to_string(kMostOpenElements) + " elements are open");
   }
   mDeclarations.clear();
   for (int i = 0; i < namespaceCount; ++i) {
@@ -344,7 +343,7 @@ void InitialiseLibrary() {
 
 }  // namespace
 
-ParseState::ParseState(SAXEvents& events, const Limits& limits) : mEvents(events), mLimits(limits) {
+ParseState::ParseState(SAXEvents& events) : mEvents(events) {
   InitialiseLibrary();
   xmlSAXHandler handler = MakeHandler();
   mContext.reset(xmlCreatePushParserCtxt(&handler, nullptr, nullptr, 0, nullptr));
@@ -363,7 +362,7 @@ bool ParseState::Feed(std::string_view bytes, bool isLast) {
   xmlParseChunk(mContext.get(), bytes.data(), static_cast<int>(bytes.size()), isLast ? 1 : 0);
   const xmlParserInput* input = mContext->input;
   if (!mHalted && input != nullptr &&
-      input->end - input->cur > static_cast<std::ptrdiff_t>(mLimits.mMarkupBytes)) {
+      input->end - input->cur > static_cast<std::ptrdiff_t>(kMostMarkupBytes)) {
     Refuse("a tag, a comment or other markup is longer than the limit");
   }
   return !mHalted && mContext->wellFormed == 1;
@@ -383,14 +382,14 @@ std::optional<SyntaxError> ParseState::Finish(bool anyBytes) {
   return std::move(mError);
 }
 
-SAXDriver::SAXDriver(SAXEvents& events, Limits limits) : mEvents(events), mLimits(limits) {}
+SAXDriver::SAXDriver(SAXEvents& events) : mEvents(events) {}
 
 SAXDriver::~SAXDriver() = default;
 
 // Runs `feed` over a state of its own, which goes with the parse however it ends.
 template <typename FeedAll>
 std::optional<SyntaxError> SAXDriver::Run(FeedAll feedAll) {
-  mState = std::make_unique<ParseState>(mEvents, mLimits);
+  mState = std::make_unique<ParseState>(mEvents);
   struct Ending {
     ~Ending() { mState.reset(); }
     std::unique_ptr<ParseState>& mState;

@@ -58,12 +58,10 @@ class SAXEvents {
 };
 
 // The limits that every document must keep; beyond one of them it is refused.
-struct Limits {
-  std::size_t mDepth = 10'000;          // open elements at one time
-  std::size_t mMarkupBytes = 8u << 20;  // of one tag, comment, CDATA section or other markup; the
-                                        // XML library itself ends at 10 MB
-  std::size_t mExpandedBytes = 64u << 20;  // what may be delivered above four times what was read
-};
+inline constexpr std::size_t kMostOpenElements = 10'000;
+inline constexpr std::size_t kMostMarkupBytes = 8u << 20;  // of one tag, comment, CDATA section ...
+inline constexpr std::size_t kMostExpandedBytes =
+    64u << 20;  // delivered above four times what was read
 
 class ParseState;
 
@@ -72,7 +70,7 @@ class ParseState;
 // its text would be lost. One driver is used by one thread at a time; several may run at once.
 class ZELPLATFORM_API SAXDriver {
  public:
-  explicit SAXDriver(SAXEvents& events, Limits limits = {});
+  explicit SAXDriver(SAXEvents& events);
   SAXDriver(const SAXDriver&) = delete;
   SAXDriver& operator=(const SAXDriver&) = delete;
   ~SAXDriver();
@@ -92,7 +90,6 @@ class ZELPLATFORM_API SAXDriver {
   std::optional<SyntaxError> Run(FeedAll feedAll);
 
   SAXEvents& mEvents;
-  const Limits mLimits;
   std::unique_ptr<ParseState> mState;  // set while a parse runs
 };
 
