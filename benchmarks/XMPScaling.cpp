@@ -26,6 +26,19 @@ TXMPMeta<std::string> ManyProperties(std::int64_t count) {
   return xmp;
 }
 
+// Properties whose names come again and again: ten to an item.
+TXMPMeta<std::string> ManyFields(std::int64_t count) {
+  TXMPMeta<std::string> xmp;
+  for (std::int64_t i = 0; i < count / 10; ++i) {
+    xmp.AppendArrayItem(kSchema, "list", kXMP_PropArrayIsOrdered, nullptr, kXMP_PropValueIsStruct);
+    for (int field = 0; field < 10; ++field) {
+      const std::string path = "list[last()]/bench:f" + std::to_string(field);
+      xmp.SetProperty(kSchema, path.c_str(), "a property's text");
+    }
+  }
+  return xmp;
+}
+
 template <TXMPMeta<std::string> Make(std::int64_t)>
 void Set(benchmark::State& state) {
   TXMPMeta<std::string>::RegisterNamespace(kSchema, "bench", nullptr);
@@ -56,10 +69,13 @@ void Parse(benchmark::State& state) {
 
 #define SIZES ->Arg(1'000)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond)
 BENCHMARK(Set<ManyItems>) SIZES;
+BENCHMARK(Set<ManyFields>) SIZES;
 BENCHMARK(Set<ManyProperties>) SIZES;
 BENCHMARK(Serialise<ManyItems>) SIZES;
+BENCHMARK(Serialise<ManyFields>) SIZES;
 BENCHMARK(Serialise<ManyProperties>) SIZES;
 BENCHMARK(Parse<ManyItems>) SIZES;
+BENCHMARK(Parse<ManyFields>) SIZES;
 BENCHMARK(Parse<ManyProperties>) SIZES;
 
 boost::intrusive_ptr<zelstoryparser::Scene> SceneWithSpeeches(std::int64_t count) {
