@@ -19,6 +19,7 @@ foreach(
   header
   zelcore/Export.h
   zelcore/RefCountedObject.h
+  zelcore/SmallBlocks.h
   zelcore/String.h
   zelcore/config/Localizer.h
   zelcore/filesupport/Dir.h

@@ -1,13 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
-#include <map>
-
-#include <zelcore/String.h>
 
 namespace zelstoryparser {
-
-using zelcore::UTF16String;
 
 // What a tag means to the parser.
 enum StoryElementCode : std::int32_t {
@@ -24,7 +20,23 @@ enum StoryElementCode : std::int32_t {
   kElementUnknown = 110,
 };
 
-// Element names, exact in case, with their codes; any other name is kElementUnknown.
-std::map<UTF16String, std::int32_t> MakeElementMap();
+// An element's name, exact in case, and its code; any other name is kElementUnknown.
+struct ElementEntry {
+  const char* mName;  // ASCII
+  StoryElementCode mCode;
+};
+
+inline constexpr std::array<ElementEntry, 10> kElements{{
+    {"TavroStory", kElementStory},
+    {"document", kElementDocument},
+    {"stream", kElementStream},
+    {"section", kElementSection},
+    {"scene", kElementScene},
+    {"paragraph", kElementParagraph},
+    {"textRun", kElementTextRun},
+    {"commentStream", kElementCommentStream},
+    {"metaData", kElementMetaData},
+    {"Tag", kElementTag},
+}};
 
 }  // namespace zelstoryparser

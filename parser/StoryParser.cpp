@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <string_view>
+
 #include <zelstoryparser/StoryParser.h>
 
 #include "parser/ElementTable.h"
@@ -32,6 +35,11 @@ ObjectID GetObjectIDAttribute(const StoryParser::Attributes& attributes) {
   return attribute == attributes.end() ? ObjectID() : ObjectID(attribute->second);
 }
 
+bool IsASCIIText(const UTF16String& text, std::string_view ascii) {
+  return std::equal(text.begin(), text.end(), ascii.begin(), ascii.end(),
+                    [](char16_t unit, char c) { return unit == static_cast<unsigned char>(c); });
+}
+
 bool CheckStoryVersion(const UTF16String& version) {
   StringTokenizer parts(version, u".", false);
   const UTF16String major = parts.NextToken();
@@ -41,8 +49,11 @@ bool CheckStoryVersion(const UTF16String& version) {
 
 }  // namespace
 
-StoryParser::StoryParser()
-    : mElementMap(MakeElementMap()), mCurrentElement(kElementUnknown), mParseError(false) {}
+StoryParser::StoryParser() : mCurrentElement(kElementUnknown), mParseError(false) {
+  for (const ElementEntry& entry : kElements) {
+    mElementMap.emplace(AsciiToUTF16(entry.mName), entry.mCode);
+  }
+}
 StoryParser::StoryParser(const StoryParser& other) = default;
 StoryParser& StoryParser::operator=(const StoryParser& other) = default;
 StoryParser::~StoryParser() = default;
@@ -68,7 +79,7 @@ std::int32_t StoryParser::GetElement(const Attributes& attributes) {
   const auto element = attributes.find(kElement);
   if (element == attributes.end()) return kUnknownElement;
   for (const ParagraphKind& kind : kParagraphKinds) {
-    if (element->second == AsciiToUTF16(kind.mName)) return kind.mType;
+    if (IsASCIIText(element->second, kind.mName)) return kind.mType;
   }
   return kUnknownElement;
 }

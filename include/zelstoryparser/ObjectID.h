@@ -20,6 +20,8 @@ class ZELSTORYPARSER_API ObjectID {
 
   ObjectID(const ObjectID& other);
   ObjectID& operator=(const ObjectID& other);
+  ObjectID(ObjectID&& other) noexcept;  // leaves `other` with any text
+  ObjectID& operator=(ObjectID&& other) noexcept;
   ~ObjectID();
 
   // A copy of the text, unchanged.

@@ -89,9 +89,17 @@ class ZELSTORYPARSER_API StoryParser : public zelcore::xml::AbstractParseHandler
   void EndMetaData();
   void CloseAll();
 
-  std::map<UTF16String, std::int32_t> mElementMap;  // element name to StoryElementCode
-  std::int32_t mCurrentElement;                     // code of the tag being handled
-  UTF16String mCharacters;                          // character data since the last start tag
+  // Any order finds a name; this one rarely has to look at the text.
+  struct ShorterFirst {
+    bool operator()(const UTF16String& left, const UTF16String& right) const {
+      return left.size() != right.size() ? left.size() < right.size() : left < right;
+    }
+  };
+  using ElementMap = std::map<UTF16String, std::int32_t, ShorterFirst>;
+
+  ElementMap mElementMap;        // element name to StoryElementCode
+  std::int32_t mCurrentElement;  // code of the tag being handled
+  UTF16String mCharacters;       // character data since the last start tag
   bool mParseError;
   UTF16String mErrorString;
   boost::intrusive_ptr<TavroStory> mStory;

@@ -1,4 +1,7 @@
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
 #include <limits>
 
 #include <zelcore/String.h>
@@ -35,18 +38,46 @@ constexpr LeadByte ClassifyLead(unsigned char lead) {
   return {0, 0, 0};
 }
 
-void AppendUTF16(char32_t codePoint, UTF16String& text) {
+char16_t* WriteUTF16(char32_t codePoint, char16_t* out) {
   if (codePoint < 0x10000) {
-    text.push_back(static_cast<char16_t>(codePoint));
-    return;
+    *out++ = static_cast<char16_t>(codePoint);
+    return out;
   }
   const char32_t offset = codePoint - 0x10000;
-  text.push_back(static_cast<char16_t>(0xD800 + (offset >> 10)));
-  text.push_back(static_cast<char16_t>(0xDC00 + (offset & 0x3FF)));
+  *out++ = static_cast<char16_t>(0xD800 + (offset >> 10));
+  *out++ = static_cast<char16_t>(0xDC00 + (offset & 0x3FF));
+  return out;
 }
 
 bool IsASCII(char byte) {
   return static_cast<unsigned char>(byte) < 0x80;
+}
+
+// Of the bytes in a word of memory, how many precede the first that is not ASCII.
+std::size_t CountASCII(std::uint64_t word) {
+  const std::uint64_t others = word & 0x8080808080808080;
+  const int bits = std::endian::native == std::endian::little ? std::countr_zero(others)
+                                                              : std::countl_zero(others);
+  return static_cast<std::size_t>(bits) / 8;
+}
+
+// Widens the ASCII characters at the beginning of `bytes` and returns how many there were. `out`
+// has room for as many units as there are bytes. Most text is ASCII, so that blocks are worth the
+// trouble; they are laid out so that compilers turn them into vector code.
+std::size_t WidenASCII(std::string_view bytes, char16_t* out) {
+  constexpr std::size_t kBlock = 16;
+  std::size_t i = 0;
+  for (; i + kBlock <= bytes.size(); i += kBlock) {
+    std::array<unsigned char, kBlock> block;
+    std::memcpy(block.data(), bytes.data() + i, kBlock);
+    std::array<std::uint64_t, 2> words;
+    std::memcpy(words.data(), bytes.data() + i, kBlock);
+    for (std::size_t k = 0; k < kBlock; ++k) out[i + k] = block[k];
+    if (const std::size_t count = CountASCII(words[0]); count < 8) return i + count;
+    if (const std::size_t count = CountASCII(words[1]); count < 8) return i + 8 + count;
+  }
+  for (; i < bytes.size() && IsASCII(bytes[i]); ++i) out[i] = static_cast<unsigned char>(bytes[i]);
+  return i;
 }
 
 bool IsSpace(char16_t unit) {
@@ -97,15 +128,19 @@ UTF8String UTF16to8(std::u16string_view text) {
 }
 
 void AppendUTF8to16(std::string_view bytes, UTF16String& text) {
+  const std::size_t before = text.size();
+  text.resize(before + bytes.size());  // no character takes more units than bytes
+  char16_t* out = text.data() + before;
   while (!bytes.empty()) {
-    const auto asciiEnd = std::find_if_not(bytes.begin(), bytes.end(), IsASCII);
-    text.append(bytes.begin(), asciiEnd);
-    bytes.remove_prefix(static_cast<std::size_t>(asciiEnd - bytes.begin()));
-    if (bytes.empty()) return;
+    const std::size_t count = WidenASCII(bytes, out);
+    out += count;
+    bytes.remove_prefix(count);
+    if (bytes.empty()) break;
     const DecodedUTF8 decoded = DecodeUTF8(bytes);
-    AppendUTF16(decoded.mWellFormed ? decoded.mCharacter : kReplacement, text);
+    out = WriteUTF16(decoded.mWellFormed ? decoded.mCharacter : kReplacement, out);
     bytes.remove_prefix(decoded.mBytes);
   }
+  text.resize(static_cast<std::size_t>(out - text.data()));
 }
 
 UTF16String UTF8to16(std::string_view bytes) {

@@ -2,27 +2,23 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include <zelcore/Export.h>
+#include <zelcore/SmallBlocks.h>
 
 // The host's string types and the conversions between them. All functions are pure and may be
 // called from any thread; the only error they know is std::bad_alloc.
 namespace zelcore {
 
-// The allocator of every host string; the one place to change it.
-template <typename T>
-using StringAllocator = std::allocator<T>;
-
 // A string of 16-bit UTF-16 code units. Sizes and positions count code units, not characters.
 using UTF16String =
-    std::basic_string<char16_t, std::char_traits<char16_t>, StringAllocator<char16_t>>;
+    std::basic_string<char16_t, std::char_traits<char16_t>, SmallBlockAllocator<char16_t>>;
 
-// The 8-bit counterpart: sizes and positions count bytes. May be a type other than std::string, so
-// copy its bytes where a std::string is wanted.
-using UTF8String = std::basic_string<char, std::char_traits<char>, StringAllocator<char>>;
+// The 8-bit counterpart: sizes and positions count bytes. May become a type other than
+// std::string, so copy its bytes where a std::string is wanted.
+using UTF8String = std::string;
 
 namespace utility {
 

@@ -1,6 +1,10 @@
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <fstream>
+#include <map>
+#include <span>
 #include <system_error>
 #include <unordered_map>
 #include <utility>
@@ -12,65 +16,99 @@
 namespace zelcore::xml {
 namespace {
 
-// Names by the addresses of their interned parts: each is converted once a document.
+// A name by the addresses of its interned parts.
+struct NameKey {
+  const char* mPrefix = nullptr;
+  const char* mLocalName = nullptr;
+
+  explicit NameKey(const NameView& name)
+      : mPrefix(name.mPrefix.data()), mLocalName(name.mLocalName.data()) {}
+  bool operator==(const NameKey&) const = default;
+
+  std::size_t Hash() const {
+    const auto prefix = reinterpret_cast<std::uintptr_t>(mPrefix);
+    const auto name = reinterpret_cast<std::uintptr_t>(mLocalName);
+    return static_cast<std::size_t>(name ^ (prefix << 1));
+  }
+};
+
+// Qualified names, each converted once a document.
 class NameTable {
  public:
-  const UTF16String& QualifiedName(std::string_view prefix, std::string_view localName) {
-    const Key key{prefix.data(), localName.data()};
+  const UTF16String& QualifiedName(const NameView& name) {
+    const NameKey key(name);
     const auto known = mNames.find(key);
     if (known != mNames.end()) return known->second;
-    UTF16String name;
-    if (!prefix.empty()) {
-      utility::AppendUTF8to16(prefix, name);
-      name.push_back(u':');
+    UTF16String text;
+    if (!name.mPrefix.empty()) {
+      utility::AppendUTF8to16(name.mPrefix, text);
+      text.push_back(u':');
     }
-    utility::AppendUTF8to16(localName, name);
-    return mNames.emplace(key, std::move(name)).first->second;
+    utility::AppendUTF8to16(name.mLocalName, text);
+    return mNames.emplace(key, std::move(text)).first->second;
   }
 
  private:
-  using Key = std::pair<const char*, const char*>;
   struct Hash {
-    std::size_t operator()(const Key& key) const {
-      const auto prefix = reinterpret_cast<std::uintptr_t>(key.first);
-      const auto name = reinterpret_cast<std::uintptr_t>(key.second);
-      return std::hash<std::uintptr_t>()(name ^ (prefix << 1));
-    }
+    std::size_t operator()(const NameKey& key) const { return key.Hash(); }
   };
-  std::unordered_map<Key, UTF16String, Hash> mNames;
+  std::unordered_map<NameKey, UTF16String, Hash> mNames;
 };
 
-// The map handed to StartElement. Its nodes, and the capacity of their strings, serve tag after
-// tag.
+// The map handed to StartElement. Tags of one name mostly carry the same attributes in the same
+// order, so that the map of such a tag before serves again, its values written over.
 class AttributeMap {
  public:
   using Map = std::map<UTF16String, UTF16String>;
 
-  void Clear() {
-    while (!mMap.empty()) mSpare.push_back(mMap.extract(mMap.begin()));
+  const Map& Fill(std::span<const AttributeView> attributes, NameTable& names) {
+    if (!HasNamesOf(attributes)) Build(attributes, names);
+    for (std::size_t i = 0; i < attributes.size(); ++i) {
+      mValues[i]->clear();
+      utility::AppendUTF8to16(attributes[i].mValue, *mValues[i]);
+    }
+    return mMap;
   }
-
-  void Add(const UTF16String& name, std::string_view value) {
-    if (mSpare.empty()) AddSpare();
-    Map::node_type node = std::move(mSpare.back());
-    mSpare.pop_back();
-    node.key() = name;
-    node.mapped().clear();
-    utility::AppendUTF8to16(value, node.mapped());
-    mMap.insert(std::move(node));
-  }
-
-  const Map& Get() const { return mMap; }
 
  private:
-  void AddSpare() {
-    Map fresh;
-    fresh.emplace();
-    mSpare.push_back(fresh.extract(fresh.begin()));
+  bool HasNamesOf(std::span<const AttributeView> attributes) const {
+    return std::equal(attributes.begin(), attributes.end(), mNames.begin(), mNames.end(),
+                      [](const AttributeView& attribute, const NameKey& name) {
+                        return NameKey(attribute.mName) == name;
+                      });
+  }
+
+  void Build(std::span<const AttributeView> attributes, NameTable& names) {
+    mMap.clear();
+    mNames.clear();
+    mValues.clear();
+    for (const AttributeView& attribute : attributes) {
+      mValues.push_back(&mMap[names.QualifiedName(attribute.mName)]);
+      mNames.emplace_back(attribute.mName);
+    }
   }
 
   Map mMap;
-  std::vector<Map::node_type> mSpare;
+  std::vector<NameKey> mNames;        // in the tag's order
+  std::vector<UTF16String*> mValues;  // in the map, for each of the names
+};
+
+// The maps of a few kinds of tags, found by element name and number of attributes.
+class AttributeMaps {
+ public:
+  const AttributeMap::Map& Fill(const NameView& element, std::span<const AttributeView> attributes,
+                                NameTable& names) {
+    std::size_t bytes = 0;
+    for (const AttributeView& attribute : attributes) bytes += attribute.mValue.size();
+    constexpr std::size_t kKeptBytes = 64 * 1024;
+    if (bytes > kKeptBytes) return mOversize.Fill(attributes, names);
+    const std::size_t slot = (NameKey(element).Hash() / 8 + attributes.size()) % mMaps.size();
+    return mMaps[slot].Fill(attributes, names);
+  }
+
+ private:
+  std::array<AttributeMap, 16> mMaps;
+  AttributeMap mOversize;  // so that the others do not hold on to the memory of a few huge tags
 };
 
 // A run of text is joined before it is handed on, up to this many code units.
@@ -88,23 +126,15 @@ class Reader::Adapter final : public SAXEvents {
   void StartElement(const NameView& name, std::span<const NamespaceView> declarations,
                     std::span<const AttributeView> attributes) override {
     FlushText();
-    mAttributes.Clear();
-    for (const NamespaceView& declaration : declarations) {
-      const bool isDefault = declaration.mPrefix.empty();
-      mAttributes.Add(isDefault ? mNames.QualifiedName({}, kXmlns)
-                                : mNames.QualifiedName(kXmlns, declaration.mPrefix),
-                      declaration.mURI);
-    }
-    for (const AttributeView& attribute : attributes) {
-      mAttributes.Add(mNames.QualifiedName(attribute.mName.mPrefix, attribute.mName.mLocalName),
-                      attribute.mValue);
-    }
-    mHandler.StartElement(mNames.QualifiedName(name.mPrefix, name.mLocalName), mAttributes.Get());
+    mOpenNames.push_back(&mNames.QualifiedName(name));
+    if (!declarations.empty()) attributes = Join(declarations, attributes);
+    mHandler.StartElement(*mOpenNames.back(), mMaps.Fill(name, attributes, mNames));
   }
 
-  void EndElement(const NameView& name) override {
+  void EndElement(const NameView& /*name*/) override {
     FlushText();
-    mHandler.EndElement(mNames.QualifiedName(name.mPrefix, name.mLocalName));
+    mHandler.EndElement(*mOpenNames.back());
+    mOpenNames.pop_back();
   }
 
   void Characters(std::string_view text) override {
@@ -136,10 +166,25 @@ class Reader::Adapter final : public SAXEvents {
  private:
   static constexpr std::string_view kXmlns = "xmlns";
 
+  // The plain callbacks know namespace declarations as attributes.
+  std::span<const AttributeView> Join(std::span<const NamespaceView> declarations,
+                                      std::span<const AttributeView> attributes) {
+    mJoined.clear();
+    for (const NamespaceView& declaration : declarations) {
+      const NameView name = declaration.mPrefix.empty() ? NameView{{}, kXmlns, {}}
+                                                        : NameView{kXmlns, declaration.mPrefix, {}};
+      mJoined.push_back({name, declaration.mURI});
+    }
+    mJoined.insert(mJoined.end(), attributes.begin(), attributes.end());
+    return mJoined;
+  }
+
   AbstractParseHandler& mHandler;
   SAXDriver mDriver;
   NameTable mNames;
-  AttributeMap mAttributes;
+  std::vector<const UTF16String*> mOpenNames;  // of the open elements, in mNames
+  AttributeMaps mMaps;
+  std::vector<AttributeView> mJoined;
   UTF16String mText;
 };
 

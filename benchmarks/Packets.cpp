@@ -1,0 +1,151 @@
+// What does a scene's packet cost to build, and a packet to parse, beside pugixml's plain XML?
+#include <stdexcept>
+#include <string>
+
+#include <benchmark/benchmark.h>
+#include <pugixml.hpp>
+
+#include <xmptoolkit/XMPTree.h>
+#include <zelcore/xml/Reader.h>
+#include <zelstoryparser/zelstoryparser.h>
+
+#include "StoryGenerator.h"
+#include "scenexmp/SceneHeading.h"
+#include "scenexmp/SceneText.h"
+#include "scenexmp/ShotProperties.h"
+#include "scenexmp/Vocabulary.h"
+
+namespace {
+
+using namespace zelstoryparser;
+
+const std::vector<boost::intrusive_ptr<Scene>>& Scenes() {
+  static const boost::intrusive_ptr<TavroStory> story = [] {
+    zelcore::xml::Reader reader;
+    StoryParser parser;
+    if (!reader.ParseBuffer(GenerateStory(1'000'000), "story", parser)) {
+      throw std::runtime_error("the story was not read");
+    }
+    return parser.GetStory();
+  }();
+  return story->mDocument->mBodyStream->mSection->mScenes;
+}
+
+void OurPacket(benchmark::State& state) {
+  for (auto _ : state) {
+    std::int32_t ordinal = 0;
+    std::vector<ShotXMP> shots;
+    for (const auto& scene : Scenes()) GetSceneXMP({}, scene, ++ordinal, shots);
+    benchmark::DoNotOptimize(shots);
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Scenes().size()));
+}
+
+void Append(pugi::xml_node parent, const char* name, const UTF16String& text) {
+  if (!text.empty()) parent.append_child(name).text().set(ToolkitValue(text).c_str());
+}
+
+// The same metadata as GetSceneXMP's, and the same room for later changes behind it.
+std::string PugixmlPacket(const Scene& scene) {
+  const SceneText text = CollectSceneText(scene);
+  UTF16String setting, location, timeOfDay;
+  ParseSceneHeading(text.mHeading, setting, location, timeOfDay);
+  pugi::xml_document document;
+  pugi::xml_node meta = document.append_child("x:xmpmeta");
+  meta.append_attribute("xmlns:x") = "adobe:ns:meta/";
+  pugi::xml_node rdf = meta.append_child("rdf:RDF");
+  rdf.append_attribute("xmlns:rdf") = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
+  pugi::xml_node properties = rdf.append_child("rdf:Description");
+  properties.append_attribute("rdf:about") = "";
+  properties.append_attribute("xmlns:xmpScript") = zelmetadata::kScriptSchemaURI;
+  properties.append_attribute("xmlns:xmpDM") = zelmetadata::kDynamicMediaSchemaURI;
+  Append(properties, "xmpScript:sceneSetting", setting);
+  Append(properties, "xmpDM:shotLocation", location);
+  Append(properties, "xmpScript:sceneTimeOfDay", timeOfDay);
+  UTF16String name;
+  for (const UTF16String& part : {setting, location, timeOfDay, scene.mSceneNumber}) {
+    if (!part.empty() && !name.empty()) name += u" - ";
+    name += part;
+  }
+  Append(properties, "xmpDM:shotName", name);
+  Append(properties, "xmpDM:scene", scene.mSceneNumber);
+  pugi::xml_node duration = properties.append_child("xmpDM:duration");
+  duration.append_attribute("rdf:parseType") = "Resource";
+  Append(duration, "xmpDM:scale", u"1/1");
+  Append(duration, "xmpDM:value", u"90");
+  Append(properties, "xmpScript:action", text.mAction);
+  pugi::xml_node dialogue =
+      properties.append_child("xmpScript:dialogSequence").append_child("rdf:Seq");
+  for (const auto& [character, dialog] : text.mPairs) {
+    pugi::xml_node item = dialogue.append_child("rdf:li");
+    item.append_attribute("rdf:parseType") = "Resource";
+    Append(item, "xmpScript:character", character);
+    Append(item, "xmpScript:dialog", dialog);
+  }
+  struct Writer : pugi::xml_writer {
+    std::string mText = "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n";
+    void write(const void* data, std::size_t size) override {
+      mText.append(static_cast<const char*>(data), size);
+    }
+  } writer;
+  document.save(writer, " ", pugi::format_indent | pugi::format_no_declaration);
+  for (int line = 0; line < 20; ++line) writer.mText.append(100, ' ') += '\n';
+  return std::move(writer.mText) + "<?xpacket end=\"w\"?>";
+}
+
+void PugixmlPackets(benchmark::State& state) {
+  std::vector<ShotXMP> ours;
+  GetSceneXMP({}, Scenes()[1], 1, ours);
+  const std::string theirs = PugixmlPacket(*Scenes()[1]);
+  TXMPMeta<std::string> left;
+  TXMPMeta<std::string> right;
+  left.ParseFromBuffer(ours[0].mXMPPacket.data(),
+                       static_cast<XMP_StringLen>(ours[0].mXMPPacket.size()));
+  right.ParseFromBuffer(theirs.data(), static_cast<XMP_StringLen>(theirs.size()));
+  if (!xmptoolkit::AreEqual(left, right, xmptoolkit::Equality::kMetadata))
+    state.SkipWithError("another packet");
+  for (auto _ : state) {
+    std::vector<std::string> packets;
+    for (const auto& scene : Scenes()) packets.push_back(PugixmlPacket(*scene));
+    benchmark::DoNotOptimize(packets);
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Scenes().size()));
+}
+BENCHMARK(OurPacket)->Unit(benchmark::kMillisecond);
+BENCHMARK(PugixmlPackets)->Unit(benchmark::kMillisecond);
+
+// About 100 kB: a long scene's.
+std::string LongPacket() {
+  boost::intrusive_ptr<Scene> scene(new Scene(*Scenes()[1]));
+  for (const auto& other : Scenes()) {
+    if (scene->mParagraphs.size() >= 400) break;
+    scene->mParagraphs.insert(scene->mParagraphs.end(), other->mParagraphs.begin(),
+                              other->mParagraphs.end());
+  }
+  std::vector<ShotXMP> shots;
+  GetSceneXMP({}, scene, 1, shots);
+  return shots.at(0).mXMPPacket;
+}
+
+void ParsePacket(benchmark::State& state) {
+  const std::string packet = LongPacket();
+  for (auto _ : state) {
+    TXMPMeta<std::string> xmp;
+    xmp.ParseFromBuffer(packet.data(), static_cast<XMP_StringLen>(packet.size()));
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(packet.size()));
+  state.counters["packet_bytes"] = static_cast<double>(packet.size());
+}
+
+void PugixmlParsePacket(benchmark::State& state) {
+  const std::string packet = LongPacket();
+  for (auto _ : state) {
+    pugi::xml_document document;
+    benchmark::DoNotOptimize(document.load_buffer(packet.data(), packet.size()));
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(packet.size()));
+}
+BENCHMARK(ParsePacket)->Unit(benchmark::kMillisecond);
+BENCHMARK(PugixmlParsePacket)->Unit(benchmark::kMillisecond);
+
+}  // namespace
