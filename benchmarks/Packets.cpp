@@ -118,7 +118,7 @@ BENCHMARK(PugixmlPackets)->Unit(benchmark::kMillisecond);
 std::string LongPacket() {
   boost::intrusive_ptr<Scene> scene(new Scene(*Scenes()[1]));
   for (const auto& other : Scenes()) {
-    if (scene->mParagraphs.size() >= 400) break;
+    if (scene->mParagraphs.size() >= 720) break;
     scene->mParagraphs.insert(scene->mParagraphs.end(), other->mParagraphs.begin(),
                               other->mParagraphs.end());
   }

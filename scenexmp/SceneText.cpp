@@ -1,5 +1,7 @@
 #include "scenexmp/SceneText.h"
 
+#include <utility>
+
 namespace zelstoryparser {
 
 void AppendParagraphText(boost::intrusive_ptr<Paragraph> paragraph, UTF16String& text) {
@@ -12,7 +14,7 @@ void AppendParagraphText(boost::intrusive_ptr<Paragraph> paragraph, UTF16String&
 void CloseCharacterDialogPair(UTF16String& character, UTF16String& dialog,
                               CharacterDialogPairs& pairs) {
   if (character.empty()) return;
-  if (!dialog.empty()) pairs.emplace_back(character, dialog);
+  if (!dialog.empty()) pairs.emplace_back(std::move(character), std::move(dialog));
   character.clear();
   dialog.clear();
 }

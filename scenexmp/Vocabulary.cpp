@@ -14,6 +14,15 @@ constexpr std::array<std::pair<const char*, const char*>, 3> kNamespaces{{
     {zelmetadata::kScriptSchemaURI, "xmpScript"},
 }};
 
+// A host's 8-bit string may be of another type than the toolkit's.
+std::string ToolkitString(std::string bytes) {
+  return bytes;
+}
+template <typename Bytes>
+std::string ToolkitString(const Bytes& bytes) {
+  return std::string(bytes.data(), bytes.size());
+}
+
 }  // namespace
 
 void RegisterStoryNamespaces() {
@@ -24,8 +33,7 @@ void RegisterStoryNamespaces() {
 }
 
 std::string ToolkitValue(const UTF16String& text) {
-  const zelcore::UTF8String bytes = zelcore::utility::UTF16to8(text);
-  return std::string(bytes.data(), bytes.size());
+  return ToolkitString(zelcore::utility::UTF16to8(text));
 }
 
 }  // namespace zelstoryparser

@@ -92,8 +92,8 @@ Encoding DetectEncoding(std::string_view bytes, std::size_t& markSize) {
   return isZero(2) && isZero(3) ? Encoding::kUTF32Little : Encoding::kUTF16Little;
 }
 
-std::string Encode(std::string_view text, Encoding encoding) {
-  if (encoding == Encoding::kUTF8) return std::string(text);
+std::string Encode(std::string text, Encoding encoding) {
+  if (encoding == Encoding::kUTF8) return text;
   std::string bytes;
   bytes.reserve(text.size() * UnitSize(encoding));
   for (std::size_t position = 0; position < text.size();) {

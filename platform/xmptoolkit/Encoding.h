@@ -17,7 +17,7 @@ std::size_t UnitSize(Encoding encoding);
 Encoding DetectEncoding(std::string_view bytes, std::size_t& markSize);
 
 // UTF-8 text in another encoding, without byte-order mark. `text` must be well-formed.
-std::string Encode(std::string_view text, Encoding encoding);
+std::string Encode(std::string text, Encoding encoding);
 
 // Bytes as UTF-8 text. Reading stops in front of the first character that is malformed, which is
 // not the case when `malformedAt` comes back as npos; else it is the byte where that character

@@ -49,27 +49,24 @@ class NameTable {
   const std::string& LocalName(NameId name) const { return mNames[name].mLocalName; }
 
  private:
-  struct Hash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const {
-      return std::hash<std::string_view>()(text);
-    }
-  };
-  using NumberByText = std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>>;
-
   struct Namespace {
     std::string mURI;
     std::string mPrefix;
-    NumberByText mNames;
   };
   struct Name {
     NamespaceId mNamespace;
     std::string mLocalName;
   };
+  using Index = std::unordered_multimap<std::size_t, std::uint32_t>;  // number by hash
 
+  std::optional<NamespaceId> FindNamespace(std::string_view uri) const;
+  std::optional<NameId> FindName(NamespaceId space, std::string_view localName) const;
+
+  // Most documents have so few of both that a search needs no index.
   std::vector<Namespace> mNamespaces;
-  NumberByText mNamespaceByURI;
   std::vector<Name> mNames;
+  Index mNamespaceIndex;
+  Index mNameIndex;
 };
 
 }  // namespace xmptoolkit

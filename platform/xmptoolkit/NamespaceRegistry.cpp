@@ -31,8 +31,8 @@ void CheckPrefix(std::string_view prefix) {
 }
 
 template <typename Map>
-std::optional<std::string> Lookup(const Map& map, std::string_view key) {
-  const auto found = map.find(std::string(key));
+std::optional<std::string_view> Lookup(const Map& map, std::string_view key) {
+  const auto found = map.find(key);
   if (found == map.end()) return std::nullopt;
   return found->second;
 }
@@ -55,11 +55,11 @@ NamespaceRegistry::NamespaceRegistry() {
 
 std::string NamespaceRegistry::Register(std::string_view uri, std::string_view suggestedPrefix) {
   CheckURI(uri);
-  if (auto known = PrefixOf(uri); known == suggestedPrefix) return *known;
+  if (PrefixOf(uri) == suggestedPrefix) return std::string(suggestedPrefix);
   CheckPrefix(suggestedPrefix);
 
   const std::unique_lock lock(mMutex);
-  if (const auto known = Lookup(mPrefixByURI, uri)) return *known;
+  if (const auto known = Lookup(mPrefixByURI, uri)) return std::string(*known);
   std::string prefix(suggestedPrefix);
   for (int number = 1; mURIByPrefix.count(prefix) != 0; ++number) {
     prefix = std::string(suggestedPrefix) + std::to_string(number);
@@ -74,14 +74,21 @@ std::string NamespaceRegistry::Register(std::string_view uri, std::string_view s
   return prefix;
 }
 
-std::optional<std::string> NamespaceRegistry::PrefixOf(std::string_view uri) const {
+std::optional<std::string_view> NamespaceRegistry::PrefixOf(std::string_view uri) const {
   const std::shared_lock lock(mMutex);
   return Lookup(mPrefixByURI, uri);
 }
 
-std::optional<std::string> NamespaceRegistry::URIOf(std::string_view prefix) const {
+std::optional<std::string_view> NamespaceRegistry::URIOf(std::string_view prefix) const {
   const std::shared_lock lock(mMutex);
   return Lookup(mURIByPrefix, prefix);
+}
+
+std::optional<std::string_view> NamespaceRegistry::Find(std::string_view uri) const {
+  const std::shared_lock lock(mMutex);
+  const auto found = mPrefixByURI.find(uri);
+  if (found == mPrefixByURI.end()) return std::nullopt;
+  return found->first;
 }
 
 }  // namespace xmptoolkit

@@ -17,11 +17,18 @@ class NamespaceRegistry {
   // As TXMPMeta::RegisterNamespace. Returns the prefix in force.
   std::string Register(std::string_view uri, std::string_view suggestedPrefix);
 
-  std::optional<std::string> PrefixOf(std::string_view uri) const;
-  std::optional<std::string> URIOf(std::string_view prefix) const;
+  // What these return lives as long as the process.
+  std::optional<std::string_view> PrefixOf(std::string_view uri) const;
+  std::optional<std::string_view> URIOf(std::string_view prefix) const;
+
+  // The registry's own copy of a URI; nothing when it is not registered.
+  std::optional<std::string_view> Find(std::string_view uri) const;
 
  private:
-  using Texts = std::unordered_map<std::string, std::string>;
+  struct Hash : std::hash<std::string_view> {
+    using is_transparent = void;
+  };
+  using Texts = std::unordered_map<std::string, std::string, Hash, std::equal_to<>>;
 
   NamespaceRegistry();
 

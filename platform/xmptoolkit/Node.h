@@ -75,6 +75,7 @@ class Node {
   ~Node() = default;
 
   NameId Name() const { return mName; }
+  void SetName(NameId name) { mName = name; }  // of a node that stands in no list
   const std::string& Value() const { return mValue; }
   void SetValue(std::string value) { mValue = std::move(value); }
 

@@ -19,7 +19,7 @@ constexpr std::size_t npos = std::string_view::npos;
 // Finds encoded text; only where a character of the packet can begin.
 std::size_t FindLast(std::string_view bytes, std::string_view text, Encoding encoding,
                      std::size_t first) {
-  const std::string wanted = Encode(text, encoding);
+  const std::string wanted = Encode(std::string(text), encoding);
   std::size_t found = bytes.rfind(wanted);
   while (found != npos && found >= first && (found - first) % UnitSize(encoding) != 0) {
     found = found == 0 ? npos : bytes.rfind(wanted, found - 1);

@@ -16,6 +16,7 @@ constexpr std::string_view kHeader =
     "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>";
 constexpr std::size_t kDefaultPadding = 2048;
 constexpr std::size_t kPaddingLine = 100;
+constexpr std::size_t kUsualPacket = 8192;
 constexpr XMP_OptionBits kKnownOptions = kXMP_OmitPacketWrapper | kXMP_ReadOnlyPacket |
                                          kXMP_UseCompactFormat | kXMP_ExactPacketLength |
                                          kXMP_EncodingMask;
@@ -110,13 +111,14 @@ std::string WritePacket(const Document& document, const PacketRequest& request) 
   CheckOptions(request);
   CheckArguments(request);
   const Layout layout = MakeLayout(request);
-  std::string rdf = WriteRDF(document, layout);
-  if (Has(request, kXMP_OmitPacketWrapper)) return Encode(rdf, encoding);
+  if (Has(request, kXMP_OmitPacketWrapper)) return Encode(WriteRDF(document, layout), encoding);
 
-  const std::string start = layout.mBaseIndent + std::string(kHeader) + layout.mNewline + rdf;
   const char* access = Has(request, kXMP_ReadOnlyPacket) ? "r" : "w";
   const std::string end = layout.mBaseIndent + "<?xpacket end=\"" + access + "\"?>";
-  std::string packet = Encode(start, encoding);
+  std::string start = layout.mBaseIndent;
+  start.reserve(kUsualPacket);
+  start.append(kHeader).append(layout.mNewline);
+  std::string packet = Encode(WriteRDF(document, layout, std::move(start)), encoding);
   const std::string trailer = Encode(end, encoding);
   const std::size_t padding = PaddingSize(request, packet.size() + trailer.size());
   packet += Encode(MakePadding(padding, layout.mNewline), encoding);

@@ -11,21 +11,24 @@ namespace xmptoolkit {
 
 namespace {
 
-void CheckRegistered(const char* namespaceURI) {
+// The registry's copy of the URI.
+std::string_view CheckRegistered(const char* namespaceURI) {
   if (namespaceURI == nullptr) throw XMP_Error(kXMPErr_BadSchema, "the namespace URI is null");
-  if (!NamespaceRegistry::Global().PrefixOf(namespaceURI)) {
+  const auto uri = NamespaceRegistry::Global().Find(namespaceURI);
+  if (!uri) {
     throw XMP_Error(kXMPErr_BadSchema,
                     "the namespace " + Quoted(namespaceURI) + " is not registered");
   }
+  return *uri;
 }
 
-std::string ResolvePrefix(std::string_view prefix) {
-  auto uri = NamespaceRegistry::Global().URIOf(prefix);
+std::string_view ResolvePrefix(std::string_view prefix) {
+  const auto uri = NamespaceRegistry::Global().URIOf(prefix);
   if (!uri) {
     throw XMP_Error(kXMPErr_BadSchema,
                     "the namespace prefix " + Quoted(prefix) + " is not registered");
   }
-  return *std::move(uri);
+  return *uri;
 }
 
 struct QualifiedName {
@@ -36,12 +39,18 @@ struct QualifiedName {
 
 QualifiedName SplitName(std::string_view text) {
   QualifiedName name;
-  const std::size_t colon = text.find(':');
-  const bool hasPrefix = colon != std::string_view::npos;
-  if (hasPrefix) name.mPrefix = text.substr(0, colon);
-  name.mLocalName = text.substr(hasPrefix ? colon + 1 : 0);
+  const auto colon = std::find(text.begin(), text.end(), ':');
+  const bool hasPrefix = colon != text.end();
+  if (hasPrefix) name.mPrefix = {text.begin(), colon};
+  name.mLocalName = {hasPrefix ? colon + 1 : text.begin(), text.end()};
   name.mWellFormed = IsNCName(name.mLocalName) && (!hasPrefix || IsNCName(name.mPrefix));
   return name;
+}
+
+// Where the next step begins, or the text ends. Names are too short for the standard's search.
+std::size_t FindStepBegin(std::string_view text, std::size_t position) {
+  while (position < text.size() && text[position] != '/' && text[position] != '[') ++position;
+  return position;
 }
 
 // The parts of RDF's and XML's own namespaces that can be metadata.
@@ -59,41 +68,41 @@ bool IsAttribute(const PathStep& step) {
          (step.mURI == kRDFNamespace && step.mLocalName == "datatype");
 }
 
-constexpr std::string_view kStepBegins = "/[";
-
 }  // namespace
 
 PathExpression::PathExpression(const char* schemaNS, const char* text) {
-  CheckRegistered(schemaNS);
+  const std::string_view schema = CheckRegistered(schemaNS);
   if (text == nullptr) throw XMP_Error(kXMPErr_BadXPath, "the path is null");
   mText = text;
-  std::size_t position = std::min(mText.find_first_of(kStepBegins), mText.size());
-  const QualifiedName first = SplitName(std::string_view(mText).substr(0, position));
+  std::size_t position = FindStepBegin(mText, 0);
+  const QualifiedName first = SplitName(mText.substr(0, position));
   if (!first.mWellFormed) Refuse("it does not begin with a property name");
-  if (!first.mPrefix.empty() && ResolvePrefix(first.mPrefix) != schemaNS) {
+  if (!first.mPrefix.empty() && ResolvePrefix(first.mPrefix) != schema) {
     Refuse("its prefix does not belong to the schema " + Quoted(schemaNS));
   }
-  AddName(PathStep::Kind::kName, schemaNS, first.mLocalName);
+  AddName(PathStep::Kind::kName, schema, first.mLocalName);
   mSteps.back().mTextEnd = position;
   while (position < mText.size()) ReadStep(position);
 }
 
 void PathExpression::AppendField(const char* fieldNS, const char* fieldName) {
-  CheckRegistered(fieldNS);
+  const std::string_view uri = CheckRegistered(fieldNS);
   const std::string_view text = fieldName == nullptr ? std::string_view() : fieldName;
   const QualifiedName name = SplitName(text);
   if (!name.mWellFormed) throw XMP_Error(kXMPErr_BadXPath, Quoted(text) + " is no field name");
-  if (!name.mPrefix.empty() && ResolvePrefix(name.mPrefix) != fieldNS) {
+  if (!name.mPrefix.empty() && ResolvePrefix(name.mPrefix) != uri) {
     throw XMP_Error(kXMPErr_BadXPath, "the prefix of " + Quoted(text) +
                                           " does not belong to the namespace " + Quoted(fieldNS));
   }
-  AddName(PathStep::Kind::kName, fieldNS, name.mLocalName);
-  mText.append("/").append(text);
-  mSteps.back().mTextEnd = mText.size();
+  AddName(PathStep::Kind::kName, uri, name.mLocalName);
+  mField = text;
 }
 
 std::string PathExpression::Describe(std::size_t count) const {
-  return Quoted(std::string_view(mText).substr(0, mSteps[count - 1].mTextEnd));
+  if (count == mSteps.size() && !mField.empty()) {
+    return Quoted(std::string(mText).append("/").append(mField));
+  }
+  return Quoted(mText.substr(0, mSteps[count - 1].mTextEnd));
 }
 
 void PathExpression::ReadStep(std::size_t& position) {
@@ -103,8 +112,8 @@ void PathExpression::ReadStep(std::size_t& position) {
     ++position;
     const bool isQualifier = position < mText.size() && mText[position] == '?';
     if (isQualifier) ++position;
-    const std::size_t end = std::min(mText.find_first_of(kStepBegins, position), mText.size());
-    const QualifiedName name = SplitName(std::string_view(mText).substr(position, end - position));
+    const std::size_t end = FindStepBegin(mText, position);
+    const QualifiedName name = SplitName(mText.substr(position, end - position));
     if (!name.mWellFormed) Refuse("a step after \"/\" is no name");
     if (name.mPrefix.empty()) Refuse("the name of a field or qualifier needs its prefix");
     AddName(isQualifier ? PathStep::Kind::kQualifier : PathStep::Kind::kName,
@@ -116,11 +125,10 @@ void PathExpression::ReadStep(std::size_t& position) {
 
 void PathExpression::ReadItem(std::size_t& position) {
   const std::size_t close = mText.find(']', position);
-  if (close == std::string::npos) Refuse("a \"[\" is not closed");
-  const std::string_view inside =
-      std::string_view(mText).substr(position + 1, close - position - 1);
+  if (close == std::string_view::npos) Refuse("a \"[\" is not closed");
+  const std::string_view inside = mText.substr(position + 1, close - position - 1);
   position = close + 1;
-  if (position < mText.size() && kStepBegins.find(mText[position]) == std::string_view::npos) {
+  if (position < mText.size() && FindStepBegin(mText, position) != position) {
     Refuse("a \"]\" is followed by what is no step");
   }
   PathStep step{PathStep::Kind::kLastItem, {}, {}};
@@ -137,11 +145,12 @@ void PathExpression::ReadItem(std::size_t& position) {
   AddStep(std::move(step));
 }
 
-void PathExpression::AddName(PathStep::Kind kind, std::string uri, std::string_view localName) {
+void PathExpression::AddName(PathStep::Kind kind, std::string_view uri,
+                             std::string_view localName) {
   if (!IsUsableName(kind, uri, localName)) {
     Refuse(Quoted(localName) + " of the namespace " + Quoted(uri) + " cannot be metadata");
   }
-  AddStep({kind, std::move(uri), std::string(localName)});
+  AddStep({kind, uri, localName});
 }
 
 void PathExpression::AddStep(PathStep step) {

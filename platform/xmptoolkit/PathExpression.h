@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include <boost/container/small_vector.hpp>
 
 #include <xmptoolkit/XMP.h>
 
@@ -16,11 +17,13 @@ struct PathStep {
   enum class Kind { kName, kItem, kLastItem, kQualifier };
 
   Kind mKind;
-  std::string mURI;          // of a name or qualifier
-  std::string mLocalName;    // likewise
-  std::size_t mItem = 0;     // of kItem, counted from 1
-  std::size_t mTextEnd = 0;  // where the step ends in the path's text
+  std::string_view mURI;        // of a name or qualifier; lives as long as the process
+  std::string_view mLocalName;  // likewise; lives in the path's text
+  std::size_t mItem = 0;        // of kItem, counted from 1
+  std::size_t mTextEnd = 0;     // where the step ends in the path's text
 };
+
+using PathSteps = boost::container::small_vector<PathStep, 4>;
 
 // A path as it names one property, item, field or qualifier:
 //
@@ -28,7 +31,8 @@ struct PathStep {
 //   step  = "[" number "]" | "[last()]" | "/" prefix ":" name | "/?" prefix ":" name
 //   name  = [prefix ":"] name
 //
-// "/?" leads to a qualifier. There are at most kXMP_MaxNesting steps, the first name included.
+// The texts that a path is made of have to outlive it. "/?" leads to a qualifier. There are at most
+// kXMP_MaxNesting steps, the first name included.
 class PathExpression {
  public:
   // Throws BadSchema for a schema that is null or not registered, or prefixes that are not, and
@@ -38,7 +42,7 @@ class PathExpression {
   // Adds the step to a field: `fieldName` with or without prefix. Throws as the constructor.
   void AppendField(const char* fieldNS, const char* fieldName);
 
-  const std::vector<PathStep>& Steps() const { return mSteps; }
+  const PathSteps& Steps() const { return mSteps; }
 
   // The text of the first `count` steps, quoted, for messages.
   std::string Describe(std::size_t count) const;
@@ -47,12 +51,13 @@ class PathExpression {
  private:
   void ReadStep(std::size_t& position);
   void ReadItem(std::size_t& position);
-  void AddName(PathStep::Kind kind, std::string uri, std::string_view localName);
+  void AddName(PathStep::Kind kind, std::string_view uri, std::string_view localName);
   void AddStep(PathStep step);
   [[noreturn]] void Refuse(const std::string& why) const;
 
-  std::string mText;
-  std::vector<PathStep> mSteps;
+  std::string_view mText;
+  std::string_view mField;  // what AppendField added
+  PathSteps mSteps;
 };
 
 // How far a path leads into a document.

@@ -43,7 +43,7 @@ void PrefixTable::Collect(const Node& node, std::vector<bool>& isUsed) {
 void PrefixTable::Assign() {
   const NameTable& names = mDocument.mNames;
   PrefixChooser chooser;
-  const auto offer = [&](NamespaceId space, const std::string& prefix) {
+  const auto offer = [&](NamespaceId space, std::string_view prefix) {
     if (mPrefixes[space].empty() && chooser.Take(prefix)) mPrefixes[space] = prefix;
   };
   for (const NamespaceId space : mDeclared) {
@@ -52,7 +52,8 @@ void PrefixTable::Assign() {
   }
   for (const NamespaceId space : mDeclared) {
     if (!mPrefixes[space].empty()) continue;
-    offer(space, NamespaceRegistry::Global().PrefixOf(names.URI(space)).value_or(std::string()));
+    offer(space,
+          NamespaceRegistry::Global().PrefixOf(names.URI(space)).value_or(std::string_view()));
   }
   for (const NamespaceId space : mDeclared) {
     if (mPrefixes[space].empty()) mPrefixes[space] = chooser.Fresh();

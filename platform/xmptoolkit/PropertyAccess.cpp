@@ -59,7 +59,7 @@ Node MakeNode(const PathExpression& path, std::optional<std::string_view> value,
 }
 
 void CheckCanCreate(const PathExpression& path, const PathTarget& target) {
-  const std::vector<PathStep>& steps = path.Steps();
+  const PathSteps& steps = path.Steps();
   for (std::size_t i = target.mMatched; i < steps.size(); ++i) {
     const bool isFirst = i == target.mMatched;
     switch (steps[i].mKind) {
@@ -98,17 +98,16 @@ void CheckQualifier(const PathExpression& path, const PathStep& step, const Node
 void CreateNode(Document& document, const PathExpression& path, const PathTarget& target,
                 Node leaf) {
   CheckCanCreate(path, target);
-  const std::vector<PathStep>& steps = path.Steps();
+  const PathSteps& steps = path.Steps();
   CheckQualifier(path, steps[target.mMatched], leaf);
-  const auto named = [&](std::size_t i, const Node& form) {
+  const auto nameOf = [&](std::size_t i) {
     const NamespaceId space = document.mNames.AddNamespace(steps[i].mURI);
-    Node node(document.mNames.AddName(space, steps[i].mLocalName), form.Form());
-    node.SetValue(form.Value());
-    return node;
+    return document.mNames.AddName(space, steps[i].mLocalName);
   };
-  Node chain = named(steps.size() - 1, leaf);
+  Node chain = std::move(leaf);
+  chain.SetName(nameOf(steps.size() - 1));
   for (std::size_t i = steps.size() - 1; i > target.mMatched; --i) {
-    Node holder = named(i - 1, Node(kItemName, kXMP_PropValueIsStruct));
+    Node holder(nameOf(i - 1), kXMP_PropValueIsStruct);
     holder.Children().Append(std::move(chain));
     chain = std::move(holder);
   }

@@ -57,8 +57,8 @@ std::string_view ContainerName(const Node& array) {
 
 class Writer {
  public:
-  Writer(const Document& document, const Layout& layout)
-      : mDocument(document), mLayout(layout), mPrefixes(document) {}
+  Writer(const Document& document, const Layout& layout, std::string xml)
+      : mDocument(document), mLayout(layout), mPrefixes(document), mXML(std::move(xml)) {}
 
   std::string Write();
 
@@ -98,6 +98,7 @@ class Writer {
   const Document& mDocument;
   const Layout& mLayout;
   const PrefixTable mPrefixes;
+  std::vector<std::string> mWrittenNames;  // with their prefixes, by number; empty until needed
   std::string mXML;
 };
 
@@ -302,9 +303,13 @@ void Writer::WriteRemarks(const Remarks& remarks, int level) {
 }
 
 void Writer::WriteName(NameId name) {
-  mXML += mPrefixes.PrefixOf(mDocument.mNames.NamespaceOf(name));
-  mXML += ':';
-  mXML += mDocument.mNames.LocalName(name);
+  if (name >= mWrittenNames.size()) mWrittenNames.resize(name + 1);
+  std::string& written = mWrittenNames[name];
+  if (written.empty()) {
+    written = mPrefixes.PrefixOf(mDocument.mNames.NamespaceOf(name)) + ':' +
+              mDocument.mNames.LocalName(name);
+  }
+  mXML += written;
 }
 
 void Writer::WriteAttribute(std::string_view name, std::string_view value) {
@@ -335,8 +340,8 @@ void Writer::CloseTag(NameId name) {
 
 }  // namespace
 
-std::string WriteRDF(const Document& document, const Layout& layout) {
-  return Writer(document, layout).Write();
+std::string WriteRDF(const Document& document, const Layout& layout, std::string xml) {
+  return Writer(document, layout, std::move(xml)).Write();
 }
 
 }  // namespace xmptoolkit

@@ -15,7 +15,8 @@ struct Layout {
 };
 
 // Writes a document as x:xmpmeta with rdf:RDF and one rdf:Description in it, in UTF-8, without
-// packet wrapper. Every line ends with a newline. The same document gives the same bytes.
-std::string WriteRDF(const Document& document, const Layout& layout);
+// packet wrapper, behind what stands in `xml` already. Every line ends with a newline. The same
+// document gives the same bytes.
+std::string WriteRDF(const Document& document, const Layout& layout, std::string xml = {});
 
 }  // namespace xmptoolkit

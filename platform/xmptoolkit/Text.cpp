@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include <zelcore/UTF8.h>
@@ -41,14 +42,55 @@ constexpr std::array<Range, 5> kNameRest = {
     {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}}};
 
 template <typename Ranges>
-bool LiesIn(const Ranges& ranges, char32_t c) {
+constexpr bool LiesIn(const Ranges& ranges, char32_t c) {
   return std::any_of(ranges.begin(), ranges.end(),
                      [c](const Range& range) { return range.first <= c && c <= range.second; });
 }
 
+// A set of bytes. Names, and texts to be escaped, are mostly ASCII and are looked at all the time.
+using ByteSet = std::array<bool, 256>;
+
+constexpr ByteSet SetOf(std::string_view bytes) {
+  ByteSet set{};
+  for (const char byte : bytes) set[static_cast<unsigned char>(byte)] = true;
+  return set;
+}
+
+constexpr ByteSet ASCIINameCharacters() {
+  ByteSet set{};
+  for (char32_t c = 0; c < 0x80; ++c) set[c] = LiesIn(kNameStart, c) || LiesIn(kNameRest, c);
+  return set;
+}
+
+constexpr ByteSet kTextSpecials = SetOf("&<>\r");
+constexpr ByteSet kAttributeSpecials = SetOf("&<\"\t\n\r");
+constexpr ByteSet kASCIINameCharacters = ASCIINameCharacters();
+
+bool Contains(const ByteSet& set, char byte) {
+  return set[static_cast<unsigned char>(byte)];
+}
+
+// The first byte from `position` on that is no printable ASCII character, as most text is.
+std::size_t SkipPrintable(std::string_view text, std::size_t position) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  constexpr std::uint64_t kHighBits = 0x80 * kOnes;
+  for (std::uint64_t word = 0; position + sizeof word <= text.size(); position += sizeof word) {
+    std::memcpy(&word, text.data() + position, sizeof word);
+    // Where no high bit is set, a byte below a space borrows when the space is taken from it.
+    if (((word | (word - 0x20 * kOnes)) & kHighBits) != 0) break;
+  }
+  const auto isPrintable = [](char byte) {
+    return static_cast<unsigned char>(byte) >= 0x20 && static_cast<unsigned char>(byte) < 0x80;
+  };
+  while (position < text.size() && isPrintable(text[position])) ++position;
+  return position;
+}
+
+// Finds the first character that `accepts` refuses; printable ASCII ones have to be welcome.
 template <typename Accepts>
 std::size_t FindRefused(std::string_view text, Accepts accepts) {
-  for (std::size_t position = 0; position < text.size();) {
+  for (std::size_t position = SkipPrintable(text, 0); position < text.size();
+       position = SkipPrintable(text, position)) {
     const std::size_t start = position;
     if (!accepts(DecodeUTF8(text, position))) return start;
   }
@@ -74,13 +116,14 @@ const char* ReferenceTo(char special) {
   }
 }
 
-void AppendEscaped(std::string_view value, const char* specials, std::string& xml) {
-  for (std::size_t start = 0;;) {
-    const std::size_t special = value.find_first_of(specials, start);
-    xml += value.substr(start, special - start);
-    if (special == std::string_view::npos) return;
-    xml += ReferenceTo(value[special]);
-    start = special + 1;
+void AppendEscaped(std::string_view value, const ByteSet& specials, std::string& xml) {
+  for (;;) {
+    const auto special = std::find_if(value.begin(), value.end(),
+                                      [&](char byte) { return Contains(specials, byte); });
+    xml.append(value.begin(), special);
+    if (special == value.end()) return;
+    xml += ReferenceTo(*special);
+    value.remove_prefix(static_cast<std::size_t>(special - value.begin()) + 1);
   }
 }
 
@@ -105,10 +148,15 @@ bool IsNCName(std::string_view text) {
   if (text.empty()) return false;
   std::size_t position = 0;
   if (!LiesIn(kNameStart, DecodeUTF8(text, position))) return false;
-  const auto isNameCharacter = [](char32_t c) {
-    return LiesIn(kNameStart, c) || LiesIn(kNameRest, c);
-  };
-  return FindRefused(text.substr(position), isNameCharacter) == std::string_view::npos;
+  while (position < text.size()) {
+    if (Contains(kASCIINameCharacters, text[position])) {
+      ++position;
+      continue;
+    }
+    const char32_t c = DecodeUTF8(text, position);
+    if (!LiesIn(kNameStart, c) && !LiesIn(kNameRest, c)) return false;
+  }
+  return true;
 }
 
 bool IsReservedName(std::string_view name) {
@@ -121,11 +169,11 @@ bool IsWhiteSpace(std::string_view text) {
 }
 
 void AppendEscapedText(std::string_view value, std::string& xml) {
-  AppendEscaped(value, "&<>\r", xml);
+  AppendEscaped(value, kTextSpecials, xml);
 }
 
 void AppendEscapedAttribute(std::string_view value, std::string& xml) {
-  AppendEscaped(value, "&<\"\t\n\r", xml);
+  AppendEscaped(value, kAttributeSpecials, xml);
 }
 
 std::string Quoted(std::string_view text) {

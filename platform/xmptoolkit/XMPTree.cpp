@@ -83,7 +83,8 @@ std::string TreeNode::Prefix() const {
   const NamespaceId space = mDocument->mNames.NamespaceOf(mNode->Name());
   const std::string& own = mDocument->mNames.FilePrefix(space);
   if (!own.empty()) return own;
-  return NamespaceRegistry::Global().PrefixOf(NamespaceURI()).value_or(std::string());
+  return std::string(
+      NamespaceRegistry::Global().PrefixOf(NamespaceURI()).value_or(std::string_view()));
 }
 
 const std::string& TreeNode::LocalName() const {

@@ -80,6 +80,43 @@ std::size_t WidenASCII(std::string_view bytes, char16_t* out) {
   return i;
 }
 
+// The same way back. `out` has room for as many bytes as there are units.
+std::size_t NarrowASCII(std::u16string_view text, char* out) {
+  constexpr std::size_t kBlock = 8;
+  std::size_t i = 0;
+  for (; i + kBlock <= text.size(); i += kBlock) {
+    std::array<char16_t, kBlock> block;
+    std::memcpy(block.data(), text.data() + i, sizeof block);
+    std::array<std::uint64_t, 2> words;
+    std::memcpy(words.data(), text.data() + i, sizeof words);
+    if (((words[0] | words[1]) & 0xFF80FF80FF80FF80) != 0) break;
+    for (std::size_t k = 0; k < kBlock; ++k) out[i + k] = static_cast<char>(block[k]);
+  }
+  for (; i < text.size() && text[i] < 0x80; ++i) out[i] = static_cast<char>(text[i]);
+  return i;
+}
+
+// How many bytes UTF-8 takes at most: a surrogate pair takes fewer than its two units would alone.
+std::size_t MostUTF8Bytes(std::u16string_view text) {
+  std::size_t count = text.size();
+  // Block by block, so that a count fits 16 bits, which compilers turn into vector code.
+  constexpr std::size_t kBlock = 1024;
+  for (; !text.empty(); text.remove_prefix(std::min(kBlock, text.size()))) {
+    std::uint16_t more = 0;
+    for (const char16_t unit : text.substr(0, kBlock)) {
+      more = static_cast<std::uint16_t>(more + (unit >= 0x80) + (unit >= 0x800));
+    }
+    count += more;
+  }
+  return count;
+}
+
+// Takes AppendUTF8's bytes.
+struct ByteSink {
+  char* mOut;
+  void push_back(char byte) { *mOut++ = byte; }
+};
+
 bool IsSpace(char16_t unit) {
   return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
 }
@@ -112,18 +149,23 @@ UTF16String AsciiToUTF16(std::string_view ascii) {
 }
 
 UTF8String UTF16to8(std::u16string_view text) {
-  UTF8String bytes;
-  bytes.reserve(text.size());
+  UTF8String bytes(MostUTF8Bytes(text), '\0');
+  ByteSink sink{bytes.data()};
   for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t count = NarrowASCII(text.substr(i), sink.mOut);
+    sink.mOut += count;
+    i += count;
+    if (i == text.size()) break;
     const char16_t unit = text[i];
     if (IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       const char32_t high = unit - 0xD800u;
       const char32_t low = text[++i] - 0xDC00u;
-      AppendUTF8(0x10000 + (high << 10) + low, bytes);
+      AppendUTF8(0x10000 + (high << 10) + low, sink);
     } else {
-      AppendUTF8(IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kReplacement : unit, bytes);
+      AppendUTF8(IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kReplacement : unit, sink);
     }
   }
+  bytes.resize(static_cast<std::size_t>(sink.mOut - bytes.data()));
   return bytes;
 }
 

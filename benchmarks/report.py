@@ -1,0 +1,184 @@
+#!/usr/bin/env python3
+"""Runs the benchmarks of a build and reports ratios of medians; see scripts/bench."""
+
+import argparse
+import json
+import os
+import platform
+import re
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+STORY = HERE.parent / "examples/stories/harbour_lights.quor"
+
+# Whole programs, then one row a size: name, what over what, target (None: reported only).
+LOADS = [
+    ("load_vs_pugixml_walk", "Load", "PugixmlWalk", 0.77),
+    ("load_vs_libxml2_dom", "Load", "Libxml2DOM", 0.33),
+    ("load_vs_bare_reader", "Load", "BareReader", 2.0),
+]
+SIZES = (1, 10, 100)  # megabytes; the ratio of a name without size is that of the last
+
+
+def run(command, **options):
+    return subprocess.run(command, check=True, **options)
+
+
+class Benchmarks:
+    """The medians of a build's benchmark programs, each program's cases interleaved."""
+
+    def __init__(self, build, repetitions):
+        self.folder = build / "benchmarks"
+        self.repetitions = repetitions
+        self.medians = {}
+
+    def measure(self, program):
+        with tempfile.NamedTemporaryFile(suffix=".json") as out:
+            run([self.folder / program, "--benchmark_enable_random_interleaving=true",
+                 f"--benchmark_repetitions={self.repetitions}", "--benchmark_min_time=0.2",
+                 "--benchmark_report_aggregates_only=true", "--benchmark_out_format=json",
+                 f"--benchmark_out={out.name}"],
+                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            found = json.load(open(out.name, encoding="utf-8"))
+        units = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
+        for case in found["benchmarks"]:
+            if case.get("error_occurred"):
+                sys.exit(f"{program}: {case['name']}: {case['error_message']}")
+            if case.get("aggregate_name") == "median":
+                self.medians[case["run_name"]] = case["real_time"] * units[case["time_unit"]]
+
+    def ratio(self, one, other):
+        return self.medians[one] / self.medians[other]
+
+
+def peak_memory(command):
+    """The most resident memory of a process, in kilobytes."""
+    process = subprocess.Popen(command)
+    _, status, usage = os.wait4(process.pid, 0)
+    if status != 0:
+        sys.exit(f"{command}: failed")
+    return usage.ru_maxrss
+
+
+def memory_ratio(folder, work, rounds):
+    story = work / "story.xml"
+    with open(story, "wb") as out:
+        run([folder / "generate_story", "100000000"], stdout=out)
+    peaks = {"ours": [], "pugixml": []}
+    for _ in range(rounds):
+        for way, seen in peaks.items():
+            seen.append(peak_memory([folder / "load_story", way, story]))
+    story.unlink()
+    medians = {way: statistics.median(seen) for way, seen in peaks.items()}
+    return medians["ours"] / medians["pugixml"], medians
+
+
+def seconds(command):
+    start = time.perf_counter()
+    run(command, stdout=subprocess.DEVNULL)
+    return time.perf_counter() - start
+
+
+def exiftool_ratio(build, work, rounds):
+    """zelstory write against ExifTool, which sets the same values in a copy of the same sidecar."""
+    if not shutil.which("exiftool"):
+        return None, {}
+    foreign, target, values = work / "foreign.xmp", work / "clip.xmp", work / "values.json"
+    exiftool = ["exiftool", "-config", HERE / "exiftool.config", "-q", "-overwrite_original"]
+    zelstory = [build / "bin/zelstory", "write", STORY, "--scene", "1", target]
+    run([*exiftool, "-XMP-xmp:Rating=4", "-XMP-dc:Subject=harbour", "-XMP-dc:Creator=Anna", foreign])
+    shutil.copy(foreign, target)
+    run(zelstory, stdout=subprocess.DEVNULL)
+    read = run(["exiftool", "-config", HERE / "exiftool.config", "-j", "-struct", "-G1",
+                "-XMP-xmpScript:all", "-XMP-xmpDM:all", target], capture_output=True)
+    tags = json.loads(read.stdout)
+    tags[0]["SourceFile"] = str(target)
+    values.write_text(json.dumps(tags), encoding="utf-8")
+    times = {"zelstory": [], "exiftool": []}
+    for _ in range(rounds):
+        for way, command in (("zelstory", zelstory), ("exiftool", [*exiftool, f"-j={values}", target])):
+            shutil.copy(foreign, target)
+            times[way].append(seconds(command))
+    medians = {way: 1000 * statistics.median(taken) for way, taken in times.items()}
+    return medians["zelstory"] / medians["exiftool"], medians
+
+
+def collect(build, repetitions, work):
+    benchmarks = Benchmarks(build, repetitions)
+    for program in ("story_loading_bench", "packets_bench", "xmp_scaling_bench"):
+        print(f"{program} ...", file=sys.stderr)
+        benchmarks.measure(program)
+    rows = []
+
+    def row(name, what, value, target=None):
+        rows.append({"name": name, "what": what, "value": value, "target": target})
+
+    for name, ours, other, target in LOADS:
+        for size in SIZES:
+            row(name if size == SIZES[-1] else f"{name}_{size}MB", f"{ours}/{other}, {size} MB",
+                benchmarks.ratio(f"{ours}/{size}", f"{other}/{size}"), target)
+    for size in SIZES:
+        row("handler_share" if size == SIZES[-1] else f"handler_share_{size}MB",
+            f"1 - ReaderAlone/Load, {size} MB",
+            1 - benchmarks.ratio(f"ReaderAlone/{size}", f"Load/{size}"))
+    print("peak memory ...", file=sys.stderr)
+    memory, peaks = memory_ratio(benchmarks.folder, work, 3)
+    row("load_memory_vs_pugixml_walk", "peak resident memory, 100 MB from a file", memory, 0.6)
+    row("load_scaling", "Load per MB, 100 MB/1 MB", benchmarks.ratio("Load/100", "Load/1") / 100, 1.1)
+    row("packet_vs_pugixml", "GetSceneXMP per scene", benchmarks.ratio("OurPacket", "PugixmlPackets"),
+        1.0)
+    row("xmp_parse_vs_pugixml", "ParseFromBuffer, 100 kB",
+        benchmarks.ratio("ParsePacket", "PugixmlParsePacket"))
+    row("write_scaling", "WriteSceneMetadataIntoXMP per pair, 100,000/100",
+        benchmarks.ratio("WriteSpeeches/100000", "WriteSpeeches/100") / 1000, 1.2)
+    print("processes ...", file=sys.stderr)
+    tool, times = exiftool_ratio(build, work, 15)
+    if tool is None:
+        print("exiftool is not installed: tool_vs_exiftool is left out", file=sys.stderr)
+    else:
+        row("tool_vs_exiftool", "zelstory write, whole process", tool, 0.05)
+    return {"ratios": {entry["name"]: round(entry["value"], 4) for entry in rows}, "rows": rows,
+            "machine": machine(), "date": time.strftime("%Y-%m-%d"), "repetitions": repetitions,
+            "medians_ms": benchmarks.medians, "peak_kB": peaks, "process_ms": times}
+
+
+def machine():
+    model = platform.processor() or platform.machine()
+    try:
+        model = re.search(r"model name\s*:\s*(.*)", Path("/proc/cpuinfo").read_text()).group(1)
+    except (OSError, AttributeError):
+        pass
+    return f"{model}, {os.cpu_count()} cores, {platform.system()}"
+
+
+def print_table(report):
+    print(f"{report['machine']}; {report['date']}; medians of {report['repetitions']} interleaved runs\n")
+    print(f"{'name':30} {'ratio':>8} {'target':>8}  what")
+    for row in report["rows"]:
+        target = "" if row["target"] is None else f"<= {row['target']:g}"
+        missed = row["target"] is not None and row["value"] > row["target"]
+        print(f"{row['name']:30} {row['value']:8.3f} {target:>8}  {row['what']}"
+              f"{'  (missed)' if missed else ''}")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("build", type=Path, help="a build folder with benchmarks")
+    parser.add_argument("--json", metavar="FILE", type=Path, help="write the figures as JSON, too")
+    parser.add_argument("--repetitions", type=int, default=5)
+    arguments = parser.parse_args()
+    with tempfile.TemporaryDirectory() as work:
+        report = collect(arguments.build.resolve(), arguments.repetitions, Path(work))
+    print_table(report)
+    if arguments.json:
+        arguments.json.write_text(json.dumps(report, indent=1) + "\n", encoding="utf-8")
+
+
+if __name__ == "__main__":
+    main()
