@@ -56,7 +56,7 @@ void DriverAlone(benchmark::State& state) {
   struct Nothing : SAXEvents {
     void StartElement(const NameView&, std::span<const NamespaceView>,
                       std::span<const AttributeView>) override {}
-    void EndElement(const NameView&) override {}
+    void EndElement() override {}
     void Characters(std::string_view) override {}
   };
   Measure(state, [](const std::string& story) {

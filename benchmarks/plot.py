@@ -21,13 +21,14 @@ def main():
     unit = report["medians_ms"]["BareReader/1"]
     curves = [(label, colour, [report["medians_ms"][f"{name}/{size}"] / unit for size in SIZES])
               for name, label, colour in CURVES]
+    low = min(min(values) for _, _, values in curves)
     top = max(max(values) for _, _, values in curves)
 
     def x(size):
         return LEFT + (RIGHT - LEFT) * math.log10(size / SIZES[0]) / math.log10(SIZES[-1] / SIZES[0])
 
     def y(value):
-        return HEIGHT - BOTTOM - (HEIGHT - BOTTOM - TOP) * math.log10(value) / math.log10(top)
+        return HEIGHT - BOTTOM - (HEIGHT - BOTTOM - TOP) * math.log(value / low) / math.log(top / low)
 
     out = [f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH} {HEIGHT}" '
            'font-family="sans-serif" font-size="13">',

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
@@ -61,7 +62,7 @@ enum ParagraphElementType : std::int32_t {
 // The values of a paragraph's "element" attribute, exact in case and spacing, with their codes.
 struct ParagraphKind {
   ParagraphElementType mType;
-  const char* mName;  // ASCII
+  std::string_view mName;  // ASCII
 };
 
 inline constexpr std::array<ParagraphKind, 7> kParagraphKinds{{

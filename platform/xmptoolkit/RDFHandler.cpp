@@ -45,12 +45,12 @@ void RDFHandler::StartElement(const NameView& name, std::span<const NamespaceVie
   }
 }
 
-void RDFHandler::EndElement(const NameView& name) {
+void RDFHandler::EndElement() {
   Frame frame = std::move(mFrames.back());
   mFrames.pop_back();
   switch (frame.mKind) {
     case FrameKind::kMeta:
-      if (!mSawRDF) Refuse(kXMPErr_BadRDF, WrittenName(name) + " holds no rdf:RDF");
+      if (!mSawRDF) Refuse(kXMPErr_BadRDF, WrittenName(frame.mName) + " holds no rdf:RDF");
       return;
     case FrameKind::kRDF:
       return EndRDF(frame);

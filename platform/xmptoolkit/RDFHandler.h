@@ -33,7 +33,7 @@ class RDFHandler final : public zelcore::xml::SAXEvents {
   void StartElement(const zelcore::xml::NameView& name,
                     std::span<const zelcore::xml::NamespaceView> declarations,
                     std::span<const zelcore::xml::AttributeView> attributes) override;
-  void EndElement(const zelcore::xml::NameView& name) override;
+  void EndElement() override;
   void Characters(std::string_view text) override;
   void Comment(std::string_view text) override;
   void ProcessingInstruction(std::string_view target, std::string_view data) override;

@@ -39,7 +39,7 @@ JSON ToJSON(const std::vector<Entry>& entries) {
 
 JSON KindName(std::int32_t elementType) {
   for (const ParagraphKind& kind : kParagraphKinds) {
-    if (kind.mType == elementType) return kind.mName;
+    if (kind.mType == elementType) return std::string(kind.mName);
   }
   return JSON();
 }

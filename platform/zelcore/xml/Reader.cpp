@@ -131,7 +131,7 @@ class Reader::Adapter final : public SAXEvents {
     mHandler.StartElement(*mOpenNames.back(), mMaps.Fill(name, attributes, mNames));
   }
 
-  void EndElement(const NameView& /*name*/) override {
+  void EndElement() override {
     FlushText();
     mHandler.EndElement(*mOpenNames.back());
     mOpenNames.pop_back();

@@ -206,14 +206,14 @@ void OnStartElement(void* context, const xmlChar* localName, const xmlChar* pref
   });
 }
 
-void OnEndElement(void* context, const xmlChar* localName, const xmlChar* prefix,
-                  const xmlChar* uri) {
+void OnEndElement(void* context, const xmlChar* /*localName*/, const xmlChar* /*prefix*/,
+                  const xmlChar* /*uri*/) {
   ParseState& state = ParseState::Of(context);
   state.Guard(context, [&] {
     state.EndCDATASection();
     state.mRootEnded = --state.mDepth == 0;
     state.mInTag = true;
-    state.mEvents.EndElement({View(prefix), View(localName), View(uri)});
+    state.mEvents.EndElement();
     state.mInTag = false;
   });
 }

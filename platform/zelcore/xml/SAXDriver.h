@@ -48,7 +48,7 @@ class SAXEvents {
   virtual ~SAXEvents() = default;
   virtual void StartElement(const NameView& name, std::span<const NamespaceView> declarations,
                             std::span<const AttributeView> attributes) = 0;
-  virtual void EndElement(const NameView& name) = 0;
+  virtual void EndElement() = 0;                       // of the element opened last
   virtual void Characters(std::string_view text) = 0;  // split anywhere between characters
   virtual void StartCDATA() {}
   virtual void EndCDATA() {}
