@@ -1,5 +1,29 @@
 # What our own targets share. Nothing here leaks into a project that adds this one.
 
+include(CheckCXXCompilerFlag)
+include(CheckLinkerFlag)
+check_cxx_compiler_flag(-fstack-protector-strong ZELSTORY_HAS_STACK_PROTECTOR)
+check_cxx_compiler_flag(-fcf-protection ZELSTORY_HAS_CF_PROTECTION)
+check_linker_flag(CXX "LINKER:-z,relro,-z,now" ZELSTORY_HAS_RELRO)
+
+# What the platform offers against faults that are left. Debian's compilers make position-independent
+# programs by themselves.
+function(zelstory_harden target)
+  if(ZELSTORY_HAS_STACK_PROTECTOR)
+    target_compile_options(${target} PRIVATE -fstack-protector-strong)
+  endif()
+  if(ZELSTORY_HAS_CF_PROTECTION)
+    target_compile_options(${target} PRIVATE -fcf-protection)
+  endif()
+  if(NOT MSVC) # needs an optimising compiler
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE
+                                             -D_FORTIFY_SOURCE=2>)
+  endif()
+  if(ZELSTORY_HAS_RELRO)
+    target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now)
+  endif()
+endfunction()
+
 function(zelstory_options target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
@@ -12,6 +36,9 @@ function(zelstory_options target)
     if(ZELSTORY_WERROR)
       target_compile_options(${target} PRIVATE -Werror)
     endif()
+  endif()
+  if(ZELSTORY_HARDENING AND NOT ZELSTORY_SANITIZE)
+    zelstory_harden(${target})
   endif()
   if(ZELSTORY_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${ZELSTORY_SANITIZE} -fno-omit-frame-pointer

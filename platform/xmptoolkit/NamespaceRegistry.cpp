@@ -61,7 +61,7 @@ std::string NamespaceRegistry::Register(std::string_view uri, std::string_view s
   const std::unique_lock lock(mMutex);
   if (const auto known = Lookup(mPrefixByURI, uri)) return std::string(*known);
   std::string prefix(suggestedPrefix);
-  for (int number = 1; mURIByPrefix.count(prefix) != 0; ++number) {
+  for (int number = 1; mURIByPrefix.contains(prefix); ++number) {
     prefix = std::string(suggestedPrefix) + std::to_string(number);
   }
   const auto entry = mURIByPrefix.emplace(prefix, uri).first;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <utility>
 
 #include "NamespaceRegistry.h"
 #include "Text.h"
@@ -142,7 +141,7 @@ void PathExpression::ReadItem(std::size_t& position) {
     step.mKind = PathStep::Kind::kItem;
     step.mItem = static_cast<std::size_t>(item);
   }
-  AddStep(std::move(step));
+  AddStep(step);
 }
 
 void PathExpression::AddName(PathStep::Kind kind, std::string_view uri,
@@ -153,12 +152,12 @@ void PathExpression::AddName(PathStep::Kind kind, std::string_view uri,
   AddStep({kind, uri, localName});
 }
 
-void PathExpression::AddStep(PathStep step) {
+void PathExpression::AddStep(const PathStep& step) {
   if (!mSteps.empty() && IsAttribute(mSteps.back())) Refuse("a language or datatype has no parts");
   if (mSteps.size() == static_cast<std::size_t>(kXMP_MaxNesting)) {
     Refuse("it has more than " + std::to_string(kXMP_MaxNesting) + " steps");
   }
-  mSteps.push_back(std::move(step));
+  mSteps.push_back(step);
 }
 
 void PathExpression::Refuse(const std::string& why) const {

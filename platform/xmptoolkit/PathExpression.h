@@ -52,7 +52,7 @@ class PathExpression {
   void ReadStep(std::size_t& position);
   void ReadItem(std::size_t& position);
   void AddName(PathStep::Kind kind, std::string_view uri, std::string_view localName);
-  void AddStep(PathStep step);
+  void AddStep(const PathStep& step);
   [[noreturn]] void Refuse(const std::string& why) const;
 
   std::string_view mText;

@@ -284,8 +284,8 @@ void RDFHandler::AddRemark(std::string markup) {
       frame.mKind != FrameKind::kProperty || mOpen.back().mContent == Content::kFields;
   if (waits) return frame.mRemarks.push_back(std::move(markup));
   Node& node = mOpen.back().mNode;
-  node.IsSimple() ? node.AddRemarksBefore({std::move(markup)})
-                  : node.AddRemarksAtEnd({std::move(markup)});
+  if (node.IsSimple()) return node.AddRemarksBefore({std::move(markup)});
+  node.AddRemarksAtEnd({std::move(markup)});
 }
 
 Refusal RDFHandler::Refuser() const {

@@ -215,8 +215,8 @@ void RDFHandler::FinishResource(OpenProperty& property, Remarks remarks) {
   node.AddForm(value.Form() | Node::kWrittenWithValue);
   node.SetValue(value.Value());
   node.AddRemarksAtEnd(value.RemarksAtEnd());
-  node.IsSimple() ? node.AddRemarksBefore(std::move(remarks))
-                  : node.AddRemarksAtEnd(std::move(remarks));
+  if (node.IsSimple()) return node.AddRemarksBefore(std::move(remarks));
+  node.AddRemarksAtEnd(std::move(remarks));
 }
 
 // Where rdf:value has a language of its own, that of the property is the language of the

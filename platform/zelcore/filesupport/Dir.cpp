@@ -18,8 +18,8 @@ Dir Dir::TempDir() {
 Dir::Dir(const Dir& parent, const UTF16String& name)
     : Dir(parent.mPath / std::u16string(name.begin(), name.end())) {}
 
-Dir::Dir(std::filesystem::path path)
-    : mPath(WithoutEndSeparator(std::filesystem::absolute(std::move(path)))) {}
+Dir::Dir(const std::filesystem::path& path)
+    : mPath(WithoutEndSeparator(std::filesystem::absolute(path))) {}
 
 UTF16String Dir::FullPath() const {
   const std::u8string path = mPath.u8string();

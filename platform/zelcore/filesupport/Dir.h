@@ -21,7 +21,7 @@ class ZELPLATFORM_API Dir {
   UTF16String FullPath() const;
 
  private:
-  explicit Dir(std::filesystem::path path);
+  explicit Dir(const std::filesystem::path& path);
 
   std::filesystem::path mPath;
 };

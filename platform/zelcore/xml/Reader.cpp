@@ -100,7 +100,7 @@ class AttributeMaps {
                                 NameTable& names) {
     std::size_t bytes = 0;
     for (const AttributeView& attribute : attributes) bytes += attribute.mValue.size();
-    constexpr std::size_t kKeptBytes = 64 * 1024;
+    constexpr std::size_t kKeptBytes = 65'536;
     if (bytes > kKeptBytes) return mOversize.Fill(attributes, names);
     const std::size_t slot = (NameKey(element).Hash() / 8 + attributes.size()) % mMaps.size();
     return mMaps[slot].Fill(attributes, names);
@@ -112,7 +112,7 @@ class AttributeMaps {
 };
 
 // A run of text is joined before it is handed on, up to this many code units.
-constexpr std::size_t kLongestText = 64 * 1024;
+constexpr std::size_t kLongestText = 65'536;
 
 }  // namespace
 

@@ -18,7 +18,7 @@
 namespace zelcore::xml {
 namespace {
 
-constexpr std::size_t kChunkBytes = 64 * 1024;
+constexpr std::size_t kChunkBytes = 65'536;
 
 std::string_view View(const xmlChar* text) {
   return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
@@ -44,6 +44,33 @@ struct ContextDeleter {
 };
 
 }  // namespace
+
+// Many of the library's functions know no parse: where they find no memory they say so to the
+// thread at large (by default on standard error), and their callers go on and complain of what they
+// then miss.
+class ErrorTrap {
+ public:
+  explicit ErrorTrap(bool& hasNoMemory)
+      : mHasNoMemory(hasNoMemory),
+        mFunction(xmlStructuredError),
+        mContext(xmlStructuredErrorContext) {
+    xmlSetStructuredErrorFunc(this, Catch);
+  }
+  ~ErrorTrap() { xmlSetStructuredErrorFunc(mContext, mFunction); }
+  ErrorTrap(const ErrorTrap&) = delete;
+  ErrorTrap& operator=(const ErrorTrap&) = delete;
+
+ private:
+  static void Catch(void* context, xmlErrorPtr error) {
+    const ErrorTrap& trap = *static_cast<ErrorTrap*>(context);
+    if (error->code == XML_ERR_NO_MEMORY) trap.mHasNoMemory = true;
+    if (trap.mFunction != nullptr) trap.mFunction(trap.mContext, error);
+  }
+
+  bool& mHasNoMemory;
+  const xmlStructuredErrorFunc mFunction;
+  void* const mContext;
+};
 
 // The state of one parse, reached from the XML library's callbacks through _private. The text of an
 // entity is parsed in a context of its own, so callbacks may come from another context than ours.
@@ -157,6 +184,7 @@ class ParseState {
   bool mHalted = false;
   bool mInTag = false;
   bool mInCDATA = false;
+  bool mHasNoMemory = false;
   std::vector<NamespaceView> mDeclarations;
   std::vector<AttributeView> mAttributes;
 };
@@ -168,15 +196,13 @@ void ParseState::StartElement(const xmlChar* localName, const xmlChar* prefix, c
     return Refuse("more than " + std::to_string(kMostOpenElements) + " elements are open");
   }
   mDeclarations.clear();
-  for (int i = 0; i < namespaceCount; ++i) {
-    mDeclarations.push_back({View(namespaces[2 * i]), View(namespaces[2 * i + 1])});
+  for (const xmlChar** entry = namespaces; namespaceCount > 0; --namespaceCount, entry += 2) {
+    mDeclarations.push_back({View(entry[0]), View(entry[1])});
   }
   mAttributes.clear();
   std::size_t bytes = 1;
-  for (int i = 0; i < attributeCount; ++i) {
-    // Five entries an attribute: local name, prefix, URI, first byte of the value, end of the
-    // value.
-    const xmlChar** entry = attributes + 5 * i;
+  // Five entries an attribute: local name, prefix, URI, first byte of the value, end of the value.
+  for (const xmlChar** entry = attributes; attributeCount > 0; --attributeCount, entry += 5) {
     mAttributes.push_back(
         {{View(entry[1]), View(entry[0]), View(entry[2])}, View(entry[3], entry[4])});
     bytes += mAttributes.back().mValue.size() + 1;
@@ -297,6 +323,8 @@ xmlEntityPtr OnGetParameterEntity(void* context, const xmlChar* name) {
 // Fatal errors stop the library by themselves. An undeclared entity may be a mere warning to it
 // (the declaration could stand in an external part), but its text would be lost.
 void OnError(void* context, xmlErrorPtr error) {
+  // Without memory, a context may complain before it has been given its state.
+  if (static_cast<xmlParserCtxt*>(context)->_private == nullptr) return;
   ParseState& state = ParseState::Of(context);
   const bool losesText =
       error->code == XML_ERR_UNDECLARED_ENTITY || error->code == XML_WAR_UNDECLARED_ENTITY;
@@ -345,6 +373,7 @@ void InitialiseLibrary() {
 
 ParseState::ParseState(SAXEvents& events) : mEvents(events) {
   InitialiseLibrary();
+  const ErrorTrap trap(mHasNoMemory);
   xmlSAXHandler handler = MakeHandler();
   mContext.reset(xmlCreatePushParserCtxt(&handler, nullptr, nullptr, 0, nullptr));
   if (!mContext) throw std::bad_alloc();
@@ -359,6 +388,7 @@ bool ParseState::Feed(std::string_view bytes, bool isLast) {
     mWindow.DropBefore(OffsetOf(*mContext->input));
     mWindow.Append(bytes);
   }
+  const ErrorTrap trap(mHasNoMemory);
   xmlParseChunk(mContext.get(), bytes.data(), static_cast<int>(bytes.size()), isLast ? 1 : 0);
   const xmlParserInput* input = mContext->input;
   if (!mHalted && input != nullptr &&
@@ -370,15 +400,15 @@ bool ParseState::Feed(std::string_view bytes, bool isLast) {
 
 std::optional<SyntaxError> ParseState::Finish(bool anyBytes) {
   if (!mException && !mError && !anyBytes) mError = SyntaxError{{}, "the document is empty"};
-  const bool noMemory = mContext->errNo == XML_ERR_NO_MEMORY;
+  const bool noMemory = mHasNoMemory || mContext->errNo == XML_ERR_NO_MEMORY;
   if (!mException && !mError && mContext->wellFormed != 1) {
     mError = SyntaxError{ReadingPosition(), "the document is not well-formed"};
   }
   if (!mException && !mError) EndCDATASection();
   mContext.reset();
   mInner = nullptr;
+  if (noMemory) throw std::bad_alloc();  // whatever the receiver made of what was missing
   if (mException) std::rethrow_exception(std::exchange(mException, nullptr));
-  if (noMemory) throw std::bad_alloc();
   return std::move(mError);
 }
 

@@ -1,0 +1,134 @@
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+
+#include <gtest/gtest.h>
+#include <libxml/xmlerror.h>
+#include <libxml/xmlmemory.h>
+
+#include <zelcore/xml/Reader.h>
+#include <zelstoryparser/zelstoryparser.h>
+
+#include "support/AllocationCountdown.h"
+#include "support/PacketText.h"
+#include "support/ScratchFolder.h"
+#include "support/StoryBuilder.h"
+#include "support/TreeDump.h"
+
+namespace zelstoryparser {
+namespace {
+
+using namespace std::string_view_literals;
+
+// What the XML library allocates counts down, too, where a test asks for it: its table of names
+// loses names without a word, which no reader can notice where a name has no meaning of its own.
+bool gXMLLibraryFails = false;
+
+void* Allocate(std::size_t size) {
+  if (gXMLLibraryFails) return operator new(size, std::nothrow);
+  ++gLiveAllocations;
+  return std::malloc(size);
+}
+void* Reallocate(void* old, std::size_t size) {
+  if (gXMLLibraryFails && gCountdown >= 0 && gCountdown-- == 0) return nullptr;
+  if (old == nullptr) ++gLiveAllocations;
+  return std::realloc(old, size);
+}
+char* Duplicate(const char* text) {
+  char* copy = static_cast<char*>(Allocate(std::strlen(text) + 1));
+  return copy == nullptr ? nullptr : std::strcpy(copy, text);
+}
+const bool kIsSetUp =
+    xmlMemSetup([](void* block) { operator delete(block); }, Allocate, Reallocate, Duplicate) == 0;
+
+class Allocations : public LeavesNothing {
+ protected:
+  static void SetUpTestSuite() {  // what the libraries keep for good
+    Packet packet;
+    HasAnyStoryRelatedMetadata(packet);
+    zelcore::xml::AbstractParseHandler nothing;
+    ASSERT_TRUE(kIsSetUp && zelcore::xml::Reader().ParseBuffer("<a/>", "", nothing));
+  }
+  void TearDown() override {
+    gXMLLibraryFails = false;
+    xmlResetLastError();
+    LeavesNothing::TearDown();
+  }
+};
+
+std::string Example() {
+  return ReadBytes(std::string(ZELSTORY_EXAMPLES_DIR) + "/stories/harbour_lights.quor");
+}
+
+TEST_F(Allocations, AStoryIsReadOrLeavesNothing) {
+  const std::string story = "<?xml version='1.0'?><!DOCTYPE TavroStory [<!ENTITY e 'é&amp;'>]>" +
+                            Example().substr(Example().find("<TavroStory"));
+  gXMLLibraryFails = true;
+  StoryParser parser;
+  zelcore::xml::Reader reader;
+  ASSERT_TRUE(reader.ParseBuffer(story, "story", parser)) << reader.Error().mReason;
+  const std::string tree = DumpTree(parser.GetStory());
+  FailEachAllocation(
+      [&] {
+        ASSERT_TRUE(reader.ParseBuffer(story, "story", parser)) << reader.Error().mReason;
+        if (gCountdown >= 0) return;
+        ASSERT_EQ(DumpTree(parser.GetStory()), tree);  // the XML library could do without
+        throw std::bad_alloc();
+      },
+      [&](bool) {
+        ASSERT_TRUE(reader.ParseBuffer(story, "story", parser));
+        EXPECT_EQ(DumpTree(parser.GetStory()), tree);
+      });
+}
+
+// One object and one list through each operation; whatever fails, they can be used again.
+TEST_F(Allocations, OperationsPassTheFailureOnAndLeaveNothing) {
+  using Paths = std::vector<zelmetadata::Path>;
+  struct Operation {
+    const char* mName;
+    std::function<void(Packet&, Paths&)> mRun;
+  };
+  const ScenePtr scene = MakeScene(
+      "H#a long identifier of a paragraph:INT. A HOUSE OF SOME SIZE - LATE AT NIGHT / A:R / C:C / "
+      "D:A speech that is no short string.",
+      "", "1:2:3");
+  StoryPtr story(new TavroStory);
+  story->mDocument = new Document;
+  story->mDocument->mBodyStream = new Stream;
+  (story->mDocument->mBodyStream->mSection = new Section)->mScenes = {scene};
+  const ScratchFolder folder;
+  const Packet before = MakePacket("A:a speech of some length; B:y");
+  std::string bytes;
+  before.SerializeToBuffer(&bytes);
+  const auto size = static_cast<XMP_StringLen>(bytes.size());
+  std::vector<ShotXMP> shots;
+  UTF16String text;
+  const std::vector<Operation> operations = {
+      {"clear", [&](Packet& p, Paths& l) { ClearSceneMetadataFromXMP(p, l); }},
+      {"has", [&](Packet& p, Paths&) { HasAnyStoryRelatedMetadata(p); }},
+      {"shot", [&](Packet&, Paths&) { GetSceneXMP(story, scene, 1, shots); }},
+      {"dump", [&](Packet&, Paths&) { TraverseStory(story, text); }},
+      {"parse", [&](Packet& p, Paths&) { p.ParseFromBuffer(bytes.data(), size); }},
+      {"copy", [&](Packet& p, Paths&) { p = Packet(p); }},
+      {"serialise", [&](Packet& p, Paths&) { p.SerializeToBuffer(&bytes, kXMP_EncodeUTF16Big); }},
+  };
+  for (const Operation& operation : operations) {
+    Packet packet = before;
+    Paths paths(1);
+    shots.clear();
+    FailEachAllocation(
+        [&] { operation.mRun(packet, paths); },
+        [&](bool failed) {
+          EXPECT_EQ(shots.size(), !failed && operation.mName == "shot"sv ? 1u : 0u);
+          EXPECT_GE(paths.size(), 1u);  // what the list held stays in front
+          EXPECT_EQ(paths[0].AsString(), zelmetadata::Path().AsString());
+          EXPECT_TRUE(operation.mName != "parse"sv || PacketText(packet) == PacketText(before));
+          packet = before;
+          paths.resize(1);
+        });
+    ASSERT_FALSE(HasFailure()) << operation.mName;
+  }
+}
+
+}  // namespace
+}  // namespace zelstoryparser
