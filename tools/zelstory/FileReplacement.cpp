@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fstream>
+#include <istream>
 #include <system_error>
 #include <utility>
 
@@ -24,8 +25,6 @@ namespace zelstory {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::uintmax_t kLargestFile = std::uintmax_t{1} << 30;
 
 [[noreturn]] void Fail(const fs::path& file, const std::string& what, int error) {
   throw ToolError(file.string(), what + ": " + std::generic_category().message(error));
@@ -68,6 +67,20 @@ std::optional<std::string> ReadWholeFile(const fs::path& file) {
   if (static_cast<std::uintmax_t>(stream.gcount()) != size || stream.peek() != EOF) {
     throw ToolError(file.string(), "changed while it was read");
   }
+  return bytes;
+}
+
+std::string ReadWholeStream(std::istream& stream, const std::string& name) {
+  std::string bytes;
+  while (stream) {
+    constexpr std::size_t kPiece = 1u << 20;
+    const std::size_t before = bytes.size();
+    bytes.resize(before + kPiece);
+    stream.read(bytes.data() + before, kPiece);
+    bytes.resize(before + static_cast<std::size_t>(stream.gcount()));
+    if (bytes.size() > kLargestFile) throw ToolError(name, "is larger than 1 GiB");
+  }
+  if (stream.bad()) throw ToolError(name, "cannot be read");
   return bytes;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <iosfwd>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,9 +24,15 @@ class DirectoryLock {
   int mDescriptor = -1;
 };
 
+inline constexpr std::uintmax_t kLargestFile = std::uintmax_t{1} << 30;  // bytes
+
 // The bytes of a regular file, or nothing when there is none. Throws ToolError for a directory, a
 // device, a file above 1 GiB, and when reading fails.
 std::optional<std::string> ReadWholeFile(const std::filesystem::path& file);
+
+// The rest of a stream; `name` stands for it in errors. Throws ToolError above 1 GiB, and when
+// reading fails.
+std::string ReadWholeStream(std::istream& stream, const std::string& name);
 
 // Replaces a file by the bytes, or creates it: whole or not at all. The bytes are written to a
 // nameless or hidden file in the same folder, flushed to disk, and renamed; the folder is flushed.

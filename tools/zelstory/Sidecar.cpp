@@ -1,7 +1,6 @@
 #include "Sidecar.h"
 
 #include <iostream>
-#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -16,7 +15,7 @@ namespace {
 
 std::optional<std::string> ReadBytes(const std::string& file) {
   if (file != kStandardStream) return ReadWholeFile(file);
-  return std::string(std::istreambuf_iterator<char>(std::cin), {});
+  return ReadWholeStream(std::cin, file);
 }
 
 }  // namespace

@@ -24,10 +24,10 @@ struct ReadError {
 // Understood: XML 1.0 in UTF-8, UTF-16 with a byte-order mark, and the encodings that the XML
 // declaration may name. Nothing outside the given document is ever opened. Refused: what is not
 // well-formed; any use of an external entity or of an undeclared one; more than 10,000 open
-// elements; a tag, comment or CDATA section of much more than 8 MiB (the next piece read may still
-// pass); entities that multiply each other to more than about ten times the document's bytes, as
-// the XML library counts; entities and default attributes that deliver more than four times the
-// document's bytes and 64 MiB.
+// elements; more than 250,000 different names; a tag, comment or CDATA section of much more than 8
+// MiB (the next piece read may still pass); entities that multiply each other to more than about
+// ten times the document's bytes, as the XML library counts; entities and default attributes that
+// deliver more than four times the document's bytes and 64 MiB.
 //
 // A parse that fails returns false and leaves the reason in Error(); the handler keeps what it had
 // built from the events up to that place, EndDocument included. An exception of the handler passes

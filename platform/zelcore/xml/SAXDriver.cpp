@@ -395,6 +395,10 @@ bool ParseState::Feed(std::string_view bytes, bool isLast) {
       input->end - input->cur > static_cast<std::ptrdiff_t>(kMostMarkupBytes)) {
     Refuse("a tag, a comment or other markup is longer than the limit");
   }
+  // The library finds a name ever more slowly among many.
+  if (!mHalted && xmlDictSize(mContext->dict) > static_cast<int>(kMostNames)) {
+    Refuse("more than " + std::to_string(kMostNames) + " different names are used");
+  }
   return !mHalted && mContext->wellFormed == 1;
 }
 

@@ -59,6 +59,7 @@ class SAXEvents {
 
 // The limits that every document must keep; beyond one of them it is refused.
 inline constexpr std::size_t kMostOpenElements = 10'000;
+inline constexpr std::size_t kMostNames = 250'000;         // different ones, of whatever kind
 inline constexpr std::size_t kMostMarkupBytes = 8u << 20;  // of one tag, comment, CDATA section ...
 inline constexpr std::size_t kMostExpandedBytes =
     64u << 20;  // delivered above four times what was read
