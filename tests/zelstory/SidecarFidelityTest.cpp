@@ -226,6 +226,9 @@ TEST_F(SidecarFidelityTest, AFailedWriteLeavesTheOldFileAndNothingElse) {
   EXPECT_EQ(outcome.mStatus, 1);
   EXPECT_THAT(outcome.mErrors, StartsWith("clip.xmp: error: cannot be written: "));
   EXPECT_EQ(Read("clip.xmp"), bytes);
+  const Outcome shots = Process("sh", {"-c", "ulimit -f 1; exec \"$0\" \"$@\"", ZELSTORY_TOOL,
+                                       "shots", Example("harbour_lights.quor"), "--out", "new"});
+  EXPECT_THAT(shots.mErrors, StartsWith("new/scene_0001.xmp: error: cannot be written: "));
   EXPECT_THAT(FilesHere(), ElementsAre("clip.xmp"));
 }
 

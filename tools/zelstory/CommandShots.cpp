@@ -21,18 +21,19 @@ std::string PacketName(std::size_t position) {
   return name;
 }
 
-void MakeFolder(const fs::path& folder) {
+// Returns whether there was none.
+bool MakeFolder(const fs::path& folder) {
   std::error_code error;
-  fs::create_directories(folder, error);
+  const bool isNew = fs::create_directories(folder, error);
   if (error || !fs::is_directory(folder)) {
     throw ToolError(folder.string(), "is no folder and cannot be made one" +
                                          (error ? ": " + error.message() : std::string()));
   }
+  return isNew;
 }
 
-int Shots(const std::string& file, const fs::path& folder) {
-  const auto story = LoadStory(file);
-  MakeFolder(folder);
+void WritePackets(const boost::intrusive_ptr<zelstoryparser::TavroStory>& story,
+                  const fs::path& folder) {
   std::size_t position = 0;
   for (const auto& scene : BodyScenes(*story)) {
     ++position;
@@ -43,6 +44,18 @@ int Shots(const std::string& file, const fs::path& folder) {
       ReplaceFile(packet, shot.mXMPPacket);
       PrintLine(std::to_string(position) + '\t' + ToUTF8(shot.mShotID) + '\t' + packet.string());
     }
+  }
+}
+
+int Shots(const std::string& file, const fs::path& folder) {
+  const auto story = LoadStory(file);
+  const bool isNew = MakeFolder(folder);
+  try {
+    WritePackets(story, folder);
+  } catch (...) {
+    std::error_code isFilled;  // then it stays
+    if (isNew) fs::remove(folder, isFilled);
+    throw;
   }
   return kDone;
 }
