@@ -52,7 +52,9 @@ TEST(Threads, ShareOneTreeTheRegistryAndTheLocalizer) {
       packet.SetProperty(uri.c_str(), (prefix + ":name").c_str(), "value");
       EXPECT_EQ(WriteSceneMetadataIntoXMP(copy, packet, paths), u"");
       EXPECT_TRUE(HasAnyStoryRelatedMetadata(packet));
-      zelcore::config::Localizer::Get().GetLocalizedString("a text");
+      const std::string key = "$$$/thread" + std::to_string(thread);
+      zelcore::config::Localizer::Get().InstallTranslation(key, u"mine");
+      EXPECT_EQ(zelcore::config::Localizer::Get().GetLocalizedString(key + "=text"), u"mine");
       if (round % 10 == 0) {
         EXPECT_EQ(DumpTree(Read(story)), tree);
       }
@@ -60,6 +62,7 @@ TEST(Threads, ShareOneTreeTheRegistryAndTheLocalizer) {
   });
   EXPECT_EQ(shared->mRefCount, 1);
   EXPECT_EQ(DumpTree(shared), tree);
+  zelcore::config::Localizer::Get().RemoveTranslations();
   // The last holder may be on any thread.
   OnEachOf(1, [tree = std::exchange(shared, nullptr)](int) mutable { tree.reset(); });
   EXPECT_EQ(scene->mRefCount, 1);

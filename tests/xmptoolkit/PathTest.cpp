@@ -1,5 +1,3 @@
-#include <atomic>
-#include <thread>
 #include <vector>
 
 #include "XMPTestSupport.h"
@@ -130,29 +128,6 @@ TEST(RegistryTest, RefusesWhatCannotBeDeclared) {
                 row[0]);
     EXPECT_EQ(prefix, "untouched");
   }
-}
-
-TEST(RegistryTest, ManyThreadsAgree) {
-  constexpr int kThreads = 8;
-  constexpr int kNamespaces = 200;
-  std::vector<std::vector<std::string>> prefixes(kThreads);
-  std::atomic<int> waiting = kThreads;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&, t] {
-      for (--waiting; waiting > 0;) std::this_thread::yield();
-      for (int i = 0; i < kNamespaces; ++i) {
-        const std::string uri = "urn:threads:" + std::to_string(i);
-        std::string prefix;
-        Meta::RegisterNamespace(uri.c_str(), "t", &prefix);
-        Meta meta;
-        meta.SetProperty(uri.c_str(), (prefix + ":p").c_str(), "v");
-        prefixes[static_cast<std::size_t>(t)].push_back(prefix);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  for (const auto& seen : prefixes) EXPECT_EQ(seen, prefixes[0]);
 }
 
 }  // namespace

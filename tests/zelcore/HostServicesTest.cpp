@@ -1,4 +1,3 @@
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -95,24 +94,6 @@ TEST(Localizer, FallsBackToTheTextBehindTheKey) {
   }
   Localizer::Get().RemoveTranslations();
   EXPECT_EQ(Localized("$$$/a/Known=known"), "known");
-}
-
-TEST(Threads, ShareTheLocalizerAndReadAtOnce) {
-  std::vector<std::thread> threads;
-  for (const char* key : {"$$$/1", "$$$/2", "$$$/3"}) {
-    threads.emplace_back([key = std::string(key)] {
-      for (int i = 0; i < 200; ++i) {
-        Localizer::Get().InstallTranslation(key, u"translated");
-        EXPECT_EQ(Localized(key + "=x") + Localized("$$$/none=y"), "translatedy");
-        xml::Reader reader;
-        xml::AbstractParseHandler handler;
-        EXPECT_TRUE(
-            reader.ParseBuffer("<!DOCTYPE r [<!ENTITY e '<b/>'>]><r>&e;</r>", key, handler));
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  Localizer::Get().RemoveTranslations();
 }
 
 TEST(Files, SpeakOfTheEntryItself) {

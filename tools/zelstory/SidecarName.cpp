@@ -68,8 +68,8 @@ std::string FindSidecar(const std::string& clipOrSidecar, SidecarForm form, When
   if (IsSidecarName(clipOrSidecar)) return clipOrSidecar;
   const fs::path clip(clipOrSidecar);
   RefuseUnlessFile(clip);
-  const std::string full = clipOrSidecar + ".xmp";
-  const std::string stem = fs::path(clip).replace_extension(".xmp").string();
+  std::string full = clipOrSidecar + ".xmp";
+  std::string stem = fs::path(clip).replace_extension(".xmp").string();
   const bool hasFull = Exists(full);
   const bool hasStem = full != stem && Exists(stem);
   if (hasFull && hasStem) {
