@@ -44,6 +44,32 @@ install(FILES ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
               ${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
         DESTINATION ${ZELSTORY_PACKAGE_DIR})
 
+# For pkg-config. Static libraries carry their own dependencies on.
+foreach(folder LIBDIR INCLUDEDIR)
+  if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
+    set(ZELSTORY_PC_${folder} "${CMAKE_INSTALL_${folder}}")
+  else()
+    set(ZELSTORY_PC_${folder} "\${prefix}/${CMAKE_INSTALL_${folder}}")
+  endif()
+endforeach()
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(ZELSTORY_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+else() # found from where the file stands, so that an installed copy may be moved
+  file(RELATIVE_PATH up "/p/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /p)
+  set(ZELSTORY_PC_PREFIX "\${pcfiledir}/${up}")
+endif()
+if(NOT BUILD_SHARED_LIBS)
+  set(ZELSTORY_PC_DEPENDENCIES "Requires: libxml-2.0")
+  set(ZELSTORY_PC_LIBS "-lpthread")
+  set(ZELSTORY_PC_CFLAGS "-DZELSTORYPARSER_STATIC -DZELPLATFORM_STATIC")
+  if(ZELSTORY_MIMALLOC)
+    string(APPEND ZELSTORY_PC_LIBS " -lmimalloc")
+  endif()
+endif()
+configure_file(cmake/zelstoryparser.pc.in ${PROJECT_BINARY_DIR}/zelstoryparser.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zelstoryparser.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
 if(ZELSTORY_TOOL)
   install(TARGETS zelstory RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
