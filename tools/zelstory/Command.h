@@ -26,6 +26,7 @@ void AddHasCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddXMPCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddShotsCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddDumpCommand(CLI::App& tool, ChosenCommand& chosen);
+void AddListCommands(CLI::App& tool, ChosenCommand& chosen);  // scenes, characters, stats
 
 // Runs `work` on each file with the label that its results stand behind: "FILE: " for several
 // files, empty for one. The refusal of one file is printed and does not stop the others. Returns

@@ -54,6 +54,7 @@ int main(int argc, char** argv) {
   AddHasCommand(tool, chosen);
   AddXMPCommand(tool, chosen);
   AddShotsCommand(tool, chosen);
+  AddListCommands(tool, chosen);
   AddDumpCommand(tool, chosen);
   try {
     tool.parse(argc, argv);

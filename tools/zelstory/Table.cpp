@@ -1,0 +1,119 @@
+#include "Table.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include <nlohmann/json.hpp>
+
+#include "TextLayout.h"
+
+namespace zelstory {
+namespace {
+
+// Numbers in order, runs of them as FIRST-LAST.
+std::string Runs(const std::vector<std::int64_t>& numbers) {
+  std::string text;
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    const std::size_t first = i;
+    while (i + 1 < numbers.size() && numbers[i + 1] == numbers[i] + 1) ++i;
+    if (!text.empty()) text += ' ';
+    text += std::to_string(numbers[first]);
+    if (i > first) text += '-' + std::to_string(numbers[i]);
+  }
+  return text;
+}
+
+std::string TextOf(const Cell& cell) {
+  if (const auto* text = std::get_if<std::string>(&cell)) return *text;
+  if (const auto* number = std::get_if<std::int64_t>(&cell)) return std::to_string(*number);
+  if (const auto* numbers = std::get_if<std::vector<std::int64_t>>(&cell)) return Runs(*numbers);
+  return {};
+}
+
+// On one line, without what could steer a terminal.
+std::string Shown(const Cell& cell) {
+  std::string line;
+  for (const std::string& part : WrapText(TextOf(cell), static_cast<std::size_t>(-1))) {
+    if (!line.empty()) line += ' ';
+    line += part;
+  }
+  return line;
+}
+
+void PrintAligned(const Table& table, std::ostream& output) {
+  struct Column {
+    std::size_t mWidth = 0;
+    bool mIsNumber = false;  // then it stands at the right
+  };
+  std::vector<Column> columns(table.mColumns.size());
+  const auto measure = [&columns](std::size_t i, const Cell& cell) {
+    columns[i].mWidth = std::max(columns[i].mWidth, ColumnsOf(Shown(cell)));
+    columns[i].mIsNumber = columns[i].mIsNumber || std::holds_alternative<std::int64_t>(cell);
+  };
+  const auto print = [&](const auto& cells) {
+    std::string line;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const std::string text = Shown(cells[i]);
+      const std::string blanks(columns[i].mWidth - ColumnsOf(text), ' ');
+      line += (i > 0 ? "  " : "") + (columns[i].mIsNumber ? blanks + text : text + blanks);
+    }
+    line.resize(line.find_last_not_of(' ') + 1);
+    output << line << '\n';
+  };
+  for (std::size_t i = 0; i < columns.size(); ++i) measure(i, table.mColumns[i]);
+  for (const std::vector<Cell>& row : table.mRows) {
+    for (std::size_t i = 0; i < row.size(); ++i) measure(i, row[i]);
+  }
+  print(table.mColumns);
+  for (const std::vector<Cell>& row : table.mRows) print(row);
+}
+
+std::string CSVField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string field = "\"";
+  for (const char c : text) field.append(c == '"' ? 2 : 1, c);
+  return field + '"';
+}
+
+void PrintCSV(const Table& table, std::ostream& output) {
+  const auto print = [&output](const auto& cells, auto textOf) {
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      output << (i > 0 ? "," : "") << CSVField(textOf(cells[i]));
+    }
+    output << "\r\n";
+  };
+  print(table.mColumns, [](const std::string& name) { return name; });
+  for (const std::vector<Cell>& row : table.mRows) print(row, TextOf);
+}
+
+nlohmann::ordered_json AsJSON(const Cell& cell) {
+  if (const auto* text = std::get_if<std::string>(&cell)) return *text;
+  if (const auto* number = std::get_if<std::int64_t>(&cell)) return *number;
+  if (const auto* numbers = std::get_if<std::vector<std::int64_t>>(&cell)) return *numbers;
+  return nullptr;
+}
+
+void PrintJSON(const Table& table, std::ostream& output) {
+  auto rows = nlohmann::ordered_json::array();
+  for (const std::vector<Cell>& row : table.mRows) {
+    nlohmann::ordered_json object;
+    for (std::size_t i = 0; i < row.size(); ++i) object[table.mColumns[i]] = AsJSON(row[i]);
+    rows.push_back(std::move(object));
+  }
+  output << rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace
+
+void Table::Print(TableForm form, std::ostream& output) const {
+  switch (form) {
+    case TableForm::kAligned:
+      return PrintAligned(*this, output);
+    case TableForm::kCSV:
+      return PrintCSV(*this, output);
+    case TableForm::kJSON:
+      return PrintJSON(*this, output);
+  }
+}
+
+}  // namespace zelstory
