@@ -1,0 +1,88 @@
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include <zelcore/xml/Reader.h>
+#include <zelstoryparser/SceneXMP.h>
+#include <zelstoryparser/StoryParser.h>
+
+#include "Support.h"
+#include "tools/zelstory/Screenplay.h"
+#include "tools/zelstory/StoryJSON.h"
+
+// A story document on all its ways: read, shown as JSON and as a screenplay, each scene made into a
+// packet, written into a clip's metadata and cleared from it.
+namespace {
+
+using namespace zelstoryparser;
+using fuzzing::Require;
+using Meta = TXMPMeta<std::string>;
+
+std::string PacketOf(const Meta& xmp) {
+  std::string packet;
+  xmp.SerializeToBuffer(&packet);
+  return packet;
+}
+
+void TestClip(const boost::intrusive_ptr<Scene>& scene) {
+  Meta xmp;
+  std::vector<zelmetadata::Path> changed;
+  Require(WriteSceneMetadataIntoXMP(scene, xmp, changed).empty(), "a read scene can be written");
+  const std::string packet = PacketOf(xmp);
+  Require(WriteSceneMetadataIntoXMP(scene, xmp, changed).empty(), "a scene can be written again");
+  Require(PacketOf(xmp) == packet, "writing again changes nothing");
+  const bool hasAny = packet != PacketOf(Meta());
+  Require(HasAnyStoryRelatedMetadata(xmp) == hasAny, "what was written is found");
+  Require(ClearSceneMetadataFromXMP(xmp, changed).empty(), "a written scene can be cleared");
+  Require(PacketOf(xmp) == PacketOf(Meta()), "clearing leaves nothing");
+}
+
+// As the dump goes through a section.
+void TestSection(const boost::intrusive_ptr<TavroStory>& story,
+                 const boost::intrusive_ptr<Section>& section) {
+  if (!section) return;
+  std::int32_t number = 0;
+  for (const boost::intrusive_ptr<Scene>& scene : section->mScenes) {
+    std::vector<ShotXMP> shots;
+    Require(GetSceneXMP(story, scene, ++number, shots), "a scene's packets are made");
+    Require(shots.size() <= 1, "a scene makes at most one shot");
+    for (const ShotXMP& shot : shots) {
+      Require(!shot.mShotID.empty(), "a shot has an identifier");
+      const auto size = static_cast<XMP_StringLen>(shot.mXMPPacket.size());
+      Require(PacketOf(Meta(shot.mXMPPacket.data(), size)) == shot.mXMPPacket, "packets come back");
+    }
+    if (number <= 16) TestClip(scene);
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  const std::string_view document(reinterpret_cast<const char*>(bytes), size);
+  zelcore::xml::Reader reader;
+  StoryParser parser, again;
+  const bool isWellFormed = reader.ParseBuffer(document, "document", parser);
+  std::istringstream stream{std::string(document)};
+  Require(reader.ParseStream(stream, "document", again) == isWellFormed, "a stream reads the same");
+  Require(again.IsParseError() == parser.IsParseError(), "a stream's errors are the same");
+  Require(again.GetErrorString() == parser.GetErrorString(), "a stream's messages are the same");
+  Require(isWellFormed || !reader.Error().mReason.empty(), "a refusal has a reason");
+  const auto story = parser.GetStory(), copy = again.GetStory();
+  Require(!story == !copy, "a stream's root is the same");
+  if (!story) return 0;
+
+  // What was built before an error is a whole tree, too.
+  const nlohmann::ordered_json json = zelstory::StoryAsJSON(*story);
+  const std::string text = json.dump(2);
+  Require(zelstory::StoryAsJSON(*copy) == json, "a stream's tree is the same");
+  Require(nlohmann::ordered_json::parse(text) == json, "the JSON is JSON");
+  std::ostringstream screenplay;
+  zelstory::PrintScreenplay(*story, true, screenplay);
+  if (!story->mDocument) return 0;
+  if (story->mDocument->mBodyStream) TestSection(story, story->mDocument->mBodyStream->mSection);
+  for (const auto& comments : story->mDocument->mCommentStreams)
+    TestSection(story, comments->mSection);
+  return 0;
+}
