@@ -1,24 +1,21 @@
 #pragma once
 
 #include <algorithm>
-#include <locale>
 #include <optional>
-#include <sstream>
-#include <string>
 #include <vector>
 
 #include "Support.h"
 
-// The text rules stated a second time, in the plainest way; nothing here is fast.
+// The rules of text stated a second time, in the plainest way; nothing here is fast.
 namespace fuzzing {
 
-// One character of UTF-8 by the table of well-formed byte sequences: the characters that `bytes`
-// begins with, or nothing for its maximal ill-formed part; `length` is that of either.
+// The character that UTF-8 bytes begin with, by the table of well-formed byte sequences; nothing
+// for an ill-formed one. `length` becomes that of the sequence, or of its maximal ill-formed part.
 inline std::optional<char32_t> FirstCharacter(std::string_view bytes, std::size_t& length) {
   constexpr struct {
     unsigned mFirst, mLast, mSecondFrom, mSecondTo, mLength;
   } kTable[] = {
-      {0x00, 0x7F, 0, 0, 1},       {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3},
+      {0x00, 0x7F, 0x00, 0x00, 1}, {0xC2, 0xDF, 0x80, 0xBF, 2}, {0xE0, 0xE0, 0xA0, 0xBF, 3},
       {0xE1, 0xEC, 0x80, 0xBF, 3}, {0xED, 0xED, 0x80, 0x9F, 3}, {0xEE, 0xEF, 0x80, 0xBF, 3},
       {0xF0, 0xF0, 0x90, 0xBF, 4}, {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4}};
   const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
@@ -40,18 +37,14 @@ inline std::optional<char32_t> FirstCharacter(std::string_view bytes, std::size_
 inline Text ToUTF16(std::string_view bytes) {
   Text text;
   for (std::size_t length = 0; !bytes.empty(); bytes.remove_prefix(length)) {
-    const char32_t character = FirstCharacter(bytes, length).value_or(0xFFFD);
-    if (character > 0xFFFF) {
-      text += static_cast<char16_t>(0xD800 + (character - 0x10000) / 0x400);
-      text += static_cast<char16_t>(0xDC00 + (character - 0x10000) % 0x400);
-    } else {
-      text += static_cast<char16_t>(character);
-    }
+    const char32_t c = FirstCharacter(bytes, length).value_or(0xFFFD);
+    if (c > 0xFFFF) text += static_cast<char16_t>(0xD800 + (c - 0x10000) / 0x400);
+    text += static_cast<char16_t>(c > 0xFFFF ? 0xDC00 + c % 0x400 : c);
   }
   return text;
 }
 
-// What XML 1.0 calls a Char, in UTF-8.
+// Whether XML 1.0 can carry UTF-8 bytes.
 inline bool IsXMLText(std::string_view bytes) {
   for (std::size_t length = 0; !bytes.empty(); bytes.remove_prefix(length)) {
     const char32_t c = FirstCharacter(bytes, length).value_or(0);
@@ -63,11 +56,9 @@ inline bool IsXMLText(std::string_view bytes) {
 inline Text WithoutLeading(const Text& text, const char16_t* set) {
   return text.substr(std::min(text.find_first_not_of(set), text.size()));
 }
-inline Text WithoutTrailing(const Text& text, const char16_t* set) {
-  return text.substr(0, text.find_last_not_of(set) + 1);
-}
 inline Text Folded(Text text) {
-  for (char16_t& unit : text) unit = u'A' <= unit && unit <= u'Z' ? unit + 32 : unit;
+  for (char16_t& unit : text)
+    if (u'A' <= unit && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
   return text;
 }
 inline bool EndsWith(const Text& text, const Text& word) {
@@ -78,45 +69,42 @@ struct Heading {
   Text mSetting, mLocation, mTime;
 };
 
-inline void SplitRest(const Text& rest, Heading& heading) {
+inline Heading SplitRest(const Text& rest) {
+  Heading heading;
   if (const std::size_t dash = rest.find(u'-', 1); dash != rest.npos) {
     heading.mTime = WithoutLeading(rest.substr(dash + 1), u" \t");
-    heading.mLocation = WithoutTrailing(rest.substr(0, dash), u" \t");
+    heading.mLocation = rest.substr(0, rest.find_last_not_of(u" \t", dash - 1) + 1);
   }
-  if (heading.mTime.empty()) {
-    for (const Text word : {u"Late Night", u"Night", u"Morning", u"Evening", u"Day"}) {
-      if (!EndsWith(rest, word)) continue;
-      heading.mTime = word;
-      if (rest.size() > word.size())
-        heading.mLocation = rest.substr(0, rest.size() - word.size() - 1);
-      break;
-    }
+  for (const Text word : {u"Late Night", u"Night", u"Morning", u"Evening", u"Day"}) {
+    if (!heading.mTime.empty() || !EndsWith(rest, word)) continue;
+    heading.mTime = word;
+    if (rest.size() > word.size())
+      heading.mLocation = rest.substr(0, rest.size() - word.size() - 1);
   }
   if (heading.mLocation.empty()) heading.mLocation = rest;
-}
-
-inline Heading SplitHeading(const Text& text) {
-  Heading heading;
-  for (const Text entry :
-       {u"INT", u"EXT", u"I/E", u"E/I", u"INT/EXT", u"EXT/INT", u"P.O.V.", u"INN", u"AUSS", u"I/A",
-        u"A/I", u"INN/AUSS", u"AUSS/INN", u"SUBJEKTIVE", u"P.D.V.", u"EST", u"INT/EST"}) {
-    if (Folded(text).starts_with(Folded(entry)) && entry.size() > heading.mSetting.size())
-      heading.mSetting = entry;
-  }
-  Text rest = text.substr(heading.mSetting.size());
-  const std::size_t stop = text.find(u'.');
-  if (!heading.mSetting.empty()) {
-    if (rest.starts_with(u'.')) rest = rest.substr(1);
-  } else if (stop != text.npos) {
-    heading.mSetting = WithoutLeading(text.substr(0, stop), u" \t");
-    rest = WithoutLeading(text.substr(stop), u".");
-  }
-  rest = WithoutLeading(rest, u" \t");
-  if (!rest.empty()) SplitRest(rest, heading);
   return heading;
 }
 
-// The pieces of a text, one for each delimiter but one at the very end, and what is left last.
+inline Heading SplitHeading(const Text& text) {
+  Text setting;
+  for (const Text& entry : Words("INT EXT I/E E/I INT/EXT EXT/INT P.O.V. INN AUSS I/A A/I INN/AUSS "
+                                 "AUSS/INN SUBJEKTIVE P.D.V. EST INT/EST")) {
+    if (Folded(text).starts_with(Folded(entry)) && entry.size() > setting.size()) setting = entry;
+  }
+  Text rest = text.substr(setting.size());
+  if (!setting.empty()) {
+    if (rest.starts_with(u'.')) rest = rest.substr(1);
+  } else if (const std::size_t stop = text.find(u'.'); stop != text.npos) {
+    setting = WithoutLeading(text.substr(0, stop), u" \t");
+    rest = WithoutLeading(text.substr(stop), u".");
+  }
+  rest = WithoutLeading(rest, u" \t");
+  Heading heading = rest.empty() ? Heading() : SplitRest(rest);
+  heading.mSetting = setting;
+  return heading;
+}
+
+// The pieces of a text: one in front of each delimiter, and what follows the last, if anything.
 inline std::vector<Text> Pieces(const Text& text, const Text& delimiters, bool skipsRepeated) {
   std::vector<Text> pieces(text.empty() ? 0 : 1);
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -128,31 +116,6 @@ inline std::vector<Text> Pieces(const Text& text, const Text& delimiters, bool s
     if (i + 1 < text.size()) pieces.emplace_back();
   }
   return pieces;
-}
-
-// A stream of the standard library, for comparison: its characters are the text's ASCII.
-inline std::istringstream ClassicStream(const Text& text) {
-  std::string ascii;
-  for (const char16_t unit : text) ascii += unit < 0x80 ? static_cast<char>(unit) : '?';
-  std::istringstream stream(ascii);
-  stream.imbue(std::locale::classic());
-  return stream;
-}
-
-// Seconds of "hours:minutes:seconds"; nothing when all three are 0.
-inline std::optional<std::int64_t> Seconds(const Text& duration) {
-  std::int64_t total = 0;
-  bool hasAny = false;
-  std::vector<Text> fields = Pieces(duration, u":", false);
-  fields.resize(3);
-  for (const Text& field : fields) {
-    std::int32_t number = 0;
-    std::istringstream stream = ClassicStream(field);
-    if (!(stream >> number)) number = 0;
-    hasAny |= number != 0;
-    total = total * 60 + number;
-  }
-  return hasAny ? std::optional(total) : std::nullopt;
 }
 
 }  // namespace fuzzing

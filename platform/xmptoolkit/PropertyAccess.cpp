@@ -12,6 +12,8 @@ namespace {
 constexpr XMP_OptionBits kArrayBits = kXMP_PropValueIsArray | kXMP_PropArrayIsOrdered |
                                       kXMP_PropArrayIsAlternate | kXMP_PropArrayIsAltText;
 constexpr XMP_OptionBits kFormBits = kXMP_PropValueIsURI | kXMP_PropValueIsStruct | kArrayBits;
+// What has to agree: that alternatives differ by language follows from their items.
+constexpr XMP_OptionBits kKindBits = kFormBits & ~kXMP_PropArrayIsAltText;
 
 [[noreturn]] void Refuse(XMP_ErrorID id, const PathExpression& path, const std::string& why) {
   throw XMP_Error(id, path.Describe() + " is refused: " + why);
@@ -133,7 +135,7 @@ void SetNode(Document& document, const PathExpression& path, std::optional<std::
            node.IsSimple() ? "it is there with a value" : "it is an array or a struct");
   }
   if (!made.IsSimple()) {
-    if (made.Form() != (node.Form() & kFormBits)) {
+    if ((made.Form() & kKindBits) != (node.Form() & kKindBits)) {
       Refuse(kXMPErr_BadOptions, path, "it is there and of another kind");
     }
     return;
@@ -164,8 +166,7 @@ void AppendItem(Document& document, const PathExpression& array, XMP_OptionBits 
     target = FollowPath(document, array);
   } else if (!target.mNode->IsArray()) {
     Refuse(kXMPErr_BadXPath, array, "it is no array, so it takes no items");
-  } else if (constexpr XMP_OptionBits kKind = kArrayBits & ~kXMP_PropArrayIsAltText;
-             form != 0 && (form & kKind) != (target.mNode->Form() & kKind)) {
+  } else if (form != 0 && (form & kKindBits) != (target.mNode->Form() & kKindBits)) {
     Refuse(kXMPErr_BadOptions, array, "it is an array of another kind");
   }
   target.mNode->Children().Append(std::move(item));

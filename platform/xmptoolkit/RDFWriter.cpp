@@ -145,7 +145,13 @@ void Writer::WriteDescription(int level) {
   BeginLine(level);
   mXML += "<rdf:Description";
   WriteAttribute("rdf:about", mDocument.mAbout);
-  for (const NamespaceId space : mPrefixes.Declared()) {
+  std::vector<NamespaceId> declared = mPrefixes.Declared();
+  if (mLayout.mIsCompact) {  // attributes come first, so reading again meets them in another order
+    std::sort(declared.begin(), declared.end(), [this](NamespaceId left, NamespaceId right) {
+      return mPrefixes.PrefixOf(left) < mPrefixes.PrefixOf(right);
+    });
+  }
+  for (const NamespaceId space : declared) {
     EndLine();
     BeginLine(level + 1);
     mXML += "xmlns:" + mPrefixes.PrefixOf(space) + "=\"";

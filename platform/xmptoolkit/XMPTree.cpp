@@ -1,9 +1,11 @@
 #include "XMPTree.h"
 
+#include <optional>
 #include <utility>
 
 #include "Document.h"
 #include "NamespaceRegistry.h"
+#include "PrefixTable.h"
 
 namespace xmptoolkit {
 
@@ -12,7 +14,11 @@ namespace {
 class Comparison {
  public:
   Comparison(const Document& left, const Document& right, Equality equality)
-      : mLeft(left), mRight(right), mEquality(equality) {}
+      : mLeft(left), mRight(right), mEquality(equality) {
+    if (equality != Equality::kFile) return;
+    mLeftPrefixes.emplace(left);
+    mRightPrefixes.emplace(right);
+  }
 
   bool Run() const {
     if (mLeft.mAbout != mRight.mAbout) return false;
@@ -62,15 +68,18 @@ class Comparison {
     return right.Find(*name);
   }
 
+  // As they are written: a file may have used one prefix for two namespaces, or one that is kept
+  // for others.
   bool HaveOtherPrefixes(NamespaceId left, NamespaceId right) const {
-    const std::string& ours = mLeft.mNames.FilePrefix(left);
-    const std::string& theirs = mRight.mNames.FilePrefix(right);
-    return !ours.empty() && !theirs.empty() && ours != theirs;
+    const bool hadBoth =
+        !mLeft.mNames.FilePrefix(left).empty() && !mRight.mNames.FilePrefix(right).empty();
+    return hadBoth && mLeftPrefixes->PrefixOf(left) != mRightPrefixes->PrefixOf(right);
   }
 
   const Document& mLeft;
   const Document& mRight;
   const Equality mEquality;
+  std::optional<PrefixTable> mLeftPrefixes, mRightPrefixes;
 };
 
 }  // namespace
