@@ -130,6 +130,11 @@ TEST_F(StoryCommandsTest, ShotsAreNumberedByPositionAndReadByOthers) {
   const std::vector<std::string> lines = Lines(outcome.mOutput);
   ASSERT_EQ(lines.size(), 72u);
   EXPECT_THAT(lines[71], testing::MatchesRegex("72\t[^\t]+\ta/b/scene_0072.xmp"));
+  const Outcome both = Tool({"shots", Example("the_long_tide.quor"), "none.quor",
+                             Example("harbour_lights.quor"), "--out", "d"});
+  EXPECT_EQ(both.mStatus, 1);
+  EXPECT_THAT(both.mOutput, HasSubstr("harbour_lights.quor: 4\t"));
+  EXPECT_EQ(Read("d/the_long_tide/scene_0072.xmp"), Read("a/b/scene_0072.xmp"));
   Tool({"shots", Example("the_long_tide.quor"), "--out", "c"});
   const bool judged = IsInstalled("xmllint") && IsInstalled("rapper");
   for (int scene = 1; scene <= 72; ++scene) {

@@ -23,6 +23,10 @@ TEST_F(UsageTest, WrongUsageIsOneLineAndStatus2) {
       {"write", Example("harbour_lights.quor"), "--scene", "1"},
       {"write", "-", "-", "--scene", "1"},
       {"shots", Example("harbour_lights.quor")},
+      {"shots", "a/x.quor", "b/x.quor", "--out", "o"},
+      {"shots", "x.quor", "-", "--out", "o"},
+      {"tag", "x.quor"},
+      {"tag", "-", "--table", "-"},
       {"clear"},
   };
   for (const auto& arguments : lines) {
@@ -36,7 +40,7 @@ TEST_F(UsageTest, WrongUsageIsOneLineAndStatus2) {
 }
 
 TEST_F(UsageTest, HelpAndVersionAreResults) {
-  for (const char* command : {"check", "show", "write", "clear", "has", "shots", "dump"}) {
+  for (const char* command : {"check", "show", "write", "clear", "has", "shots", "tag", "dump"}) {
     const Outcome outcome = Tool({command, "--help"});
     EXPECT_EQ(outcome.mStatus, 0);
     EXPECT_THAT(outcome.mOutput, HasSubstr("Exit status:")) << command;
@@ -61,8 +65,7 @@ TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
       {{"show", story, "--scene", "99"}, "there is no scene 99; the body has 4"},
       {{"show", story, "--number", "99"}, "no scene of the body has the number \"99\""},
       {{"show", "same.quor", "--number", "7"},
-       "same.quor: error: 2 scenes have the number \"7\"; choose one by position with --scene: 1, "
-       "2"},
+       "same.quor: error: 2 scenes have the number \"7\"; choose one by position: 1, 2"},
       {{"show", Example("broken/second_section.quor")},
        "second_section.quor:13:7: error: We found"},
       {{"dump", Example("broken/no_root.quor")}, "no_root.quor:1:1: error: "},

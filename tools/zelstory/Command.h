@@ -25,12 +25,14 @@ void AddClearCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddHasCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddXMPCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddShotsCommand(CLI::App& tool, ChosenCommand& chosen);
+void AddTagCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddDumpCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddListCommands(CLI::App& tool, ChosenCommand& chosen);  // scenes, characters, stats
 
 // Runs `work` on each file with the label that its results stand behind: "FILE: " for several
 // files, empty for one. The refusal of one file is printed and does not stop the others. Returns
-// kDone, or kRefused when any was refused.
+// kDone, or kRefused when any was refused. Shows progress, and ends between two files when a signal
+// asks for it.
 int ForEachFile(const std::vector<std::string>& files,
                 const std::function<void(const std::string& file, const std::string& label)>& work);
 

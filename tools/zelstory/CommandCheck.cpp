@@ -1,8 +1,8 @@
-#include <iostream>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include "Batch.h"
 #include "Command.h"
 #include "Console.h"
 #include "StoryFile.h"
@@ -24,19 +24,23 @@ void PrintJSON(const std::string& file, const std::optional<StoryFault>& fault) 
     result["where"] =
         fault->mWhere.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(fault->mWhere);
   }
-  std::cout << result.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  PrintJSONLine(result);
 }
 
 int Check(const CheckOptions& options) {
   bool allGood = true;
+  Batch batch(options.mFiles.size());
   for (const std::string& file : options.mFiles) {
+    batch.Next();
     boost::intrusive_ptr<zelstoryparser::TavroStory> story;
     const std::optional<StoryFault> fault = ReadStory(file, story);
     allGood = allGood && !fault;
     if (options.mAsJSON) {
       PrintJSON(file, fault);
+    } else if (fault) {
+      PrintLine(fault->Describe(file));
     } else {
-      PrintLine(fault ? fault->Describe(file) : file + ": ok");
+      PrintResult(file + ": ", Tone::kGood, "ok");
     }
   }
   return allGood ? kDone : kRefused;

@@ -15,7 +15,7 @@ int Has(const std::vector<std::string>& clips) {
                         WhenAbsent::kRefuse);
         const bool has = zelstoryparser::HasAnyStoryRelatedMetadata(sidecar.Metadata());
         allHave = allHave && has;
-        PrintLine(label + (has ? "yes" : "no"));
+        PrintResult(label, has ? Tone::kGood : Tone::kPlain, has ? "yes" : "no");
       });
   return allHave ? status : kRefused;
 }

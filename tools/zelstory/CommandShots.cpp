@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <vector>
 
 #include <zelstoryparser/SceneXMP.h>
 
@@ -33,7 +35,7 @@ bool MakeFolder(const fs::path& folder) {
 }
 
 void WritePackets(const boost::intrusive_ptr<zelstoryparser::TavroStory>& story,
-                  const fs::path& folder) {
+                  const fs::path& folder, const std::string& label) {
   std::size_t position = 0;
   for (const auto& scene : BodyScenes(*story)) {
     ++position;
@@ -42,45 +44,72 @@ void WritePackets(const boost::intrusive_ptr<zelstoryparser::TavroStory>& story,
     for (const zelstoryparser::ShotXMP& shot : shots) {
       const fs::path packet = folder / PacketName(position);
       ReplaceFile(packet, shot.mXMPPacket);
-      PrintLine(std::to_string(position) + '\t' + ToUTF8(shot.mShotID) + '\t' + packet.string());
+      PrintLine(label + std::to_string(position) + '\t' + ToUTF8(shot.mShotID) + '\t' +
+                packet.string());
     }
   }
 }
 
-int Shots(const std::string& file, const fs::path& folder) {
+void Shots(const std::string& file, const fs::path& folder, const std::string& label) {
   const auto story = LoadStory(file);
   const bool isNew = MakeFolder(folder);
   try {
-    WritePackets(story, folder);
+    WritePackets(story, folder, label);
   } catch (...) {
     std::error_code isFilled;  // then it stays
     if (isNew) fs::remove(folder, isFilled);
     throw;
   }
-  return kDone;
+}
+
+// Several stories get a folder each, under the story's name.
+std::vector<fs::path> FoldersOf(const std::vector<std::string>& stories, const fs::path& folder) {
+  if (stories.size() == 1) return {folder};
+  std::vector<fs::path> folders;
+  for (const std::string& story : stories) {
+    if (story == kStandardStream) {
+      throw UsageError("standard input has no name for a folder; give it alone");
+    }
+    folders.push_back(folder / fs::path(story).stem());
+    const auto twin = std::find(folders.begin(), folders.end() - 1, folders.back());
+    if (twin == folders.end() - 1) continue;
+    throw UsageError(stories[static_cast<std::size_t>(twin - folders.begin())] + " and " + story +
+                     " would share the folder " + folders.back().string());
+  }
+  return folders;
+}
+
+int ShotsOfAll(const std::vector<std::string>& stories, const fs::path& folder) {
+  const std::vector<fs::path> folders = FoldersOf(stories, folder);
+  auto next = folders.begin();
+  return ForEachFile(stories, [&next](const std::string& story, const std::string& label) {
+    Shots(story, *next++, label);
+  });
 }
 
 }  // namespace
 
 void AddShotsCommand(CLI::App& tool, ChosenCommand& chosen) {
   struct Options {
-    std::string mStory;
+    std::vector<std::string> mStories;
     std::string mFolder;
   };
   CLI::App* command =
       tool.add_subcommand("shots", "Write a stand-alone XMP packet for every scene of the body");
   const auto options = std::make_shared<Options>();
-  command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
+  command->add_option("STORY", options->mStories, "Story files; - is standard input")->required();
   command->add_option("--out", options->mFolder, "The folder for the packets, created when absent")
       ->type_name("DIR")
       ->required();
   command->footer(
       "Writes DIR/scene_0001.xmp and so on, numbered by position. Prints position, shot ID and "
       "file,\n"
-      "separated by tabs, a line a scene; scenes that make no shot are left out.\n"
-      "Exit status: 0 done, 1 refused, 2 wrong usage.");
+      "separated by tabs, a line a scene; scenes that make no shot are left out. Several stories "
+      "get\n"
+      "a folder each in DIR, called as the story without its extension, and lines behind STORY:.\n"
+      "Exit status: 0 done, 1 one or more were refused, 2 wrong usage.");
   command->callback([options, &chosen] {
-    chosen = [options] { return Shots(options->mStory, options->mFolder); };
+    chosen = [options] { return ShotsOfAll(options->mStories, options->mFolder); };
   });
 }
 

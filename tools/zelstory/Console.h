@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <zelcore/String.h>
 
 namespace zelstory {
@@ -10,11 +12,29 @@ namespace zelstory {
 // The name that stands for standard input or output.
 inline constexpr std::string_view kStandardStream = "-";
 
-// Prints one line on standard error. Control characters, which a file name may hold, become "?".
+// How a result is coloured where colours are welcome: on a terminal, unless the environment
+// variable NO_COLOR is set and not empty, or TERM is "dumb".
+enum class Tone { kPlain, kGood, kBad, kFaint, kStrong };
+
+// Prints one line on standard error, of the form PLACE: error: REASON mostly. Control characters,
+// which a file name may hold, become "?".
 void PrintError(const std::string& line);
 
 // Prints a result line on standard output, control characters as above.
 void PrintLine(const std::string& line);
+
+// The same, its end coloured: the subject, then the result.
+void PrintResult(const std::string& subject, Tone tone, const std::string& result);
+
+// Prints a value as one line of JSON; bytes that are not UTF-8 become U+FFFD.
+void PrintJSONLine(const nlohmann::ordered_json& value);
+
+// A text in the colour of standard output; the text itself where colours are not welcome.
+std::string Coloured(Tone tone, const std::string& text);
+
+// Shows a line on standard error, if that is a terminal, until something else is printed.
+void ShowProgress(const std::string& line);
+void HideProgress();
 
 // Story text as UTF-8.
 std::string ToUTF8(const zelcore::UTF16String& text);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
@@ -15,6 +16,15 @@ struct SelectedScene {
   boost::intrusive_ptr<zelstoryparser::Scene> mScene;
   std::size_t mPosition = 0;
 };
+
+// The ways to name a scene.
+enum class SceneKey { kPosition, kNumber, kID };
+
+// The scene among those of a body that a text names: by its position from 1, in digits, by its own
+// number (sceneNumber), or by its identifier (objID). Throws ToolError, naming `file`, when there
+// is none or more than one.
+SelectedScene FindScene(const std::vector<boost::intrusive_ptr<zelstoryparser::Scene>>& scenes,
+                        SceneKey key, const std::string& text, const std::string& file);
 
 // One scene of a story's body, as the command line names it.
 class SceneSelection {

@@ -4,8 +4,6 @@
 #include <set>
 #include <utility>
 
-#include <nlohmann/json.hpp>
-
 #include "Console.h"
 #include "FileReplacement.h"
 #include "Sidecar.h"
@@ -21,29 +19,33 @@ std::string TextOf(const Path& path) {
   return std::string(text.data(), text.size());
 }
 
-std::string DescribeKnown(const TXMPMeta<std::string>& metadata, const Path& path) {
+nlohmann::ordered_json KnownValue(const TXMPMeta<std::string>& metadata, const Path& path) {
   const std::string schema(path.Steps().front().mNamespaceURI);
   const std::string name = TextOf(path);
   std::string value;
   XMP_OptionBits options = 0;
-  if (!metadata.GetProperty(schema.c_str(), name.c_str(), &value, &options)) return "(none)";
+  if (!metadata.GetProperty(schema.c_str(), name.c_str(), &value, &options)) return nullptr;
   if ((options & kXMP_PropValueIsArray) != 0) {
-    const XMP_Index count = metadata.CountArrayItems(schema.c_str(), name.c_str());
-    return '(' + std::to_string(count) + (count == 1 ? " item)" : " items)");
+    return metadata.CountArrayItems(schema.c_str(), name.c_str());
   }
-  if ((options & kXMP_PropValueIsStruct) != 0) return "(struct)";
-  return nlohmann::json(value).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  if ((options & kXMP_PropValueIsStruct) != 0) return nlohmann::ordered_json::object();
+  return value;
 }
 
-// What stands at a path: a value in quotation marks, a number of items, or that nothing does;
-// metadata of another shape, which the toolkit will not look into for this path, has nothing there
-// either.
-std::string Describe(const TXMPMeta<std::string>& metadata, const Path& path) {
+// Metadata of another shape, which the toolkit will not look into for this path, has nothing there.
+nlohmann::ordered_json ValueAt(const TXMPMeta<std::string>& metadata, const Path& path) {
   try {
-    return DescribeKnown(metadata, path);
+    return KnownValue(metadata, path);
   } catch (const XMP_Error&) {
-    return "(none)";
+    return nullptr;
   }
+}
+
+std::string DescribeValue(const nlohmann::ordered_json& value) {
+  if (value.is_null()) return "(none)";
+  if (value.is_object()) return "(struct)";
+  if (value.is_number()) return '(' + value.dump() + (value == 1 ? " item)" : " items)");
+  return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 // The paths to compare: those that were touched, each array in front of its items.
@@ -61,7 +63,7 @@ std::vector<Path> WithArrays(const std::vector<Path>& changedPaths) {
 }
 
 // Changes the metadata; a refusal of the library, or of the toolkit below it, names the file.
-void Apply(const SidecarEdit::Change& change, Sidecar& sidecar, std::vector<Path>& changedPaths) {
+void Make(const SidecarEdit::Change& change, Sidecar& sidecar, std::vector<Path>& changedPaths) {
   try {
     const zelcore::UTF16String error = change(sidecar.Metadata(), changedPaths);
     if (!error.empty()) throw ToolError(sidecar.File(), ToUTF8(error));
@@ -70,16 +72,22 @@ void Apply(const SidecarEdit::Change& change, Sidecar& sidecar, std::vector<Path
   }
 }
 
-void PrintDifferences(const Sidecar& before, const TXMPMeta<std::string>& after,
-                      const std::vector<Path>& changedPaths, const std::string& label) {
+std::vector<Difference> DifferencesOf(const Sidecar& sidecar, const TXMPMeta<std::string>& after,
+                                      const std::vector<Path>& changedPaths) {
+  std::vector<Difference> differences;
   for (const Path& path : WithArrays(changedPaths)) {
-    const std::string oldValue = Describe(before.MetadataBefore(), path);
-    const std::string newValue = Describe(after, path);
-    if (oldValue != newValue) PrintLine(label + TextOf(path) + ": " + oldValue + " -> " + newValue);
+    Difference difference{TextOf(path), ValueAt(sidecar.MetadataBefore(), path),
+                          ValueAt(after, path)};
+    if (difference.mBefore != difference.mAfter) differences.push_back(std::move(difference));
   }
+  return differences;
 }
 
 }  // namespace
+
+std::string Difference::Describe() const {
+  return mPath + ": " + DescribeValue(mBefore) + " -> " + DescribeValue(mAfter);
+}
 
 void SidecarEdit::AddOptions(CLI::App& command) {
   command.add_flag("--dry-run", mDryRun, "Print old and new values a path; touch nothing");
@@ -94,21 +102,29 @@ void SidecarEdit::AddOptions(CLI::App& command) {
       ->transform(CLI::CheckedTransformer(forms).description(""));
 }
 
-void SidecarEdit::Run(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
-                      const std::string& label, const Change& change) const {
+SidecarChange SidecarEdit::Apply(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
+                                 const Change& change) const {
   const std::string file = FindSidecar(clipOrSidecar, mForm, whenAbsent);
   const DirectoryLock lock(file);
   Sidecar sidecar(file, whenAbsent);
   std::vector<Path> changedPaths;
-  Apply(change, sidecar, changedPaths);
-  const bool changed = sidecar.IsChanged();
-  if (changed && !mForce) sidecar.RefuseReadOnly();
-
+  Make(change, sidecar, changedPaths);
+  SidecarChange result{file, sidecar.IsChanged(), {}, {}};
+  if (result.mIsChanged && !mForce) sidecar.RefuseReadOnly();
   if (!mDryRun) sidecar.Save();
-  if (file == kStandardStream && !mDryRun) return;
-  if (!changed) return PrintLine(label + "unchanged");
-  if (mDryRun) return PrintDifferences(sidecar, sidecar.Metadata(), changedPaths, label);
-  for (const Path& path : changedPaths) PrintLine(label + TextOf(path));
+  for (const Path& path : changedPaths) result.mTouchedPaths.push_back(TextOf(path));
+  if (mDryRun) result.mDifferences = DifferencesOf(sidecar, sidecar.Metadata(), changedPaths);
+  return result;
+}
+
+void SidecarEdit::Run(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
+                      const std::string& label, const Change& change) const {
+  const SidecarChange result = Apply(clipOrSidecar, whenAbsent, change);
+  if (result.mSidecar == kStandardStream && !mDryRun) return;
+  if (!result.mIsChanged) return PrintResult(label, Tone::kFaint, "unchanged");
+  for (const Difference& difference : result.mDifferences) PrintLine(label + difference.Describe());
+  if (mDryRun) return;
+  for (const std::string& path : result.mTouchedPaths) PrintLine(label + path);
 }
 
 }  // namespace zelstory

@@ -1,10 +1,11 @@
 #include "Table.h"
 
 #include <algorithm>
-#include <ostream>
+#include <iostream>
 
 #include <nlohmann/json.hpp>
 
+#include "Console.h"
 #include "TextLayout.h"
 
 namespace zelstory {
@@ -50,7 +51,7 @@ void PrintAligned(const Table& table, std::ostream& output) {
     columns[i].mWidth = std::max(columns[i].mWidth, ColumnsOf(Shown(cell)));
     columns[i].mIsNumber = columns[i].mIsNumber || std::holds_alternative<std::int64_t>(cell);
   };
-  const auto print = [&](const auto& cells) {
+  const auto lineOf = [&](const auto& cells) {
     std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i) {
       const std::string text = Shown(cells[i]);
@@ -58,14 +59,15 @@ void PrintAligned(const Table& table, std::ostream& output) {
       line += (i > 0 ? "  " : "") + (columns[i].mIsNumber ? blanks + text : text + blanks);
     }
     line.resize(line.find_last_not_of(' ') + 1);
-    output << line << '\n';
+    return line;
   };
   for (std::size_t i = 0; i < columns.size(); ++i) measure(i, table.mColumns[i]);
   for (const std::vector<Cell>& row : table.mRows) {
     for (std::size_t i = 0; i < row.size(); ++i) measure(i, row[i]);
   }
-  print(table.mColumns);
-  for (const std::vector<Cell>& row : table.mRows) print(row);
+  const std::string names = lineOf(table.mColumns);
+  output << (&output == &std::cout ? Coloured(Tone::kStrong, names) : names) << '\n';
+  for (const std::vector<Cell>& row : table.mRows) output << lineOf(row) << '\n';
 }
 
 std::string CSVField(const std::string& text) {

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace zelstory {
 
@@ -9,11 +10,19 @@ namespace zelstory {
 class ToolError : public std::runtime_error {
  public:
   // A line that is complete already.
-  explicit ToolError(const std::string& line) : std::runtime_error(line) {}
+  explicit ToolError(const std::string& line) : std::runtime_error(line), mReason(line) {}
 
   // `place` is a file, or FILE:LINE:COLUMN; both texts are UTF-8.
   ToolError(const std::string& place, const std::string& reason)
-      : std::runtime_error(place + ": error: " + reason) {}
+      : std::runtime_error(place + ": error: " + reason), mPlace(place), mReason(reason) {}
+
+  // Both parts, the place empty where the line was complete already.
+  const std::string& Place() const { return mPlace; }
+  const std::string& Reason() const { return mReason; }
+
+ private:
+  std::string mPlace;
+  std::string mReason;
 };
 
 // A command line that asks for what cannot be. Ends the tool with status 2.

@@ -1,10 +1,12 @@
 #include <csignal>
 #include <exception>
+#include <iostream>
 
 #include <CLI/CLI.hpp>
 
 #include <zelstoryparser/Version.h>
 
+#include "Batch.h"
 #include "Command.h"
 #include "Console.h"
 #include "ToolError.h"
@@ -25,6 +27,10 @@ int Run(const ChosenCommand& chosen) {
     return status;
   } catch (const UsageError& error) {
     return WrongUsage(error.what());
+  } catch (const Interrupted& interrupted) {
+    std::cout.flush();
+    PrintError(interrupted.what());
+    std::raise(interrupted.Signal());  // so that a shell stops its loop, too
   } catch (const ToolError& error) {
     PrintError(error.what());
   } catch (const std::exception& error) {
@@ -54,6 +60,7 @@ int main(int argc, char** argv) {
   AddHasCommand(tool, chosen);
   AddXMPCommand(tool, chosen);
   AddShotsCommand(tool, chosen);
+  AddTagCommand(tool, chosen);
   AddListCommands(tool, chosen);
   AddDumpCommand(tool, chosen);
   try {

@@ -1,0 +1,167 @@
+#include "ClipTable.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "CSV.h"
+#include "Console.h"
+#include "FileReplacement.h"
+#include "StoryFile.h"
+#include "ToolError.h"
+
+namespace zelstory {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ReadText(const std::string& table) {
+  if (table == kStandardStream) return ReadWholeStream(std::cin, table);
+  std::optional<std::string> bytes = ReadWholeFile(table);
+  if (!bytes) throw ToolError(table, "No such file or directory");
+  return *std::move(bytes);
+}
+
+std::string LowerCase(std::string text) {
+  for (char& c : text) {
+    if ('A' <= c && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+// Where the columns stand that matter.
+struct Columns {
+  struct Scene {
+    SceneKey mKey;
+    std::size_t mIndex;
+  };
+  std::size_t mClip = 0;
+  std::vector<Scene> mScenes;
+};
+
+Columns FindColumns(const CSVRow& names, const std::string& place) {
+  static const std::map<std::string, SceneKey> kSceneKeys{{"scene", SceneKey::kPosition},
+                                                          {"position", SceneKey::kPosition},
+                                                          {"number", SceneKey::kNumber},
+                                                          {"id", SceneKey::kID}};
+  Columns columns;
+  std::map<std::string, std::size_t> seen;
+  for (std::size_t i = 0; i < names.mCells.size(); ++i) {
+    const std::string name = LowerCase(names.mCells[i]);
+    const auto key = kSceneKeys.find(name);
+    if (name != "clip" && key == kSceneKeys.end()) continue;
+    if (!seen.emplace(name, i).second) throw ToolError(place, "two columns are called " + name);
+    if (key != kSceneKeys.end()) columns.mScenes.push_back({key->second, i});
+  }
+  if (seen.count("clip") == 0 || columns.mScenes.empty()) {
+    throw ToolError(place,
+                    "the first line names the columns: clip, and one or more of scene (the "
+                    "position, from 1), number and id");
+  }
+  columns.mClip = seen["clip"];
+  return columns;
+}
+
+class TableReader {
+ public:
+  TableReader(const std::string& folder, const zelstoryparser::TavroStory& story,
+              const std::string& storyFile, SidecarForm form)
+      : mFolder(folder), mScenes(BodyScenes(story)), mStoryFile(storyFile), mForm(form) {}
+
+  std::vector<ClipRow> Read(const std::vector<CSVRow>& rows, const Columns& columns) {
+    std::vector<ClipRow> clips;
+    for (std::size_t i = 1; i < rows.size(); ++i) clips.push_back(ReadRow(rows[i], columns));
+    RefuseSharedSidecars(clips);
+    return clips;
+  }
+
+ private:
+  ClipRow ReadRow(const CSVRow& cells, const Columns& columns) {
+    ClipRow row;
+    row.mLine = cells.mLine;
+    const auto cell = [&](std::size_t i) {
+      return i < cells.mCells.size() ? cells.mCells[i] : std::string();
+    };
+    row.mClip = cell(columns.mClip);
+    row.mFile = row.mClip.empty() ? "" : (fs::path(mFolder) / row.mClip).string();
+    try {
+      if (row.mClip.empty()) throw ToolError("the row names no clip");
+      FindClip(row);
+      for (const Columns::Scene& column : columns.mScenes) {
+        AddScene(row, column.mKey, cell(column.mIndex));
+      }
+      if (!row.mScene.mScene) throw ToolError("the row names no scene");
+    } catch (const ToolError& error) {
+      row.mFault = error.Reason();
+      row.mScene = {};
+    }
+    return row;
+  }
+
+  void FindClip(const ClipRow& row) const {
+    if (row.mFile == kStandardStream) throw ToolError("a table names clips by their files");
+    const std::string sidecar = FindSidecar(row.mFile, mForm, WhenAbsent::kCreate);
+    const fs::path folder = fs::path(sidecar).parent_path();
+    std::error_code error;
+    if (!folder.empty() && !fs::is_directory(folder, error)) {
+      throw ToolError("there is no folder " + folder.string());
+    }
+    if (fs::is_directory(sidecar, error)) throw ToolError("is a directory");
+  }
+
+  void AddScene(ClipRow& row, SceneKey key, const std::string& text) const {
+    if (text.empty()) return;
+    const SelectedScene scene = FindScene(mScenes, key, text, mStoryFile);
+    if (row.mScene.mScene && row.mScene.mPosition != scene.mPosition) {
+      throw ToolError("the row names two scenes, at the positions " +
+                      std::to_string(row.mScene.mPosition) + " and " +
+                      std::to_string(scene.mPosition));
+    }
+    row.mScene = scene;
+  }
+
+  // Under whatever names the same file is meant.
+  void RefuseSharedSidecars(std::vector<ClipRow>& clips) const {
+    std::map<fs::path, std::vector<ClipRow*>> rowsOfSidecar;
+    for (ClipRow& row : clips) {
+      if (row.mClip.empty() || row.mFile == kStandardStream) continue;
+      std::error_code error;
+      try {
+        const std::string sidecar = FindSidecar(row.mFile, mForm, WhenAbsent::kCreate);
+        rowsOfSidecar[fs::weakly_canonical(fs::absolute(sidecar), error)].push_back(&row);
+      } catch (const ToolError&) {  // told already
+      }
+    }
+    for (const auto& [sidecar, rows] : rowsOfSidecar) {
+      if (rows.size() < 2) continue;
+      std::string lines;
+      for (const ClipRow* row : rows) {
+        lines += (lines.empty() ? "" : ", ") + std::to_string(row->mLine);
+      }
+      for (ClipRow* row : rows) {
+        if (row->mFault.empty()) row->mFault = "several lines mean its sidecar: " + lines;
+      }
+    }
+  }
+
+  const std::string& mFolder;
+  const std::vector<boost::intrusive_ptr<zelstoryparser::Scene>> mScenes;
+  const std::string& mStoryFile;
+  const SidecarForm mForm;
+};
+
+}  // namespace
+
+std::vector<ClipRow> ReadClipTable(const std::string& table, const std::string& folder,
+                                   const zelstoryparser::TavroStory& story,
+                                   const std::string& storyFile, SidecarForm form) {
+  const std::vector<CSVRow> rows = ReadCSV(ReadText(table), table);
+  if (rows.empty()) throw ToolError(table, "is empty; its first line names the columns");
+  const Columns columns = FindColumns(rows[0], table + ':' + std::to_string(rows[0].mLine));
+  return TableReader(folder, story, storyFile, form).Read(rows, columns);
+}
+
+}  // namespace zelstory

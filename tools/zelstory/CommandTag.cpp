@@ -1,0 +1,167 @@
+#include <algorithm>
+#include <filesystem>
+
+#include <zelstoryparser/SceneXMP.h>
+
+#include "Batch.h"
+#include "ClipTable.h"
+#include "Command.h"
+#include "Console.h"
+#include "SidecarEdit.h"
+#include "StoryFile.h"
+#include "ToolError.h"
+
+namespace zelstory {
+namespace {
+
+struct TagOptions {
+  std::string mStory;
+  std::string mTable;
+  std::string mFolder;  // empty: the table's
+  SidecarEdit mEdit;
+  bool mKeepsGoing = false;
+  bool mAsJSON = false;
+};
+
+std::string FolderOf(const TagOptions& options) {
+  if (!options.mFolder.empty() || options.mTable == kStandardStream) return options.mFolder;
+  return std::filesystem::path(options.mTable).parent_path().string();
+}
+
+// Prints what became of each clip.
+class Outcomes {
+ public:
+  explicit Outcomes(const TagOptions& options)
+      : mTable(options.mTable), mIsDryRun(options.mEdit.IsDryRun()), mAsJSON(options.mAsJSON) {}
+
+  void PrintRefused(const ClipRow& row, const std::string& reason) const {
+    if (mAsJSON) return PrintJSONLine(ObjectOf(row, "refused", {{"reason", reason}}));
+    const std::string line = mTable + ':' + std::to_string(row.mLine);
+    PrintResult((row.mClip.empty() ? line : row.mClip) + ": ", Tone::kBad, "refused: " + reason);
+  }
+
+  void PrintDone(const ClipRow& row, const SidecarChange& change) const {
+    const char* const outcome = !change.mIsChanged ? "unchanged"
+                                : mIsDryRun        ? "would be written"
+                                                   : "written";
+    if (mAsJSON) return PrintJSONLine(ObjectOf(row, outcome, DetailsOf(change)));
+    PrintResult(row.mClip + ": ", change.mIsChanged ? Tone::kGood : Tone::kFaint, outcome);
+    for (const Difference& difference : change.mDifferences) {
+      PrintLine("  " + difference.Describe());
+    }
+  }
+
+ private:
+  using JSON = nlohmann::ordered_json;
+
+  static JSON ObjectOf(const ClipRow& row, const char* outcome, const JSON& details) {
+    JSON object{{"clip", row.mClip}, {"line", row.mLine}, {"outcome", outcome}};
+    if (row.mScene.mScene) object["scene"] = row.mScene.mPosition;
+    object.update(details);
+    return object;
+  }
+
+  JSON DetailsOf(const SidecarChange& change) const {
+    JSON details{{"sidecar", change.mSidecar}};
+    if (!change.mIsChanged) return details;
+    if (!mIsDryRun) {
+      details["paths"] = change.mTouchedPaths;
+      return details;
+    }
+    JSON& changes = details["changes"] = JSON::array();
+    for (const Difference& difference : change.mDifferences) {
+      changes.push_back({{"path", difference.mPath},
+                         {"before", difference.mBefore},
+                         {"after", difference.mAfter}});
+    }
+    return details;
+  }
+
+  const std::string& mTable;
+  const bool mIsDryRun;
+  const bool mAsJSON;
+};
+
+std::string ReasonOf(const ToolError& error, const ClipRow& row) {
+  const bool isKnown = error.Place().empty() || error.Place() == row.mFile;
+  return isKnown ? error.Reason() : error.Place() + ": " + error.Reason();
+}
+
+// A table with a fault is mended first: what else it says may be wrong, too.
+int RefuseTable(const TagOptions& options, const std::vector<ClipRow>& rows, std::size_t faults) {
+  const Outcomes outcomes(options);
+  for (const ClipRow& row : rows) {
+    outcomes.PrintRefused(row, row.mFault.empty() ? "other lines have faults" : row.mFault);
+  }
+  PrintError(options.mTable + ": error: " + std::to_string(faults) + " of " +
+             std::to_string(rows.size()) +
+             " rows have faults, so nothing was written (--keep-going writes the others)");
+  return kRefused;
+}
+
+int Tag(const TagOptions& options) {
+  if (options.mStory == kStandardStream && options.mTable == kStandardStream) {
+    throw UsageError("only one of STORY and the table can be standard input");
+  }
+  const auto story = LoadStory(options.mStory);
+  const std::vector<ClipRow> rows = ReadClipTable(options.mTable, FolderOf(options), *story,
+                                                  options.mStory, options.mEdit.Form());
+  const auto faults = static_cast<std::size_t>(std::count_if(
+      rows.begin(), rows.end(), [](const ClipRow& row) { return !row.mFault.empty(); }));
+  if (faults > 0 && !options.mKeepsGoing) return RefuseTable(options, rows, faults);
+
+  const Outcomes outcomes(options);
+  int status = faults > 0 ? kRefused : kDone;
+  Batch batch(rows.size());
+  for (const ClipRow& row : rows) {
+    batch.Next();
+    try {
+      if (!row.mFault.empty()) throw ToolError(row.mFault);
+      outcomes.PrintDone(row,
+                         options.mEdit.Apply(row.mFile, WhenAbsent::kCreate,
+                                             [&](auto& metadata, auto& changedPaths) {
+                                               return zelstoryparser::WriteSceneMetadataIntoXMP(
+                                                   row.mScene.mScene, metadata, changedPaths);
+                                             }));
+    } catch (const ToolError& error) {
+      outcomes.PrintRefused(row, ReasonOf(error, row));
+      status = kRefused;
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+void AddTagCommand(CLI::App& tool, ChosenCommand& chosen) {
+  CLI::App* command =
+      tool.add_subcommand("tag", "Write scenes into the sidecars of many clips, from a table");
+  const auto options = std::make_shared<TagOptions>();
+  command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
+  command
+      ->add_option("--table", options->mTable,
+                   "Which clip shows which scene, as comma-separated values; - is standard input")
+      ->type_name("FILE")
+      ->required();
+  command
+      ->add_option("--clips", options->mFolder,
+                   "The folder that names of clips start from (default: the table's)")
+      ->type_name("DIR");
+  options->mEdit.AddOptions(*command);
+  command->add_flag("--keep-going", options->mKeepsGoing,
+                    "Write the other clips even if rows of the table have faults");
+  command->add_flag("--json", options->mAsJSON, "Print one JSON object a clip, a line each");
+  command->footer(
+      "The table's first line names its columns: clip, and one or more of scene (the position, "
+      "from "
+      "1),\nnumber (sceneNumber) and id (objID); others are ignored. For example:\n"
+      "  clip,scene\n"
+      "  A001_C003.mov,1\n"
+      "  A001_C004.mov,2\n"
+      "All rows are checked before anything is written. Prints CLIP: written, CLIP: unchanged or\n"
+      "CLIP: refused: REASON, a line a clip; a clip that is refused does not stop the others.\n"
+      "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
+  command->callback([options, &chosen] { chosen = [options] { return Tag(*options); }; });
+}
+
+}  // namespace zelstory
