@@ -19,8 +19,8 @@ int Dump(const std::string& file) {
 }  // namespace
 
 void AddDumpCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command = tool.add_subcommand(
-      "dump", "Print a story's versions and dump every scene's packet into the temporary folder");
+  CLI::App* command =
+      tool.add_subcommand("dump", "Print versions; dump every packet into the temporary folder");
   const auto file = std::make_shared<std::string>();
   command->add_option("STORY", *file, "The story file; - is standard input")->required();
   command->footer(

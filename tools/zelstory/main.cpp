@@ -48,7 +48,18 @@ int main(int argc, char** argv) {
   CLI::App tool("Brings screenplays into the XMP metadata of clips.", "zelstory");
   tool.set_version_flag("--version", "zelstory " ZELSTORYPARSER_VERSION);
   tool.require_subcommand(1);
+  tool.get_formatter()->label("SUBCOMMAND", "COMMAND");
   tool.footer(
+      "First steps:\n"
+      "  zelstory check STORY                      is it a story, and if not, where does it go "
+      "wrong?\n"
+      "  zelstory scenes STORY                     which scenes has it?\n"
+      "  zelstory write STORY --scene 2 A001.mov   scene 2 into the sidecar of a clip\n"
+      "  zelstory tag STORY --table clips.csv      the clips of a folder; clips.csv holds, for "
+      "example,\n"
+      "                                              clip,scene\n"
+      "                                              A001.mov,2\n"
+      "\n"
       "zelstory COMMAND --help tells the options of a command.\n"
       "Where a file is named, - is standard input or output. Text is UTF-8.\n"
       "Exit status: 0 done (or yes), 1 refused (or no), 2 wrong usage.");
@@ -63,10 +74,12 @@ int main(int argc, char** argv) {
   AddTagCommand(tool, chosen);
   AddListCommands(tool, chosen);
   AddDumpCommand(tool, chosen);
+  for (CLI::App* command : tool.get_subcommands({})) command->group("Commands");
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return error.get_exit_code() == 0 ? tool.exit(error) : WrongUsage(error.what());
+    if (error.get_exit_code() != 0) return WrongUsage(error.what());
+    return Run([&] { return tool.exit(error); });  // help or version
   }
   return Run(chosen);
 }
