@@ -13,13 +13,13 @@ std::size_t HashOf(NamespaceId space, std::string_view text) {
   return std::hash<std::string_view>()(text) + space;
 }
 
-// The number of the first entry that `isWanted` accepts, looked for among those that `index` has
+// The number of the entry that `isWanted` accepts, looked for among those that `index` has
 // under `hash` once there is an index.
 template <typename Entries, typename Index, typename HashText, typename IsWanted>
 std::optional<std::uint32_t> FindEntry(const Entries& entries, const Index& index,
                                        HashText hashText, IsWanted isWanted) {
   if (index.empty()) {
-    for (std::size_t i = 0; i < entries.size(); ++i) {
+    for (std::size_t i = entries.size(); i-- > 0;) {  // the latest is the most likely
       if (isWanted(entries[i])) return static_cast<std::uint32_t>(i);
     }
     return std::nullopt;

@@ -1,6 +1,8 @@
 #include "NamespaceRegistry.h"
 
+#include <array>
 #include <mutex>
+#include <utility>
 
 #include <xmptoolkit/XMP.h>
 
@@ -30,12 +32,33 @@ void CheckPrefix(std::string_view prefix) {
   }
 }
 
+using Entry = std::pair<std::string_view, std::string_view>;
+
 template <typename Map>
-std::optional<std::string_view> Lookup(const Map& map, std::string_view key) {
+std::optional<Entry> Lookup(const Map& map, std::string_view key) {
   const auto found = map.find(key);
   if (found == map.end()) return std::nullopt;
-  return found->second;
+  return Entry(found->first, found->second);
 }
+
+// What a thread found last. Entries never go, so that it needs neither the lock nor a hash for
+// them.
+class RecentlyFound {
+ public:
+  template <typename Find>
+  std::optional<Entry> Get(std::string_view key, Find find) {
+    for (const Entry& entry : mEntries) {
+      if (entry.first == key && !key.empty()) return entry;
+    }
+    const std::optional<Entry> found = find();
+    if (found) mEntries[mNext++ % mEntries.size()] = *found;
+    return found;
+  }
+
+ private:
+  std::array<Entry, 4> mEntries;
+  std::size_t mNext = 0;
+};
 
 }  // namespace
 
@@ -54,12 +77,12 @@ NamespaceRegistry::NamespaceRegistry() {
 }
 
 std::string NamespaceRegistry::Register(std::string_view uri, std::string_view suggestedPrefix) {
-  CheckURI(uri);
   if (PrefixOf(uri) == suggestedPrefix) return std::string(suggestedPrefix);
+  CheckURI(uri);
   CheckPrefix(suggestedPrefix);
 
   const std::unique_lock lock(mMutex);
-  if (const auto known = Lookup(mPrefixByURI, uri)) return std::string(*known);
+  if (const auto known = Lookup(mPrefixByURI, uri)) return std::string(known->second);
   std::string prefix(suggestedPrefix);
   for (int number = 1; mURIByPrefix.contains(prefix); ++number) {
     prefix = std::string(suggestedPrefix) + std::to_string(number);
@@ -75,20 +98,30 @@ std::string NamespaceRegistry::Register(std::string_view uri, std::string_view s
 }
 
 std::optional<std::string_view> NamespaceRegistry::PrefixOf(std::string_view uri) const {
-  const std::shared_lock lock(mMutex);
-  return Lookup(mPrefixByURI, uri);
-}
-
-std::optional<std::string_view> NamespaceRegistry::URIOf(std::string_view prefix) const {
-  const std::shared_lock lock(mMutex);
-  return Lookup(mURIByPrefix, prefix);
+  const auto found = FindURI(uri);
+  return found ? std::optional(found->second) : std::nullopt;
 }
 
 std::optional<std::string_view> NamespaceRegistry::Find(std::string_view uri) const {
-  const std::shared_lock lock(mMutex);
-  const auto found = mPrefixByURI.find(uri);
-  if (found == mPrefixByURI.end()) return std::nullopt;
-  return found->first;
+  const auto found = FindURI(uri);
+  return found ? std::optional(found->first) : std::nullopt;
+}
+
+std::optional<NamespaceRegistry::Entry> NamespaceRegistry::FindURI(std::string_view uri) const {
+  thread_local RecentlyFound recent;
+  return recent.Get(uri, [&] {
+    const std::shared_lock lock(mMutex);
+    return Lookup(mPrefixByURI, uri);
+  });
+}
+
+std::optional<std::string_view> NamespaceRegistry::URIOf(std::string_view prefix) const {
+  thread_local RecentlyFound recent;
+  const auto found = recent.Get(prefix, [&] {
+    const std::shared_lock lock(mMutex);
+    return Lookup(mURIByPrefix, prefix);
+  });
+  return found ? std::optional(found->second) : std::nullopt;
 }
 
 }  // namespace xmptoolkit

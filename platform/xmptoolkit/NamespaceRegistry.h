@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace xmptoolkit {
 
@@ -30,7 +31,11 @@ class NamespaceRegistry {
   };
   using Texts = std::unordered_map<std::string, std::string, Hash, std::equal_to<>>;
 
+  using Entry = std::pair<std::string_view, std::string_view>;  // URI and prefix
+
   NamespaceRegistry();
+
+  std::optional<Entry> FindURI(std::string_view uri) const;
 
   mutable std::shared_mutex mMutex;
   Texts mPrefixByURI;

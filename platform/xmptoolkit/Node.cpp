@@ -73,7 +73,7 @@ std::size_t NodeList::Find(NameId name) const {
   return npos;
 }
 
-void NodeList::Append(Node node) {
+void NodeList::Append(Node&& node) {
   const NameId name = node.Name();
   mNodes.push_back(std::move(node));
   if (name == kItemName) return;
@@ -89,7 +89,7 @@ void NodeList::Append(Node node) {
   }
 }
 
-void NodeList::InsertFirst(Node node) {
+void NodeList::InsertFirst(Node&& node) {
   mIndex.reset();
   mNodes.insert(mNodes.begin(), std::move(node));
   if (mNodes.size() > kSearchedLinearly) BuildIndex();
@@ -138,7 +138,7 @@ const Node* Node::FindQualifier(NameId name) const {
   return position == NodeList::npos ? nullptr : &qualifiers[position];
 }
 
-void Node::AddQualifier(Node qualifier) {
+void Node::AddQualifier(Node&& qualifier) {
   if (qualifier.Name() == kLangName) {
     Rare().mQualifiers.InsertFirst(std::move(qualifier));
   } else {

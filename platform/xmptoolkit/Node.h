@@ -43,8 +43,8 @@ class NodeList {
   std::size_t Find(NameId name) const;
   static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 
-  void Append(Node node);
-  void InsertFirst(Node node);
+  void Append(Node&& node);
+  void InsertFirst(Node&& node);
   void Remove(std::size_t position);
 
  private:
@@ -100,7 +100,7 @@ class Node {
   const NodeList& Qualifiers() const;
   NodeList& MutableQualifiers() { return Rare().mQualifiers; }
   const Node* FindQualifier(NameId name) const;
-  void AddQualifier(Node qualifier);
+  void AddQualifier(Node&& qualifier);
 
   // Remarks in front of this node, and behind its last child.
   const Remarks& RemarksBefore() const;

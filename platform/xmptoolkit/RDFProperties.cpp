@@ -207,9 +207,9 @@ void RDFHandler::FinishResource(OpenProperty& property, Remarks remarks) {
   if (const Node* lang = value.FindQualifier(kLangName)) {
     HandLangToFields(node);
     node.AddForm(Node::kLangAtValue);
-    node.AddQualifier(*lang);
+    node.AddQualifier(Node(*lang));
   }
-  if (const Node* datatype = value.FindQualifier(kDatatypeName)) node.AddQualifier(*datatype);
+  if (const Node* datatype = value.FindQualifier(kDatatypeName)) node.AddQualifier(Node(*datatype));
   NodeList qualifiers = std::exchange(node.Children(), std::move(value.Children()));
   for (std::size_t i = 0; i < qualifiers.Size(); ++i) node.AddQualifier(std::move(qualifiers[i]));
   node.AddForm(value.Form() | Node::kWrittenWithValue);
@@ -228,7 +228,7 @@ void RDFHandler::HandLangToFields(Node& node) {
   node.RemoveQualifier(node.Qualifiers().Find(kLangName));
   for (std::size_t i = 0; i < node.Children().Size(); ++i) {
     Node& field = node.Children()[i];
-    if (!field.IsURI() && field.FindQualifier(kLangName) == nullptr) field.AddQualifier(lang);
+    if (!field.IsURI() && field.FindQualifier(kLangName) == nullptr) field.AddQualifier(Node(lang));
   }
 }
 

@@ -58,7 +58,11 @@ std::string_view ContainerName(const Node& array) {
 class Writer {
  public:
   Writer(const Document& document, const Layout& layout, std::string xml)
-      : mDocument(document), mLayout(layout), mPrefixes(document), mXML(std::move(xml)) {}
+      : mDocument(document),
+        mLayout(layout),
+        mPrefixes(document),
+        mIndentation(layout.mBaseIndent),
+        mXML(std::move(xml)) {}
 
   std::string Write();
 
@@ -99,6 +103,7 @@ class Writer {
   const Layout& mLayout;
   const PrefixTable mPrefixes;
   std::vector<std::string> mWrittenNames;  // with their prefixes, by number; empty until needed
+  std::string mIndentation;                // of the deepest line so far
   std::string mXML;
 };
 
@@ -327,8 +332,10 @@ void Writer::WriteAttribute(std::string_view name, std::string_view value) {
 }
 
 void Writer::BeginLine(int level) {
-  mXML += mLayout.mBaseIndent;
-  for (int i = 0; i < level; ++i) mXML += mLayout.mIndent;
+  const std::size_t size =
+      mLayout.mBaseIndent.size() + static_cast<std::size_t>(level) * mLayout.mIndent.size();
+  while (mIndentation.size() < size) mIndentation += mLayout.mIndent;
+  mXML.append(mIndentation, 0, size);
 }
 
 void Writer::WriteLine(int level, std::string_view markup) {
