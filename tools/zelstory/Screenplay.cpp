@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Console.h"
+#include "SceneFacts.h"
 #include "TextLayout.h"
 
 namespace zelstory {
@@ -45,14 +46,6 @@ const Layout& LayoutOf(std::int32_t kind) {
     if (layout.mKind == kind) return layout;
   }
   return kAnyOther;
-}
-
-std::string TextOf(const Paragraph& paragraph) {
-  UTF16String text;
-  for (const boost::intrusive_ptr<TextRun>& run : paragraph.mTextRuns) {
-    if (run) text += run->mText;
-  }
-  return ToUTF8(text);
 }
 
 std::string Spaces(std::size_t count) {

@@ -1,0 +1,126 @@
+#include "SceneFacts.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <sstream>
+
+#include <xmptoolkit/XMP.h>
+#include <zelmetadata/Path.h>
+#include <zelstoryparser/SceneXMP.h>
+
+#include "Console.h"
+#include "StoryFile.h"
+
+namespace zelstory {
+namespace {
+
+using zelstoryparser::Paragraph;
+using zelstoryparser::Scene;
+
+constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
+constexpr const char* kMedia = zelmetadata::kDynamicMediaSchemaURI;
+
+std::string Value(const TXMPMeta<std::string>& xmp, const char* schema, const std::string& path) {
+  std::string value;
+  xmp.GetProperty(schema, path.c_str(), &value, nullptr);
+  return value;
+}
+
+// A packet is only made of a scene that says something and whose first paragraph has an identifier.
+boost::intrusive_ptr<Scene> WithPacket(const Scene& scene) {
+  boost::intrusive_ptr<Scene> copy(new Scene(scene));
+  boost::intrusive_ptr<Paragraph> action(new Paragraph);
+  action->mObjectID = zelstoryparser::ObjectID(u"any");
+  action->mElementType = zelstoryparser::kAction;
+  action->mTextRuns.emplace_back(new zelstoryparser::TextRun)->mText = u"any";
+  copy->mParagraphs.insert(copy->mParagraphs.begin(), action);
+  return copy;
+}
+
+// The name without what stands in brackets behind it: "(O.S.)", "(V.O.) (CONT'D)".
+std::string PersonOf(std::string name) {
+  const auto trim = [&name] { name.resize(name.find_last_not_of(" \t\r\n") + 1); };
+  for (trim(); name.ends_with(')'); trim()) {
+    const std::size_t open = name.rfind('(');
+    if (open == std::string::npos || open == 0) break;
+    name.resize(open);
+  }
+  return name;
+}
+
+SceneFacts FactsOf(const Scene& scene, std::size_t position) {
+  std::vector<zelstoryparser::ShotXMP> shots;
+  zelstoryparser::GetSceneXMP(nullptr, WithPacket(scene), 1, shots);
+  const std::string& packet = shots.at(0).mXMPPacket;
+  const TXMPMeta<std::string> xmp(packet.data(), static_cast<XMP_StringLen>(packet.size()));
+  SceneFacts facts;
+  facts.mPosition = position;
+  facts.mNumber = ToUTF8(scene.mSceneNumber);
+  facts.mSetting = Value(xmp, kScript, "sceneSetting");
+  facts.mLocation = Value(xmp, kMedia, "shotLocation");
+  facts.mTimeOfDay = Value(xmp, kScript, "sceneTimeOfDay");
+  const std::string seconds = Value(xmp, kMedia, "duration/xmpDM:value");
+  if (!seconds.empty()) facts.mSeconds = std::stoll(seconds);
+  const XMP_Index count = xmp.CountArrayItems(kScript, "dialogSequence");
+  for (XMP_Index i = 1; i <= count; ++i) {
+    const std::string item = "dialogSequence[" + std::to_string(i) + "]/xmpScript:";
+    facts.mSpeeches.push_back({PersonOf(Value(xmp, kScript, item + "character")),
+                               CountWords(Value(xmp, kScript, item + "dialog"))});
+  }
+  for (const auto& paragraph : scene.mParagraphs) facts.mWords += CountWords(TextOf(*paragraph));
+  return facts;
+}
+
+}  // namespace
+
+std::string TextOf(const Paragraph& paragraph) {
+  std::string text;
+  for (const auto& run : paragraph.mTextRuns) {
+    if (run) text += ToUTF8(run->mText);
+  }
+  return text;
+}
+
+std::int64_t CountWords(const std::string& text) {
+  std::istringstream words(text);
+  std::int64_t count = 0;
+  for (std::string word; words >> word;) ++count;
+  return count;
+}
+
+std::string DescribeDuration(std::int64_t seconds) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%s%lld:%02lld:%02lld", seconds < 0 ? "-" : "",
+                std::llabs(seconds / 3600), std::llabs(seconds / 60 % 60),
+                std::llabs(seconds % 60));
+  return text;
+}
+
+std::vector<SceneFacts> ReadSceneFacts(const zelstoryparser::TavroStory& story) {
+  std::vector<SceneFacts> facts;
+  for (const auto& scene : BodyScenes(story)) facts.push_back(FactsOf(*scene, facts.size() + 1));
+  return facts;
+}
+
+std::vector<PersonFacts> ReadPersonFacts(const std::vector<SceneFacts>& scenes) {
+  std::map<std::string, std::size_t> positions;
+  std::vector<PersonFacts> people;
+  for (const SceneFacts& scene : scenes) {
+    for (const Speech& speech : scene.mSpeeches) {
+      const auto [known, isNew] = positions.try_emplace(speech.mPerson, people.size());
+      if (isNew) people.push_back({speech.mPerson, 0, 0, {}});
+      PersonFacts& person = people[known->second];
+      ++person.mSpeeches;
+      person.mWords += speech.mWords;
+      if (person.mScenes.empty() || person.mScenes.back().mPosition != scene.mPosition) {
+        person.mScenes.push_back({scene.mPosition, 0, 0});
+      }
+      ++person.mScenes.back().mSpeeches;
+      person.mScenes.back().mWords += speech.mWords;
+    }
+  }
+  return people;
+}
+
+}  // namespace zelstory
