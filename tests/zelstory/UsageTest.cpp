@@ -43,7 +43,8 @@ TEST_F(UsageTest, WrongUsageIsOneLineAndStatus2) {
 }
 
 TEST_F(UsageTest, HelpAndVersionAreResults) {
-  for (const char* command : {"check", "show", "write", "clear", "has", "shots", "tag", "dump"}) {
+  for (const char* command :
+       {"check", "show", "write", "clear", "has", "shots", "tag", "report", "dump"}) {
     const Outcome outcome = Tool({command, "--help"});
     EXPECT_EQ(outcome.mStatus, 0);
     EXPECT_THAT(outcome.mOutput, HasSubstr("Exit status:")) << command;

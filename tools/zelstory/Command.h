@@ -25,6 +25,7 @@ void AddClearCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddHasCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddXMPCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddShotsCommand(CLI::App& tool, ChosenCommand& chosen);
+void AddReportCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddTagCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddDumpCommand(CLI::App& tool, ChosenCommand& chosen);
 void AddListCommands(CLI::App& tool, ChosenCommand& chosen);  // scenes, characters, stats

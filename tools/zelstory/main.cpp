@@ -73,6 +73,7 @@ int main(int argc, char** argv) {
   AddShotsCommand(tool, chosen);
   AddTagCommand(tool, chosen);
   AddListCommands(tool, chosen);
+  AddReportCommand(tool, chosen);
   AddDumpCommand(tool, chosen);
   for (CLI::App* command : tool.get_subcommands({})) command->group("Commands");
   try {

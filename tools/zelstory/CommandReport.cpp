@@ -1,0 +1,48 @@
+#include <filesystem>
+#include <iostream>
+
+#include "Command.h"
+#include "Console.h"
+#include "FileReplacement.h"
+#include "ReportPage.h"
+#include "StoryFile.h"
+
+namespace zelstory {
+namespace {
+
+struct ReportOptions {
+  std::string mStory;
+  std::string mPage;
+};
+
+int Report(const ReportOptions& options) {
+  const std::string name = options.mStory == kStandardStream
+                               ? "Screenplay"
+                               : std::filesystem::path(options.mStory).filename().string();
+  const std::string page = MakeReportPage(*LoadStory(options.mStory), name);
+  if (options.mPage == kStandardStream) {
+    std::cout << page;
+  } else {
+    ReplaceFile(options.mPage, page);
+  }
+  return kDone;
+}
+
+}  // namespace
+
+void AddReportCommand(CLI::App& tool, ChosenCommand& chosen) {
+  CLI::App* command = tool.add_subcommand("report", "Make a page to read and print, with charts");
+  const auto options = std::make_shared<ReportOptions>();
+  command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
+  command->add_option("--html", options->mPage, "The page to write; - is standard output")
+      ->type_name("FILE")
+      ->required();
+  command->footer(
+      "The page stands alone: the scenes as a table, charts of who speaks in which scene and of "
+      "the\n"
+      "scenes' lengths, and the screenplay. Any browser shows it, on a phone and in print, too.\n"
+      "Exit status: 0 done, 1 refused (FILE is as it was), 2 wrong usage.");
+  command->callback([options, &chosen] { chosen = [options] { return Report(*options); }; });
+}
+
+}  // namespace zelstory

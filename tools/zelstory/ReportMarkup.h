@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include <pugixml.hpp>
+
+namespace zelstory {
+
+// A text as markup can hold it: control characters, which no page may carry, become U+FFFD. What
+// would be markup is escaped when the page is written.
+std::string MarkupText(const std::string& text);
+
+// Adds an element with an optional class and text, and returns it.
+pugi::xml_node AddElement(pugi::xml_node parent, const char* name, const char* className = "",
+                          const std::string& text = "");
+
+void SetAttribute(pugi::xml_node element, const char* name, const std::string& value);
+
+// "scene-12", where the screenplay has the scene; and a link to it. Positions count from 1.
+std::string SceneAnchor(std::size_t position);
+pugi::xml_node AddSceneLink(pugi::xml_node parent, std::size_t position,
+                            const std::string& text = "");
+
+}  // namespace zelstory
