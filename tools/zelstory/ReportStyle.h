@@ -69,6 +69,7 @@ svg a:hover rect, svg a:focus rect { stroke: var(--ink); stroke-width: 1.5; }
   body { max-width: none; padding: 0; font-size: 10pt; print-color-adjust: exact; }
   nav { display: none; } a { text-decoration: none; } .wide { overflow: visible; }
   svg { max-width: 100%; height: auto; } thead { display: table-header-group; } tr { break-inside: avoid; }
+  h2, .note { break-after: avoid; } #speakers, #lengths { break-inside: avoid; }
   #screenplay { break-before: page; } #page { font-size: 11pt; }
   #page h3, #page .character, #page .parenthetical { break-after: avoid; }
   #page p { orphans: 2; widows: 2; }
