@@ -3,15 +3,53 @@ include(CMakePackageConfigHelpers)
 
 set(ZELSTORY_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/zelstoryparser)
 
+# Components: libraries (what programs need to run), development, tool. The shared and the static
+# libraries are the same targets to those who find the package, so each form has a file of its own.
+if(BUILD_SHARED_LIBS)
+  set(ZELSTORY_FORM Shared)
+else()
+  set(ZELSTORY_FORM Static)
+endif()
 install(
   TARGETS zelstoryparser zelplatform
-  EXPORT zelstoryparserTargets
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  EXPORT zelstoryparser${ZELSTORY_FORM}Targets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT libraries
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT libraries NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+set(ZELSTORY_FORMS ${ZELSTORY_FORM})
+if(TARGET zelstoryparser_static)
+  install(
+    TARGETS zelstoryparser_static zelplatform_static
+    EXPORT zelstoryparserStaticTargets
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+  list(APPEND ZELSTORY_FORMS Static)
+endif()
+foreach(form IN LISTS ZELSTORY_FORMS)
+  install(
+    EXPORT zelstoryparser${form}Targets
+    NAMESPACE zelstoryparser::
+    DESTINATION ${ZELSTORY_PACKAGE_DIR}
+    COMPONENT development)
+endforeach()
+
+# An installed copy runs where it stands, and may be moved; in /usr the system finds its libraries.
+if(BUILD_SHARED_LIBS AND UNIX AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  if(APPLE)
+    set(origin "@loader_path")
+  else()
+    set(origin "\$ORIGIN")
+  endif()
+  set_target_properties(zelstoryparser PROPERTIES INSTALL_RPATH "${origin}")
+  if(ZELSTORY_TOOL)
+    file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    set_target_properties(zelstory PROPERTIES INSTALL_RPATH "${origin}/${libraries}")
+  endif()
+endif()
+
 install(
   DIRECTORY include/zelstoryparser ${PROJECT_BINARY_DIR}/include/zelstoryparser
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  COMPONENT development
   FILES_MATCHING
   PATTERN "*.h")
 # The platform's public headers; those that are missing here are its own affair.
@@ -31,9 +69,9 @@ foreach(
   xmptoolkit/XMP.h
   xmptoolkit/XMPTree.h)
   get_filename_component(folder ${header} DIRECTORY)
-  install(FILES platform/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
+  install(FILES platform/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder}
+          COMPONENT development)
 endforeach()
-install(EXPORT zelstoryparserTargets NAMESPACE zelstoryparser:: DESTINATION ${ZELSTORY_PACKAGE_DIR})
 
 configure_package_config_file(
   cmake/zelstoryparserConfig.cmake.in ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
@@ -42,9 +80,10 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/zelstoryparserConfigVersi
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
               ${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
-        DESTINATION ${ZELSTORY_PACKAGE_DIR})
+        DESTINATION ${ZELSTORY_PACKAGE_DIR} COMPONENT development)
 
-# For pkg-config. Static libraries carry their own dependencies on.
+# For pkg-config. What the static libraries need stands in the fields that --static asks for; where
+# there are no others, it is always needed.
 foreach(folder LIBDIR INCLUDEDIR)
   if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
     set(ZELSTORY_PC_${folder} "${CMAKE_INSTALL_${folder}}")
@@ -58,18 +97,19 @@ else() # found from where the file stands, so that an installed copy may be move
   file(RELATIVE_PATH up "/p/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /p)
   set(ZELSTORY_PC_PREFIX "\${pcfiledir}/${up}")
 endif()
-if(NOT BUILD_SHARED_LIBS)
-  set(ZELSTORY_PC_DEPENDENCIES "Requires: libxml-2.0")
-  set(ZELSTORY_PC_LIBS "-lpthread")
-  set(ZELSTORY_PC_CFLAGS "-DZELSTORYPARSER_STATIC -DZELPLATFORM_STATIC")
-  if(ZELSTORY_MIMALLOC)
-    string(APPEND ZELSTORY_PC_LIBS " -lmimalloc")
-  endif()
+if(BUILD_SHARED_LIBS)
+  set(private _PRIVATE)
+  set(ZELSTORY_PC_WHEN_STATIC .private)
+endif()
+set(ZELSTORY_PC_CFLAGS${private} "-DZELSTORYPARSER_STATIC -DZELPLATFORM_STATIC")
+set(ZELSTORY_PC_LIBS${private} "-lpthread")
+if(ZELSTORY_MIMALLOC)
+  string(APPEND ZELSTORY_PC_LIBS${private} " -lmimalloc")
 endif()
 configure_file(cmake/zelstoryparser.pc.in ${PROJECT_BINARY_DIR}/zelstoryparser.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zelstoryparser.pc
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 if(ZELSTORY_TOOL)
-  install(TARGETS zelstory RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS zelstory RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
 endif()

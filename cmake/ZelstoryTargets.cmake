@@ -47,7 +47,8 @@ function(zelstory_options target)
   endif()
 endfunction()
 
-# A library of ours: exports only what is marked. `prefix` begins its macros.
+# A library of ours: exports only what is marked. `prefix` begins its macros; STATIC behind it makes
+# it static also where the others are shared.
 function(zelstory_library target prefix)
   zelstory_options(${target})
   set_target_properties(
@@ -58,8 +59,20 @@ function(zelstory_library target prefix)
                VERSION ${PROJECT_VERSION}
                SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
   target_compile_definitions(${target} PRIVATE ${prefix}_BUILDING)
-  if(NOT BUILD_SHARED_LIBS)
+  if(NOT BUILD_SHARED_LIBS OR "STATIC" IN_LIST ARGN)
     target_compile_definitions(${target} PUBLIC ${prefix}_STATIC)
+  endif()
+endfunction()
+
+# The static library that is installed beside a shared one, in one name with it. Compiled by itself:
+# what goes into an archive may not be marked as exported, or every program and plug-in that takes it
+# in would export it again.
+function(zelstory_static_twin target prefix)
+  add_library(${target}_static STATIC ${ARGN})
+  zelstory_library(${target}_static ${prefix} STATIC)
+  set_target_properties(${target}_static PROPERTIES EXPORT_NAME ${target})
+  if(NOT WIN32) # where the import library has that name
+    set_target_properties(${target}_static PROPERTIES OUTPUT_NAME ${target})
   endif()
 endfunction()
 
