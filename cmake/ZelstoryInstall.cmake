@@ -2,6 +2,8 @@
 include(CMakePackageConfigHelpers)
 
 set(ZELSTORY_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/zelstoryparser)
+set(ZELSTORY_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    CACHE STRING "Where zsh looks for completions")
 
 # Components: libraries (what programs need to run), development, tool. The shared and the static
 # libraries are the same targets to those who find the package, so each form has a file of its own.
@@ -110,6 +112,25 @@ configure_file(cmake/zelstoryparser.pc.in ${PROJECT_BINARY_DIR}/zelstoryparser.p
 install(FILES ${PROJECT_BINARY_DIR}/zelstoryparser.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-if(ZELSTORY_TOOL)
-  install(TARGETS zelstory RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+if(NOT ZELSTORY_TOOL)
+  return()
 endif()
+install(TARGETS zelstory RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
+set(manual ${PROJECT_SOURCE_DIR}/tools/zelstory/zelstory.1)
+find_program(ZELSTORY_GZIP gzip)
+if(ZELSTORY_GZIP) # as manuals lie in their folder
+  add_custom_command(
+    OUTPUT ${PROJECT_BINARY_DIR}/zelstory.1.gz
+    COMMAND ${ZELSTORY_GZIP} -9nc ${manual} > ${PROJECT_BINARY_DIR}/zelstory.1.gz
+    DEPENDS ${manual}
+    VERBATIM)
+  add_custom_target(zelstory_manual ALL DEPENDS ${PROJECT_BINARY_DIR}/zelstory.1.gz)
+  set(manual ${PROJECT_BINARY_DIR}/zelstory.1.gz)
+endif()
+install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
+set(completions tools/zelstory/completions)
+install(FILES ${completions}/zelstory.bash RENAME zelstory COMPONENT tool
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES ${completions}/_zelstory DESTINATION ${ZELSTORY_ZSH_DIR} COMPONENT tool)
+install(FILES ${completions}/zelstory.fish COMPONENT tool
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)

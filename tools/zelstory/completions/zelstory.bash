@@ -1,0 +1,63 @@
+# Completion of zelstory for bash. What it offers is checked against zelstory COMMAND --help.
+
+_zelstory_files() { # PATTERN WORD: files like that and folders; all files where there are none
+  compopt -o filenames 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -f -X "!$1" -- "$2"; compgen -d -- "$2")
+  [ ${#COMPREPLY[@]} -gt 0 ] || mapfile -t COMPREPLY < <(compgen -f -- "$2")
+}
+
+_zelstory_clips() { # WORD: any file; which are clips is the tool's own table
+  compopt -o filenames 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -f -- "$1")
+}
+
+_zelstory() {
+  local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local command=${COMP_WORDS[1]} options="" i positionals=0
+  COMPREPLY=()
+  if [ "$COMP_CWORD" -eq 1 ]; then
+    options="check show write tag clear has xmp shots scenes characters stats dump"
+    [[ $word != -* ]] || options="--help --version"
+    mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
+    return
+  fi
+
+  case $previous in
+    --sidecar-name) mapfile -t COMPREPLY < <(compgen -W "full stem" -- "$word"); return ;;
+    --table) _zelstory_files "*.csv" "$word"; return ;;
+    --out | --clips) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$word"); return ;;
+    --scene | --number | --id) return ;;
+  esac
+  if [[ $word == -* ]]; then
+    case $command in
+      check | xmp) options="--json" ;;
+      show) options="--scene --number --id --comments --json" ;;
+      write) options="--scene --number --id --dry-run --force --sidecar-name" ;;
+      tag) options="--table --clips --keep-going --dry-run --force --sidecar-name --json" ;;
+      clear) options="--dry-run --force --sidecar-name" ;;
+      shots) options="--out" ;;
+      scenes | characters | stats) options="--csv --json" ;;
+    esac
+    mapfile -t COMPREPLY < <(compgen -W "$options --help" -- "$word")
+    return
+  fi
+
+  for ((i = 2; i < COMP_CWORD; ++i)); do
+    case ${COMP_WORDS[i]} in
+      --sidecar-name | --table | --clips | --out | --scene | --number | --id) ((++i)) ;;
+      -?*) ;;
+      *) ((++positionals)) ;;
+    esac
+  done
+  case $command in
+    check | shots) _zelstory_files "*.quor" "$word" ;;
+    clear | has) _zelstory_clips "$word" ;;
+    xmp) [ $positionals -ne 0 ] || _zelstory_clips "$word" ;;
+    write | tag | show | scenes | characters | stats | dump)
+      [ $positionals -ne 0 ] || _zelstory_files "*.quor" "$word"
+      [ "$command/$positionals" != write/1 ] || _zelstory_clips "$word"
+      ;;
+  esac
+}
+
+complete -F _zelstory zelstory

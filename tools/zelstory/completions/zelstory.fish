@@ -1,0 +1,43 @@
+# Completion of zelstory for fish. What it offers is checked against zelstory COMMAND --help.
+
+function __zelstory_command -d 'Whether the command line has one of these commands'
+    set -l words (commandline -opc)
+    test (count $words) -ge 2; and contains -- $words[2] $argv
+end
+
+function __zelstory_no_command
+    test (count (commandline -opc)) -eq 1
+end
+
+complete -c zelstory -f
+complete -c zelstory -s h -l help -d 'Tell the usage'
+complete -c zelstory -n __zelstory_no_command -l version -d 'Tell the version'
+complete -c zelstory -n __zelstory_no_command -a check -d 'Test whether files are stories'
+complete -c zelstory -n __zelstory_no_command -a show -d 'Print a story as a screenplay, or as JSON'
+complete -c zelstory -n __zelstory_no_command -a write -d 'Write a scene into the sidecar of a clip'
+complete -c zelstory -n __zelstory_no_command -a tag -d 'Write scenes into the sidecars of many clips'
+complete -c zelstory -n __zelstory_no_command -a clear -d 'Remove a scene from sidecars'
+complete -c zelstory -n __zelstory_no_command -a has -d 'Tell whether sidecars hold a scene'
+complete -c zelstory -n __zelstory_no_command -a xmp -d 'Print the metadata of a sidecar'
+complete -c zelstory -n __zelstory_no_command -a shots -d 'Write a packet for every scene'
+complete -c zelstory -n __zelstory_no_command -a scenes -d 'List the scenes'
+complete -c zelstory -n __zelstory_no_command -a characters -d 'List who speaks'
+complete -c zelstory -n __zelstory_no_command -a stats -d 'Count scenes, paragraphs and words'
+complete -c zelstory -n __zelstory_no_command -a dump -d 'Dump packets into the temporary folder'
+
+complete -c zelstory -n '__zelstory_command check show tag xmp scenes characters stats' -l json -d 'Print JSON'
+complete -c zelstory -n '__zelstory_command scenes characters stats' -l csv -d 'Print comma-separated values'
+complete -c zelstory -n '__zelstory_command show' -l comments -d 'Print the comment streams, too'
+complete -c zelstory -n '__zelstory_command show write' -x -l scene -d 'Choose a scene by its position'
+complete -c zelstory -n '__zelstory_command show write' -x -l number -d 'Choose a scene by its number'
+complete -c zelstory -n '__zelstory_command show write' -x -l id -d 'Choose a scene by its identifier'
+complete -c zelstory -n '__zelstory_command write tag clear' -l dry-run -d 'Show what would change'
+complete -c zelstory -n '__zelstory_command write tag clear' -l force -d 'Change read-only packets, too'
+complete -c zelstory -n '__zelstory_command write tag clear' -x -l sidecar-name -a 'full stem' -d 'Name a new sidecar'
+complete -c zelstory -n '__zelstory_command tag' -r -l table -k -a '(__fish_complete_suffix .csv)' -d 'Which clip shows which scene'
+complete -c zelstory -n '__zelstory_command tag' -x -l clips -a '(__fish_complete_directories)' -d 'Folder of the clips'
+complete -c zelstory -n '__zelstory_command tag' -l keep-going -d 'Write the others when rows have faults'
+complete -c zelstory -n '__zelstory_command shots' -x -l out -a '(__fish_complete_directories)' -d 'Folder for the packets'
+
+complete -c zelstory -n '__zelstory_command check show write tag shots scenes characters stats dump' -a '(__fish_complete_suffix .quor)'
+complete -c zelstory -n '__zelstory_command write clear has xmp' -F
