@@ -16,7 +16,7 @@ _zelstory() {
   local command=${COMP_WORDS[1]} options="" i positionals=0
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
-    options="check show write tag clear has xmp shots scenes characters stats dump"
+    options="check show write tag clear has xmp shots scenes characters stats report dump"
     [[ $word != -* ]] || options="--help --version"
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
     return
@@ -25,6 +25,7 @@ _zelstory() {
   case $previous in
     --sidecar-name) mapfile -t COMPREPLY < <(compgen -W "full stem" -- "$word"); return ;;
     --table) _zelstory_files "*.csv" "$word"; return ;;
+    --html) _zelstory_files "*.html" "$word"; return ;;
     --out | --clips) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$word"); return ;;
     --scene | --number | --id) return ;;
   esac
@@ -35,6 +36,7 @@ _zelstory() {
       write) options="--scene --number --id --dry-run --force --sidecar-name" ;;
       tag) options="--table --clips --keep-going --dry-run --force --sidecar-name --json" ;;
       clear) options="--dry-run --force --sidecar-name" ;;
+      report) options="--html" ;;
       shots) options="--out" ;;
       scenes | characters | stats) options="--csv --json" ;;
     esac
@@ -44,7 +46,7 @@ _zelstory() {
 
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
-      --sidecar-name | --table | --clips | --out | --scene | --number | --id) ((++i)) ;;
+      --sidecar-name | --table | --clips | --out | --html | --scene | --number | --id) ((++i)) ;;
       -?*) ;;
       *) ((++positionals)) ;;
     esac
@@ -53,7 +55,7 @@ _zelstory() {
     check | shots) _zelstory_files "*.quor" "$word" ;;
     clear | has) _zelstory_clips "$word" ;;
     xmp) [ $positionals -ne 0 ] || _zelstory_clips "$word" ;;
-    write | tag | show | scenes | characters | stats | dump)
+    write | tag | show | scenes | characters | stats | report | dump)
       [ $positionals -ne 0 ] || _zelstory_files "*.quor" "$word"
       [ "$command/$positionals" != write/1 ] || _zelstory_clips "$word"
       ;;

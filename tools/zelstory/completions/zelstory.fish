@@ -23,6 +23,7 @@ complete -c zelstory -n __zelstory_no_command -a shots -d 'Write a packet for ev
 complete -c zelstory -n __zelstory_no_command -a scenes -d 'List the scenes'
 complete -c zelstory -n __zelstory_no_command -a characters -d 'List who speaks'
 complete -c zelstory -n __zelstory_no_command -a stats -d 'Count scenes, paragraphs and words'
+complete -c zelstory -n __zelstory_no_command -a report -d 'Write one page about a story'
 complete -c zelstory -n __zelstory_no_command -a dump -d 'Dump packets into the temporary folder'
 
 complete -c zelstory -n '__zelstory_command check show tag xmp scenes characters stats' -l json -d 'Print JSON'
@@ -37,7 +38,8 @@ complete -c zelstory -n '__zelstory_command write tag clear' -x -l sidecar-name 
 complete -c zelstory -n '__zelstory_command tag' -r -l table -k -a '(__fish_complete_suffix .csv)' -d 'Which clip shows which scene'
 complete -c zelstory -n '__zelstory_command tag' -x -l clips -a '(__fish_complete_directories)' -d 'Folder of the clips'
 complete -c zelstory -n '__zelstory_command tag' -l keep-going -d 'Write the others when rows have faults'
+complete -c zelstory -n '__zelstory_command report' -r -l html -k -a '(__fish_complete_suffix .html)' -d 'The page'
 complete -c zelstory -n '__zelstory_command shots' -x -l out -a '(__fish_complete_directories)' -d 'Folder for the packets'
 
-complete -c zelstory -n '__zelstory_command check show write tag shots scenes characters stats dump' -a '(__fish_complete_suffix .quor)'
+complete -c zelstory -n '__zelstory_command check show write tag shots scenes characters stats report dump' -a '(__fish_complete_suffix .quor)'
 complete -c zelstory -n '__zelstory_command write clear has xmp' -F
