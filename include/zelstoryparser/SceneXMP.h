@@ -22,19 +22,17 @@
 // exceptions of the host's libraries pass through.
 namespace zelstoryparser {
 
-// Writes a scene into a clip's metadata and appends the paths of what it touched:
+// Writes a scene into a clip's metadata and appends the paths of what it touched to `changedPaths`,
+// in three steps:
 //
-//   step      writes                                                       appends to
-//   `changedPaths` heading   each part that the scene's last heading has; parts that it
-//   sceneSetting, shotLocation,
-//             lacks keep their old value. Without heading text: nothing    sceneTimeOfDay, all
-//             three
-//   action    the action paragraphs joined by two spaces; without any,     action, always
-//             the old value stays
-//   dialogue  exactly the scene's speeches: an old sequence is removed     the sequence, if it is
-//   new;
-//             even when the scene has none                                 then the leaves of every
-//                                                                          item there was or is
+// - Heading: each part that the scene's last heading has; parts that it lacks keep their old value.
+//   Appends sceneSetting, shotLocation and sceneTimeOfDay, all three. Without heading text:
+//   nothing.
+// - Action: the action paragraphs joined by two spaces; without any, the old value stays. Appends
+//   action, always.
+// - Dialogue: exactly the scene's speeches; an old sequence is removed even when the scene has
+// none.
+//   Appends the sequence, if it is new; then the leaves of every item there was or is.
 //
 // A speech is a character's name with the dialogue up to the next name, joined by two spaces. A
 // name without dialogue is dropped; dialogue before the first name joins that name's speech;

@@ -56,7 +56,7 @@ Columns FindColumns(const CSVRow& names, const std::string& place) {
     if (!seen.emplace(name, i).second) throw ToolError(place, "two columns are called " + name);
     if (key != kSceneKeys.end()) columns.mScenes.push_back({key->second, i});
   }
-  if (seen.count("clip") == 0 || columns.mScenes.empty()) {
+  if (!seen.contains("clip") || columns.mScenes.empty()) {
     throw ToolError(place,
                     "the first line names the columns: clip, and one or more of scene (the "
                     "position, from 1), number and id");

@@ -118,7 +118,7 @@ std::string Counted(std::int64_t count, const std::string& what) {
 }
 
 std::string Shortened(const std::string& name) {
-  const std::string line = WrapText(name, static_cast<std::size_t>(-1)).front();
+  std::string line = WrapText(name, static_cast<std::size_t>(-1)).front();
   if (ColumnsOf(line) <= kLabelColumns) return line;
   return WrapText(line, kLabelColumns - 1).front() + "\xE2\x80\xA6";  // an ellipsis
 }
@@ -211,6 +211,7 @@ void AddSpeakersChart(pugi::xml_node parent, const std::vector<SceneFacts>& scen
                       const std::vector<PersonFacts>& people) {
   const std::vector<PersonFacts> shown = MostSpeaking(people);
   std::vector<std::string> names;
+  names.reserve(shown.size());
   for (const PersonFacts& person : shown) names.push_back(Shortened(person.mName));
   const Columns columns(scenes.size(), names);
   std::string note = "Those who say most stand first; the stronger the colour, the more words.";
