@@ -123,6 +123,7 @@ std::string WritePacket(const Document& document, const PacketRequest& request) 
   const std::size_t padding = PaddingSize(request, packet.size() + trailer.size());
   packet += Encode(MakePadding(padding, layout.mNewline), encoding);
   packet += trailer;
+  packet.shrink_to_fit();  // hosts keep packets by the thousand
   return packet;
 }
 
