@@ -11,9 +11,11 @@ using namespace zelstoryparser;
 boost::intrusive_ptr<Scene> FirstScene(const char* file) {
   zelcore::xml::Reader reader;
   StoryParser parser;
-  if (!reader.ParseFile(file, parser) || parser.IsParseError() || !parser.GetStory())
-    return nullptr;
-  return parser.GetStory()->mDocument->mBodyStream->mSection->mScenes.at(0);
+  if (!reader.ParseFile(file, parser) || parser.IsParseError()) return nullptr;
+  const auto story = parser.GetStory();
+  const auto body = story && story->mDocument ? story->mDocument->mBodyStream : nullptr;
+  if (!body || !body->mSection || body->mSection->mScenes.empty()) return nullptr;
+  return body->mSection->mScenes[0];
 }
 
 int Edit(const boost::intrusive_ptr<Scene>& scene) {

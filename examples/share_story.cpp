@@ -11,7 +11,9 @@ int main(int argc, char** argv) {
   zelstoryparser::StoryParser parser;
   if (!reader.ParseFile(argv[1], parser) || parser.IsParseError()) return 1;
   auto story = parser.GetStory();
-  if (!story) return 1;
+  const bool hasScenes = story && story->mDocument && story->mDocument->mBodyStream &&
+                         story->mDocument->mBodyStream->mSection;
+  if (!hasScenes) return 1;
 
   std::size_t counts[4] = {};
   std::vector<std::thread> threads;

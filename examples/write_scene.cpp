@@ -11,7 +11,9 @@ int main(int argc, char** argv) {
   const auto story = parser.GetStory();
   if (!wellFormed || parser.IsParseError() || !story) return 1;
 
-  const auto scene = story->mDocument->mBodyStream->mSection->mScenes.at(0);
+  const auto body = story->mDocument ? story->mDocument->mBodyStream : nullptr;
+  if (!body || !body->mSection || body->mSection->mScenes.empty()) return 1;
+  const auto scene = body->mSection->mScenes[0];
   TXMPMeta<std::string> clip;
   std::vector<zelmetadata::Path> changed;
   const auto error = zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, changed);
