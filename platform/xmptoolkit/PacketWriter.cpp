@@ -123,8 +123,8 @@ std::string WritePacket(const Document& document, const PacketRequest& request) 
   const std::size_t padding = PaddingSize(request, packet.size() + trailer.size());
   packet += Encode(MakePadding(padding, layout.mNewline), encoding);
   packet += trailer;
-  packet.shrink_to_fit();  // hosts keep packets by the thousand
-  return packet;
+  // Without room to spare: hosts keep packets by the thousand.
+  return std::string(packet.data(), packet.size());
 }
 
 }  // namespace xmptoolkit
