@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <regex>
 #include <set>
 
@@ -115,6 +116,14 @@ TEST_F(ReportTest, AnEmptyStoryHasAPageAndABadOneNone) {
   EXPECT_THAT(refused.mErrors, HasSubstr("second_section.quor:13:7: error: We found"));
   EXPECT_EQ(Read("page.html"), page);
   EXPECT_EQ(Tool({"report", "empty.quor"}).mStatus, 2);
+  const std::string story = Read("empty.quor");
+  std::filesystem::create_symlink("empty.quor", File("link"));
+  for (const char* same : {"empty.quor", "./empty.quor", "link"}) {
+    EXPECT_THAT(Tool({"report", "empty.quor", "--html", same}).mErrors,
+                HasSubstr(std::string(same) + ": error: is the story itself"));
+    EXPECT_EQ(Read("empty.quor"), story);
+  }
+  EXPECT_EQ(FilesHere(), (std::vector<std::string>{"empty.quor", "link", "page.html"}));
 }
 
 }  // namespace

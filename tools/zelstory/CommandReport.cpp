@@ -1,11 +1,13 @@
 #include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include "Command.h"
 #include "Console.h"
 #include "FileReplacement.h"
 #include "ReportPage.h"
 #include "StoryFile.h"
+#include "ToolError.h"
 
 namespace zelstory {
 namespace {
@@ -15,7 +17,17 @@ struct ReportOptions {
   std::string mPage;
 };
 
+// A slip of the hand must not replace the story by its page.
+void RefuseTheStoryItself(const ReportOptions& options) {
+  if (options.mStory == kStandardStream || options.mPage == kStandardStream) return;
+  std::error_code error;  // a file that is not there yet is no story
+  if (std::filesystem::equivalent(options.mStory, options.mPage, error)) {
+    throw ToolError(options.mPage, "is the story itself: name another file after --html");
+  }
+}
+
 int Report(const ReportOptions& options) {
+  RefuseTheStoryItself(options);
   const std::string name = options.mStory == kStandardStream
                                ? "Screenplay"
                                : std::filesystem::path(options.mStory).filename().string();
@@ -40,7 +52,10 @@ void AddReportCommand(CLI::App& tool, ChosenCommand& chosen) {
   command->footer(
       "The page stands alone: the scenes as a table, charts of who speaks in which scene and of "
       "the\n"
-      "scenes' lengths, and the screenplay. Any browser shows it, on a phone and in print, too.\n"
+      "scenes' lengths, and the screenplay. Any browser shows it, on a phone and in print, too. "
+      "For "
+      "example:\n"
+      "  zelstory report harbour.quor --html harbour.html\n"
       "Exit status: 0 done, 1 refused (FILE is as it was), 2 wrong usage.");
   command->callback([options, &chosen] { chosen = [options] { return Report(*options); }; });
 }
