@@ -47,6 +47,9 @@ TEST_F(ReportTest, ABrowserReadsIt) {
   EXPECT_EQ(Matches(page, "<th class=\"count\" scope=\"row\"><a href=\"#(scene-[0-9]+)\"").size(),
             72u);
   EXPECT_EQ(Matches(page, "<rect class=\"(bar)\"").size(), 72u);
+  // Told to who cannot see it; by their own numbers, as the table has them.
+  EXPECT_THAT(page, HasSubstr("<desc>The longest: scene 6, 196 words.</desc>"));
+  EXPECT_THAT(page, HasSubstr("<title>scene 64A: 139 words</title>"));
 }
 
 TEST_F(ReportTest, EveryLinkLeadsSomewhereOnThePage) {

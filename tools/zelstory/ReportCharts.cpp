@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <numeric>
 
 #include "ReportMarkup.h"
 #include "TextLayout.h"
@@ -13,6 +14,7 @@ namespace {
 constexpr std::size_t kMostColumns = 120;
 constexpr std::size_t kMostPeople = 30;
 constexpr std::size_t kLabelColumns = 19;
+constexpr std::size_t kTickColumns = 4;
 constexpr double kCharacterWidth = 8.4;  // of the drawing's font, on the wide side
 constexpr int kLabelDistance = 8;
 constexpr int kRowHeight = 20;
@@ -21,14 +23,21 @@ constexpr int kTopMargin = 12;
 constexpr int kBarsHeight = 160;
 constexpr int kLeastTickDistance = 34;
 
+std::string Shortened(const std::string& name, std::size_t columns) {
+  std::string line = WrapText(name, static_cast<std::size_t>(-1)).front();
+  if (ColumnsOf(line) <= columns) return line;
+  return WrapText(line, columns - 1).front() + "\xE2\x80\xA6";  // an ellipsis
+}
+
 // How scenes stand side by side in a drawing: one to a column, or several.
 class Columns {
  public:
-  Columns(std::size_t scenes, const std::vector<std::string>& labels)
+  // Refers to the scenes.
+  Columns(const std::vector<SceneFacts>& scenes, const std::vector<std::string>& labels)
       : mLeft(LabelWidth(labels)),
         mScenes(scenes),
-        mPerColumn((scenes + kMostColumns - 1) / kMostColumns),
-        mCount(scenes == 0 ? 0 : (scenes + mPerColumn - 1) / mPerColumn),
+        mPerColumn((scenes.size() + kMostColumns - 1) / kMostColumns),
+        mCount(scenes.empty() ? 0 : (scenes.size() + mPerColumn - 1) / mPerColumn),
         mWidth(std::clamp(720 / static_cast<int>(std::max<std::size_t>(mCount, 1)), 7, 40)) {}
 
   std::size_t Count() const { return mCount; }
@@ -40,14 +49,22 @@ class Columns {
   int Width() const { return mWidth; }
   int Right() const { return X(mCount); }
 
+  // As the table calls them.
   std::string Name(std::size_t column) const {
     const std::size_t first = FirstScene(column);
-    const std::size_t last = std::min(first + mPerColumn - 1, mScenes);
-    return first == last ? "scene " + std::to_string(first)
-                         : "scenes " + std::to_string(first) + " to " + std::to_string(last);
+    const std::size_t last = std::min(first + mPerColumn - 1, mScenes.size());
+    return first == last ? "scene " + NameOf(first)
+                         : "scenes " + NameOf(first) + " to " + NameOf(last);
+  }
+  std::string Tick(std::size_t column) const {
+    return Shortened(NameOf(FirstScene(column)), kTickColumns);
   }
 
  private:
+  std::string NameOf(std::size_t position) const {
+    return SceneName(mScenes[position - 1].mNumber, position);
+  }
+
   static int LabelWidth(const std::vector<std::string>& labels) {
     std::size_t columns = 0;
     for (const std::string& label : labels) columns = std::max(columns, ColumnsOf(label));
@@ -55,7 +72,7 @@ class Columns {
   }
 
   int mLeft;
-  std::size_t mScenes;
+  const std::vector<SceneFacts>& mScenes;
   std::size_t mPerColumn;
   std::size_t mCount;
   int mWidth;
@@ -65,18 +82,26 @@ void Set(pugi::xml_node element, const char* name, int value) {
   element.append_attribute(name) = value;
 }
 
-pugi::xml_node AddDrawing(pugi::xml_node parent, int width, int height, const std::string& title) {
-  pugi::xml_node box = AddElement(parent, "div", "wide");
-  box.append_attribute("tabindex") = "0";
-  SetAttribute(box, "aria-label", title);
-  box.append_attribute("role") = "region";
-  pugi::xml_node svg = AddElement(box, "svg");
+// Title and description are what who cannot see the drawing is told.
+pugi::xml_node AddDrawing(pugi::xml_node parent, int width, int height, const std::string& title,
+                          const std::string& description) {
+  pugi::xml_node svg = AddElement(AddScrollingBox(parent, title), "svg");
+  svg.append_attribute("role") = "img";
   svg.append_attribute("xmlns") = "http://www.w3.org/2000/svg";
   SetAttribute(svg, "viewBox", "0 0 " + std::to_string(width) + " " + std::to_string(height));
   Set(svg, "width", width);
   Set(svg, "height", height);
   AddElement(svg, "title", "", title);
+  AddElement(svg, "desc", "", description);
   return svg;
+}
+
+// For the pointer only: the keyboard finds the same places in the table, without thousands of
+// stops.
+pugi::xml_node AddPointerLink(pugi::xml_node svg, std::size_t position) {
+  pugi::xml_node link = AddSceneLink(svg, position);
+  link.append_attribute("tabindex") = "-1";
+  return link;
 }
 
 void AddText(pugi::xml_node svg, int x, int y, const char* className, const std::string& text) {
@@ -103,24 +128,17 @@ void AddLine(pugi::xml_node svg, int left, int right, int y) {
   Set(line, "y2", y);
 }
 
-// Positions below the columns, as many as fit.
+// Scenes below the columns, as many as fit.
 void AddAxis(pugi::xml_node svg, const Columns& columns, int y) {
   const auto step = static_cast<std::size_t>(
       std::max(1, (kLeastTickDistance + columns.Width() - 1) / columns.Width()));
   for (std::size_t column = 0; column < columns.Count(); column += step) {
-    AddText(svg, columns.X(column) + columns.Width() / 2, y, "tick",
-            std::to_string(columns.FirstScene(column)));
+    AddText(svg, columns.X(column) + columns.Width() / 2, y, "tick", columns.Tick(column));
   }
 }
 
 std::string Counted(std::int64_t count, const std::string& what) {
   return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
-}
-
-std::string Shortened(const std::string& name) {
-  std::string line = WrapText(name, static_cast<std::size_t>(-1)).front();
-  if (ColumnsOf(line) <= kLabelColumns) return line;
-  return WrapText(line, kLabelColumns - 1).front() + "\xE2\x80\xA6";  // an ellipsis
 }
 
 struct Share {
@@ -148,13 +166,13 @@ const char* ShadeOf(std::int64_t words, std::int64_t most) {
 void AddPersonRow(pugi::xml_node svg, const PersonFacts& person, const Columns& columns, int y,
                   std::int64_t mostWords) {
   AddText(svg, columns.Left() - kLabelDistance, y + kRowHeight - 6, "label",
-          Shortened(person.mName));
+          Shortened(person.mName, kLabelColumns));
   AddLine(svg, columns.Left(), columns.Right(), y + kRowHeight);
   const std::vector<Share> shares = SharesOf(person, columns);
   for (std::size_t column = 0; column < shares.size(); ++column) {
     const Share& share = shares[column];
     if (share.mSpeeches == 0) continue;
-    pugi::xml_node link = AddSceneLink(svg, columns.FirstScene(column));
+    pugi::xml_node link = AddPointerLink(svg, columns.FirstScene(column));
     pugi::xml_node cell = AddBox(link, ShadeOf(share.mWords, mostWords), columns.X(column), y + 2,
                                  columns.Width() - 1, kRowHeight - 4);
     AddElement(cell, "title", "",
@@ -181,24 +199,41 @@ std::int64_t MostWords(const std::vector<PersonFacts>& people, const Columns& co
 
 struct Lengths {
   bool mAreSeconds = false;
-  std::vector<std::int64_t> mValues;  // by column
+  std::vector<std::int64_t> mValues;  // scene by scene
 
   std::string Describe(std::int64_t value) const {
     return mAreSeconds ? DescribeDuration(value) : Counted(value, "word");
   }
+  std::int64_t Sum() const {
+    return std::accumulate(mValues.begin(), mValues.end(), std::int64_t{0});
+  }
+  std::vector<std::int64_t> In(const Columns& columns) const {
+    std::vector<std::int64_t> sums(columns.Count());
+    for (std::size_t i = 0; i < mValues.size(); ++i) sums[columns.ColumnOf(i + 1)] += mValues[i];
+    return sums;
+  }
 };
 
-Lengths LengthsOf(const std::vector<SceneFacts>& scenes, const Columns& columns) {
+Lengths LengthsOf(const std::vector<SceneFacts>& scenes) {
   Lengths lengths;
   lengths.mAreSeconds = std::all_of(scenes.begin(), scenes.end(), [](const SceneFacts& scene) {
     return scene.mSeconds.value_or(-1) >= 0;
   });
-  lengths.mValues.resize(columns.Count());
   for (const SceneFacts& scene : scenes) {
-    lengths.mValues[columns.ColumnOf(scene.mPosition)] +=
-        lengths.mAreSeconds ? *scene.mSeconds : scene.mWords;
+    lengths.mValues.push_back(lengths.mAreSeconds ? *scene.mSeconds : scene.mWords);
   }
   return lengths;
+}
+
+std::string DescribeSpeakers(const std::vector<PersonFacts>& shown) {
+  constexpr std::size_t kDescribed = 3;
+  std::string description = "Most is said by ";
+  for (std::size_t i = 0; i < std::min(shown.size(), kDescribed); ++i) {
+    const PersonFacts& person = shown[i];
+    description += (i == 0 ? "" : "; ") + person.mName + ", " + Counted(person.mWords, "word") +
+                   " in " + Counted(static_cast<std::int64_t>(person.mScenes.size()), "scene");
+  }
+  return description + '.';
 }
 
 std::string SharedColumnsNote(const Columns& columns) {
@@ -212,8 +247,8 @@ void AddSpeakersChart(pugi::xml_node parent, const std::vector<SceneFacts>& scen
   const std::vector<PersonFacts> shown = MostSpeaking(people);
   std::vector<std::string> names;
   names.reserve(shown.size());
-  for (const PersonFacts& person : shown) names.push_back(Shortened(person.mName));
-  const Columns columns(scenes.size(), names);
+  for (const PersonFacts& person : shown) names.push_back(Shortened(person.mName, kLabelColumns));
+  const Columns columns(scenes, names);
   std::string note = "Those who say most stand first; the stronger the colour, the more words.";
   if (shown.size() < people.size()) {
     note +=
@@ -221,8 +256,8 @@ void AddSpeakersChart(pugi::xml_node parent, const std::vector<SceneFacts>& scen
   }
   AddElement(parent, "p", "note", note + SharedColumnsNote(columns));
   const int bottom = static_cast<int>(shown.size()) * kRowHeight;
-  pugi::xml_node svg =
-      AddDrawing(parent, columns.Right() + 12, bottom + kAxisHeight, "Who speaks in which scene");
+  pugi::xml_node svg = AddDrawing(parent, columns.Right() + 12, bottom + kAxisHeight,
+                                  "Who speaks in which scene", DescribeSpeakers(shown));
   const std::int64_t mostWords = MostWords(shown, columns);
   int y = 0;
   for (const PersonFacts& person : shown) {
@@ -233,16 +268,19 @@ void AddSpeakersChart(pugi::xml_node parent, const std::vector<SceneFacts>& scen
 }
 
 void AddLengthsChart(pugi::xml_node parent, const std::vector<SceneFacts>& scenes) {
-  const Columns columns(scenes.size(), {"0000 words"});
-  const Lengths lengths = LengthsOf(scenes, columns);
-  const std::int64_t most =
-      std::max<std::int64_t>(1, *std::max_element(lengths.mValues.begin(), lengths.mValues.end()));
+  const Lengths lengths = LengthsOf(scenes);
+  const Columns columns(scenes, {"0000 words", lengths.Describe(lengths.Sum())});
+  const std::vector<std::int64_t> values = lengths.In(columns);
+  const auto longest = std::max_element(values.begin(), values.end());
+  const std::int64_t most = std::max<std::int64_t>(1, *longest);
   const std::string unit = lengths.mAreSeconds ? "By their durations."
                                                : "In words, since not every scene has a duration.";
   AddElement(parent, "p", "note", unit + SharedColumnsNote(columns));
   const int bottom = kTopMargin + kBarsHeight;
-  pugi::xml_node svg =
-      AddDrawing(parent, columns.Right() + 12, bottom + kAxisHeight, "Lengths of the scenes");
+  pugi::xml_node svg = AddDrawing(
+      parent, columns.Right() + 12, bottom + kAxisHeight, "Lengths of the scenes",
+      "The longest: " + columns.Name(static_cast<std::size_t>(longest - values.begin())) + ", " +
+          lengths.Describe(*longest) + '.');
   for (const int quarter : {0, 2, 4}) {
     const int y = bottom - kBarsHeight * quarter / 4;
     AddLine(svg, columns.Left(), columns.Right(), y);
@@ -250,10 +288,10 @@ void AddLengthsChart(pugi::xml_node parent, const std::vector<SceneFacts>& scene
             lengths.Describe(most * quarter / 4));
   }
   for (std::size_t column = 0; column < columns.Count(); ++column) {
-    const std::int64_t value = lengths.mValues[column];
+    const std::int64_t value = values[column];
     const int height = static_cast<int>(
         std::ceil(static_cast<double>(value) * kBarsHeight / static_cast<double>(most)));
-    pugi::xml_node link = AddSceneLink(svg, columns.FirstScene(column));
+    pugi::xml_node link = AddPointerLink(svg, columns.FirstScene(column));
     pugi::xml_node bar =
         AddBox(link, "bar", columns.X(column) + 1, bottom - height, columns.Width() - 2, height);
     AddElement(bar, "title", "", columns.Name(column) + ": " + lengths.Describe(value));

@@ -40,6 +40,18 @@ void SetAttribute(pugi::xml_node element, const char* name, const std::string& v
   element.append_attribute(name) = MarkupText(value).c_str();
 }
 
+pugi::xml_node AddScrollingBox(pugi::xml_node parent, const std::string& label) {
+  pugi::xml_node box = AddElement(parent, "div", "wide");
+  box.append_attribute("tabindex") = "0";
+  box.append_attribute("role") = "region";
+  SetAttribute(box, "aria-label", label);
+  return box;
+}
+
+std::string SceneName(const std::string& number, std::size_t position) {
+  return number.empty() ? std::to_string(position) : number;
+}
+
 std::string SceneAnchor(std::size_t position) {
   return "scene-" + std::to_string(position);
 }

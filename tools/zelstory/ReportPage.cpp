@@ -1,7 +1,7 @@
 #include "ReportPage.h"
 
-#include <algorithm>
 #include <sstream>
+#include <unordered_set>
 #include <utility>
 
 #include "Console.h"
@@ -17,10 +17,13 @@ using namespace zelstoryparser;
 
 constexpr const char* kPageStart =
     "<!DOCTYPE html>\n"
-    "<html lang=\"und\" xmlns=\"http://www.w3.org/1999/xhtml\">\n"
+    "<html lang=\"en\" xmlns=\"http://www.w3.org/1999/xhtml\">\n"
     "<head>\n"
     "<meta charset=\"utf-8\"/>\n"
     "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n";
+
+// The page's own words are English; a story does not tell which language it is in.
+constexpr const char* kUnknownLanguage = "";
 
 const char* ClassOf(std::int32_t kind) {
   switch (kind) {
@@ -54,11 +57,10 @@ const Paragraph* HeadingOf(const Scene& scene) {
 
 void AddScene(pugi::xml_node page, const Scene& scene, std::size_t position) {
   const Paragraph* const heading = HeadingOf(scene);
-  const std::string number = ToUTF8(scene.mSceneNumber);
   pugi::xml_node article = AddElement(page, "article");
   pugi::xml_node title = AddElement(article, "h3");
   SetAttribute(title, "id", SceneAnchor(position));
-  AddElement(title, "span", "number", number.empty() ? std::to_string(position) : number);
+  AddElement(title, "span", "number", SceneName(ToUTF8(scene.mSceneNumber), position));
   AddElement(title, "span", "text", heading ? TextOf(*heading) : "(no heading)");
   for (const auto& paragraph : scene.mParagraphs) {
     if (paragraph && paragraph.get() != heading) AddParagraph(article, *paragraph);
@@ -83,15 +85,12 @@ void AddStream(pugi::xml_node page, const boost::intrusive_ptr<Stream>& stream, 
 // The first few by appearance, and how many more.
 std::string SpeakersOf(const SceneFacts& scene) {
   constexpr std::size_t kNamed = 6;
-  std::vector<std::string> people;
-  for (const Speech& speech : scene.mSpeeches) {
-    if (std::find(people.begin(), people.end(), speech.mPerson) == people.end()) {
-      people.push_back(speech.mPerson);
-    }
-  }
+  std::unordered_set<std::string> people;
   std::string names;
-  for (std::size_t i = 0; i < people.size() && i < kNamed; ++i) {
-    names += (i == 0 ? "" : ", ") + people[i];
+  for (const Speech& speech : scene.mSpeeches) {
+    const bool isNew = people.insert(speech.mPerson).second;
+    if (!isNew || people.size() > kNamed) continue;
+    names += (people.size() == 1 ? "" : ", ") + speech.mPerson;
   }
   if (people.size() > kNamed) names += " and " + std::to_string(people.size() - kNamed) + " more";
   return names;
@@ -101,8 +100,7 @@ void AddSceneRow(pugi::xml_node rows, const SceneFacts& scene) {
   pugi::xml_node row = AddElement(rows, "tr");
   pugi::xml_node name = AddElement(row, "th", "count");
   name.append_attribute("scope") = "row";
-  AddSceneLink(name, scene.mPosition,
-               scene.mNumber.empty() ? std::to_string(scene.mPosition) : scene.mNumber);
+  AddSceneLink(name, scene.mPosition, SceneName(scene.mNumber, scene.mPosition));
   for (const std::string* text : {&scene.mSetting, &scene.mLocation, &scene.mTimeOfDay}) {
     AddElement(row, "td", "", *text);
   }
@@ -116,13 +114,14 @@ void AddSceneTable(pugi::xml_node parent, const std::vector<SceneFacts>& scenes)
   constexpr std::pair<const char*, const char*> kColumns[] = {
       {"Scene", "count"},    {"Setting", ""},    {"Location", ""},      {"Time", ""},
       {"Duration", "count"}, {"Words", "count"}, {"Speeches", "count"}, {"Who speaks", ""}};
-  pugi::xml_node box = AddElement(parent, "div", "wide");
-  pugi::xml_node table = AddElement(box, "table");
+  pugi::xml_node table = AddElement(AddScrollingBox(parent, "Scenes"), "table");
+  AddElement(table, "caption", "note", "Each number leads to its scene.");
   pugi::xml_node names = AddElement(AddElement(table, "thead"), "tr");
   for (const auto& [name, className] : kColumns) {
     AddElement(names, "th", className, name).append_attribute("scope") = "col";
   }
   pugi::xml_node rows = AddElement(table, "tbody");
+  rows.append_attribute("lang") = kUnknownLanguage;
   for (const SceneFacts& scene : scenes) AddSceneRow(rows, scene);
 }
 
@@ -174,6 +173,7 @@ void AddBody(pugi::xml_node body, const TavroStory& story, const std::string& na
   if (!scenes.empty()) AddLengthsChart(AddSection(main, "lengths", "Lengths"), scenes);
   pugi::xml_node page = AddElement(AddSection(main, "screenplay", "Screenplay"), "div");
   page.append_attribute("id") = "page";
+  page.append_attribute("lang") = kUnknownLanguage;
   if (story.mDocument) {
     AddStream(page, story.mDocument->mHeaderStream, false);
     AddStream(page, story.mDocument->mBodyStream, true);

@@ -16,7 +16,7 @@ inline constexpr const char* kReportStyle = R"css(
   }
 }
 * { box-sizing: border-box; }
-html { scroll-behavior: smooth; -webkit-text-size-adjust: 100%; }
+html { -webkit-text-size-adjust: 100%; }
 body { margin: 0 auto; max-width: 62rem; padding: 1.5rem 1rem 4rem; background: var(--paper);
   color: var(--ink); font: 1rem/1.5 system-ui, sans-serif; }
 h1 { margin: 0 0 .25rem; font-size: 1.7rem; line-height: 1.2; overflow-wrap: anywhere; }
@@ -30,6 +30,7 @@ nav a { display: inline-block; margin-right: 1.25rem; padding: .25rem 0; }
 table { width: 100%; border-collapse: collapse; font-size: .92rem; font-variant-numeric: tabular-nums; }
 th, td { padding: .3rem .6rem; border-bottom: 1px solid var(--line); text-align: left;
   vertical-align: top; }
+caption { text-align: left; }
 thead th { color: var(--faint); font-weight: 600; white-space: nowrap; }
 th.count, td.count { text-align: right; white-space: nowrap; }
 tbody th { font-weight: inherit; white-space: nowrap; }
@@ -40,7 +41,8 @@ svg .tick { text-anchor: middle; fill: var(--faint); }
 svg .grid { stroke: var(--line); }
 svg .bar, svg .s3 { fill: var(--s3); }
 svg .s1 { fill: var(--s1); } svg .s2 { fill: var(--s2); } svg .s4 { fill: var(--s4); }
-svg a:hover rect, svg a:focus rect { stroke: var(--ink); stroke-width: 1.5; }
+svg .cell { stroke: var(--s3); stroke-width: .5; } svg a:hover rect { stroke: var(--ink); stroke-width: 1.5; }
+td, #page p, #page h3 .text { unicode-bidi: plaintext; }
 #screenplay { overflow-wrap: anywhere; }
 #page { max-width: 38rem; margin: 0 auto; font-family: "Courier Prime", Courier, "Courier New",
   monospace; line-height: 1.35; }
