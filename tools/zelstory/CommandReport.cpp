@@ -50,11 +50,9 @@ void AddReportCommand(CLI::App& tool, ChosenCommand& chosen) {
       ->type_name("FILE")
       ->required();
   command->footer(
-      "The page stands alone: the scenes as a table, charts of who speaks in which scene and of "
-      "the\n"
-      "scenes' lengths, and the screenplay. Any browser shows it, on a phone and in print, too. "
-      "For "
-      "example:\n"
+      "The page stands alone: the scenes as a table, charts of who speaks in which scene and of\n"
+      "the scenes' lengths, and the screenplay. Any browser shows it, on a phone and in print,\n"
+      "too. For example:\n"
       "  zelstory report harbour.quor --html harbour.html\n"
       "Exit status: 0 done, 1 refused (FILE is as it was), 2 wrong usage.");
   command->callback([options, &chosen] { chosen = [options] { return Report(*options); }; });
