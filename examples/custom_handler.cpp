@@ -16,7 +16,7 @@ class NumberedScenes : public StoryParser {
   void StartElement(const UTF16String& name, const Attributes& attributes) override {
     StoryParser::StartElement(name, attributes);  // builds the tree
     if (IsParseError() || name != u"scene") return;
-    if (attributes.count(u"sceneNumber") == 0) {
+    if (!attributes.contains(u"sceneNumber")) {
       return SetParseError(zelcore::utility::AsciiToUTF16("A scene has no number."));
     }
     std::cout << "a scene begins on line " << mReader.CurrentPosition().mLine << '\n';
