@@ -32,6 +32,11 @@ TEST_F(TagTest, WritesEachClipOnceAndNothingTheSecondTime) {
   const Outcome preview = Tag(table, {"--dry-run"});
   EXPECT_THAT(preview.mOutput, HasSubstr("b.mov: would be written\n  xmpScript:sceneSetting: "
                                          "(none) -> \"INT\"\n"));
+  const auto first = nlohmann::json::parse(Lines(Tag(table, {"--dry-run", "--json"}).mOutput)[0]);
+  EXPECT_EQ(first["outcome"], "would be written");
+  EXPECT_EQ(first["changes"][1]["path"], "xmpDM:shotLocation");
+  EXPECT_TRUE(first["changes"][1]["before"].is_null());
+  EXPECT_EQ(first["changes"][1]["after"], "HARBOUR");
   EXPECT_FALSE(std::filesystem::exists(File("day/a.mov.xmp")));
   EXPECT_EQ(Tag(table).mOutput, "a.mov: written\nb.mov: written\nnew.xmp: written\n");
   EXPECT_THAT(Read("day/a.mov.xmp"), HasSubstr(">HARBOUR<"));
