@@ -101,15 +101,15 @@ class TableReader {
     return row;
   }
 
-  void FindClip(const ClipRow& row) const {
+  void FindClip(ClipRow& row) const {
     if (row.mFile == kStandardStream) throw ToolError("a table names clips by their files");
-    const std::string sidecar = FindSidecar(row.mFile, mForm, WhenAbsent::kCreate);
-    const fs::path folder = fs::path(sidecar).parent_path();
+    row.mSidecar = FindSidecar(row.mFile, mForm, WhenAbsent::kCreate);
+    const fs::path folder = fs::path(row.mSidecar).parent_path();
     std::error_code error;
     if (!folder.empty() && !fs::is_directory(folder, error)) {
       throw ToolError("there is no folder " + folder.string());
     }
-    if (fs::is_directory(sidecar, error)) throw ToolError("is a directory");
+    if (fs::is_directory(row.mSidecar, error)) throw ToolError("is a directory");
   }
 
   void AddScene(ClipRow& row, SceneKey key, const std::string& text) const {
@@ -127,13 +127,9 @@ class TableReader {
   void RefuseSharedSidecars(std::vector<ClipRow>& clips) const {
     std::map<fs::path, std::vector<ClipRow*>> rowsOfSidecar;
     for (ClipRow& row : clips) {
-      if (row.mClip.empty() || row.mFile == kStandardStream) continue;
+      if (row.mSidecar.empty()) continue;
       std::error_code error;
-      try {
-        const std::string sidecar = FindSidecar(row.mFile, mForm, WhenAbsent::kCreate);
-        rowsOfSidecar[fs::weakly_canonical(fs::absolute(sidecar), error)].push_back(&row);
-      } catch (const ToolError&) {  // told already
-      }
+      rowsOfSidecar[fs::weakly_canonical(fs::absolute(row.mSidecar), error)].push_back(&row);
     }
     for (const auto& [sidecar, rows] : rowsOfSidecar) {
       if (rows.size() < 2) continue;

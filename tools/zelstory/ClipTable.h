@@ -16,6 +16,7 @@ struct ClipRow {
   std::size_t mLine = 0;  // in the table's file, from 1
   std::string mClip;      // as it stands in the table; empty when it is missing
   std::string mFile;      // the clip or sidecar, from the working directory
+  std::string mSidecar;   // the file to be written; empty when there can be none
   SelectedScene mScene;   // without a scene when the row has a fault
   std::string mFault;     // why nothing can be written; empty for a good row
 };
