@@ -65,6 +65,7 @@ struct ParagraphKind {
   std::string_view mName;  // ASCII
 };
 
+// All kinds with a name, in the order of their codes.
 inline constexpr std::array<ParagraphKind, 7> kParagraphKinds{{
     {kSceneHeading, "SceneHeading"},
     {kCharacter, "Character"},

@@ -79,10 +79,12 @@ enum XMP_ErrorID : std::int32_t {
 // What every refused operation throws.
 class ZELPLATFORM_API XMP_Error : public std::runtime_error {
  public:
+  // `message` is UTF-8 text: what was refused, and why.
   XMP_Error(XMP_ErrorID id, const std::string& message);
   XMP_Error(const XMP_Error&) = default;
   ~XMP_Error() override;
 
+  // What it was made of. The message lives as long as this object.
   XMP_ErrorID GetID() const noexcept { return mID; }
   const char* GetErrMsg() const noexcept { return what(); }
 
@@ -131,6 +133,7 @@ class ZELPLATFORM_API TXMPMeta {
   void SetProperty(const char* schemaNS, const char* propName, const tStringObj& value,
                    XMP_OptionBits options = 0);
 
+  // True when there is such a property, item, field or qualifier, of whatever kind.
   bool DoesPropertyExist(const char* schemaNS, const char* propName) const;
 
   // Removes a property with all that lies below it. What is absent stays absent, without an error.

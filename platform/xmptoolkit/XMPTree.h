@@ -35,7 +35,9 @@ class ZELPLATFORM_API TreeNode {
   TreeNode Qualifier(std::size_t position) const;
 
  private:
-  friend ZELPLATFORM_API TreeNode RootOf(const TXMPMeta<std::string>& metadata);
+  friend  // The root of an object's metadata; valid until the object changes or goes.
+      ZELPLATFORM_API TreeNode
+      RootOf(const TXMPMeta<std::string>& metadata);
 
   TreeNode(const Document& document, const Node& node, bool isQualifier)
       : mDocument(&document), mNode(&node), mIsQualifier(isQualifier) {}

@@ -11,6 +11,7 @@ namespace zelcore::filesupport {
 // entry at the path itself: a symbolic link is that entry, whatever it points to.
 class ZELPLATFORM_API File {
  public:
+  // Only notes the path, absolute or relative to the working directory.
   explicit File(const UTF16String& path);
 
   // True when there is an entry at the path, also a link that points nowhere. An entry that cannot
