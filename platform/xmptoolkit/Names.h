@@ -41,6 +41,7 @@ class NameTable {
   // Nothing when the document never had such a name.
   std::optional<NameId> FindName(std::string_view uri, std::string_view localName) const;
 
+  bool HasNamespace(std::string_view uri) const { return FindNamespace(uri).has_value(); }
   std::size_t NamespaceCount() const { return mNamespaces.size(); }
   const std::string& URI(NamespaceId space) const { return mNamespaces[space].mURI; }
   const std::string& FilePrefix(NamespaceId space) const { return mNamespaces[space].mPrefix; }

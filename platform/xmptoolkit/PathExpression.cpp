@@ -10,17 +10,6 @@ namespace xmptoolkit {
 
 namespace {
 
-// The registry's copy of the URI.
-std::string_view CheckRegistered(const char* namespaceURI) {
-  if (namespaceURI == nullptr) throw XMP_Error(kXMPErr_BadSchema, "the namespace URI is null");
-  const auto uri = NamespaceRegistry::Global().Find(namespaceURI);
-  if (!uri) {
-    throw XMP_Error(kXMPErr_BadSchema,
-                    "the namespace " + Quoted(namespaceURI) + " is not registered");
-  }
-  return *uri;
-}
-
 std::string_view ResolvePrefix(std::string_view prefix) {
   const auto uri = NamespaceRegistry::Global().URIOf(prefix);
   if (!uri) {
@@ -69,8 +58,9 @@ bool IsAttribute(const PathStep& step) {
 
 }  // namespace
 
-PathExpression::PathExpression(const char* schemaNS, const char* text) {
-  const std::string_view schema = CheckRegistered(schemaNS);
+PathExpression::PathExpression(const char* schemaNS, const char* text, const NameTable* names)
+    : mNames(names) {
+  const std::string_view schema = KnownNamespace(schemaNS);
   if (text == nullptr) throw XMP_Error(kXMPErr_BadXPath, "the path is null");
   mText = text;
   std::size_t position = FindStepBegin(mText, 0);
@@ -85,7 +75,7 @@ PathExpression::PathExpression(const char* schemaNS, const char* text) {
 }
 
 void PathExpression::AppendField(const char* fieldNS, const char* fieldName) {
-  const std::string_view uri = CheckRegistered(fieldNS);
+  const std::string_view uri = KnownNamespace(fieldNS);
   const std::string_view text = fieldName == nullptr ? std::string_view() : fieldName;
   const QualifiedName name = SplitName(text);
   if (!name.mWellFormed) throw XMP_Error(kXMPErr_BadXPath, Quoted(text) + " is no field name");
@@ -102,6 +92,13 @@ std::string PathExpression::Describe(std::size_t count) const {
     return Quoted(std::string(mText).append("/").append(mField));
   }
   return Quoted(mText.substr(0, mSteps[count - 1].mTextEnd));
+}
+
+std::string_view PathExpression::KnownNamespace(const char* uri) const {
+  if (uri == nullptr) throw XMP_Error(kXMPErr_BadSchema, "the namespace URI is null");
+  if (const auto registered = NamespaceRegistry::Global().Find(uri)) return *registered;
+  if (mNames != nullptr && mNames->HasNamespace(uri)) return uri;
+  throw XMP_Error(kXMPErr_BadSchema, "the namespace " + Quoted(uri) + " is not registered");
 }
 
 void PathExpression::ReadStep(std::size_t& position) {

@@ -17,7 +17,7 @@ struct PathStep {
   enum class Kind { kName, kItem, kLastItem, kQualifier };
 
   Kind mKind;
-  std::string_view mURI;        // of a name or qualifier; lives as long as the process
+  std::string_view mURI;        // of a name or qualifier; the registry's copy, or the caller's text
   std::string_view mLocalName;  // likewise; lives in the path's text
   std::size_t mItem = 0;        // of kItem, counted from 1
   std::size_t mTextEnd = 0;     // where the step ends in the path's text
@@ -35,9 +35,11 @@ using PathSteps = boost::container::small_vector<PathStep, 4>;
 // kXMP_MaxNesting steps, the first name included.
 class PathExpression {
  public:
-  // Throws BadSchema for a schema that is null or not registered, or prefixes that are not, and
-  // BadXPath for a text that is null or no path, or whose first prefix is not the schema's.
-  PathExpression(const char* schemaNS, const char* text);
+  // Throws BadSchema for a schema that is null, or that neither the registry nor `names` knows, and
+  // for prefixes that are not registered; BadXPath for a text that is null or no path, or whose
+  // first prefix is not the schema's. `names`, those of the metadata that the path leads into, may
+  // be null.
+  PathExpression(const char* schemaNS, const char* text, const NameTable* names = nullptr);
 
   // Adds the step to a field: `fieldName` with or without prefix. Throws as the constructor.
   void AppendField(const char* fieldNS, const char* fieldName);
@@ -49,12 +51,14 @@ class PathExpression {
   std::string Describe() const { return Describe(mSteps.size()); }
 
  private:
+  std::string_view KnownNamespace(const char* uri) const;
   void ReadStep(std::size_t& position);
   void ReadItem(std::size_t& position);
   void AddName(PathStep::Kind kind, std::string_view uri, std::string_view localName);
   void AddStep(const PathStep& step);
   [[noreturn]] void Refuse(const std::string& why) const;
 
+  const NameTable* mNames;
   std::string_view mText;
   std::string_view mField;  // what AppendField added
   PathSteps mSteps;

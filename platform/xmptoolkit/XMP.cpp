@@ -27,9 +27,13 @@ std::string_view TextOrNothing(const char* text) {
   return text == nullptr ? std::string_view() : text;
 }
 
-PathExpression FieldPath(const char* schemaNS, const char* structName, const char* fieldNS,
-                         const char* fieldName) {
-  PathExpression path(schemaNS, structName);
+PathExpression PathInto(const Document& document, const char* schemaNS, const char* text) {
+  return {schemaNS, text, &document.mNames};
+}
+
+PathExpression FieldPath(const Document& document, const char* schemaNS, const char* structName,
+                         const char* fieldNS, const char* fieldName) {
+  PathExpression path = PathInto(document, schemaNS, structName);
   path.AppendField(fieldNS, fieldName);
   return path;
 }
@@ -93,64 +97,66 @@ bool TXMPMeta<tStringObj>::RegisterNamespace(const char* namespaceURI, const cha
 template <typename tStringObj>
 bool TXMPMeta<tStringObj>::GetProperty(const char* schemaNS, const char* propName,
                                        tStringObj* value, XMP_OptionBits* options) const {
-  return Read(*mDocument, PathExpression(schemaNS, propName), value, options);
+  return Read(*mDocument, PathInto(*mDocument, schemaNS, propName), value, options);
 }
 
 template <typename tStringObj>
 void TXMPMeta<tStringObj>::SetProperty(const char* schemaNS, const char* propName,
                                        const char* value, XMP_OptionBits options) {
-  SetNode(*mDocument, PathExpression(schemaNS, propName), OptionalText(value), options);
+  SetNode(*mDocument, PathInto(*mDocument, schemaNS, propName), OptionalText(value), options);
 }
 
 template <typename tStringObj>
 void TXMPMeta<tStringObj>::SetProperty(const char* schemaNS, const char* propName,
                                        const tStringObj& value, XMP_OptionBits options) {
-  SetNode(*mDocument, PathExpression(schemaNS, propName), value, options);
+  SetNode(*mDocument, PathInto(*mDocument, schemaNS, propName), value, options);
 }
 
 template <typename tStringObj>
 bool TXMPMeta<tStringObj>::DoesPropertyExist(const char* schemaNS, const char* propName) const {
-  return FindNode(*mDocument, PathExpression(schemaNS, propName)) != nullptr;
+  return FindNode(*mDocument, PathInto(*mDocument, schemaNS, propName)) != nullptr;
 }
 
 template <typename tStringObj>
 void TXMPMeta<tStringObj>::DeleteProperty(const char* schemaNS, const char* propName) {
-  DeleteNode(*mDocument, PathExpression(schemaNS, propName));
+  DeleteNode(*mDocument, PathInto(*mDocument, schemaNS, propName));
 }
 
 template <typename tStringObj>
 XMP_Index TXMPMeta<tStringObj>::CountArrayItems(const char* schemaNS, const char* arrayName) const {
-  return CountItems(*mDocument, PathExpression(schemaNS, arrayName));
+  return CountItems(*mDocument, PathInto(*mDocument, schemaNS, arrayName));
 }
 
 template <typename tStringObj>
 void TXMPMeta<tStringObj>::AppendArrayItem(const char* schemaNS, const char* arrayName,
                                            XMP_OptionBits arrayOptions, const char* itemValue,
                                            XMP_OptionBits itemOptions) {
-  AppendItem(*mDocument, PathExpression(schemaNS, arrayName), arrayOptions, OptionalText(itemValue),
-             itemOptions);
+  AppendItem(*mDocument, PathInto(*mDocument, schemaNS, arrayName), arrayOptions,
+             OptionalText(itemValue), itemOptions);
 }
 
 template <typename tStringObj>
 bool TXMPMeta<tStringObj>::GetStructField(const char* schemaNS, const char* structName,
                                           const char* fieldNS, const char* fieldName,
                                           tStringObj* fieldValue, XMP_OptionBits* options) const {
-  return Read(*mDocument, FieldPath(schemaNS, structName, fieldNS, fieldName), fieldValue, options);
+  return Read(*mDocument, FieldPath(*mDocument, schemaNS, structName, fieldNS, fieldName),
+              fieldValue, options);
 }
 
 template <typename tStringObj>
 void TXMPMeta<tStringObj>::SetStructField(const char* schemaNS, const char* structName,
                                           const char* fieldNS, const char* fieldName,
                                           const char* fieldValue, XMP_OptionBits options) {
-  SetNode(*mDocument, FieldPath(schemaNS, structName, fieldNS, fieldName), OptionalText(fieldValue),
-          options);
+  SetNode(*mDocument, FieldPath(*mDocument, schemaNS, structName, fieldNS, fieldName),
+          OptionalText(fieldValue), options);
 }
 
 template <typename tStringObj>
 void TXMPMeta<tStringObj>::SetStructField(const char* schemaNS, const char* structName,
                                           const char* fieldNS, const char* fieldName,
                                           const tStringObj& fieldValue, XMP_OptionBits options) {
-  SetNode(*mDocument, FieldPath(schemaNS, structName, fieldNS, fieldName), fieldValue, options);
+  SetNode(*mDocument, FieldPath(*mDocument, schemaNS, structName, fieldNS, fieldName), fieldValue,
+          options);
 }
 
 template <typename tStringObj>

@@ -15,9 +15,11 @@
 // Names: a property is named by its schema's namespace URI and a path. The path's first step is a
 // property name, with or without prefix ("action", "xmpScript:action"); further steps are array
 // items, counted from 1 ("name[3]", "name[last()]"), struct fields, always with a prefix
-// ("name[1]/prefix:field"), and qualifiers ("name[1]/?xml:lang"). Prefixes and schema URIs are
-// those of the process-wide registry. A step that does not fit the data, such as a field of what is
-// no struct, is refused by every operation; what a path leads to without being there is absent.
+// ("name[1]/prefix:field"), and qualifiers ("name[1]/?xml:lang"). Prefixes are those of the
+// process-wide registry; so are namespace URIs, but those that an object's own metadata uses are
+// known to it, too, so that what was read can be asked for at once. A step that does not fit the
+// data, such as a field of what is no struct, is refused by every operation; what a path leads to
+// without being there is absent.
 //
 // Errors: every operation that refuses its arguments throws XMP_Error, whose message says what was
 // refused, and leaves the object as it was. std::bad_alloc passes through.
@@ -65,7 +67,7 @@ inline constexpr int kXMP_MaxNesting = 100;
 
 enum XMP_ErrorID : std::int32_t {
   kXMPErr_BadParam = 4,      // an argument that no call could accept, such as an index of 0
-  kXMPErr_BadSchema = 101,   // a namespace URI or prefix that is not registered
+  kXMPErr_BadSchema = 101,   // a namespace URI or prefix that is not known
   kXMPErr_BadXPath = 102,    // a path that cannot be read, or that does not fit the data
   kXMPErr_BadOptions = 103,  // option bits that contradict each other or the property
   kXMPErr_BadIndex = 104,    // an array index outside the array

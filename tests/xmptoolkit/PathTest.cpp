@@ -69,11 +69,27 @@ TEST_F(PathTest, RefusesWhatIsNoPathOrDoesNotFit) {
   EXPECT_EQ(Serialize(mMeta), before);
 }
 
-TEST_F(PathTest, SchemasHaveToBeRegistered) {
-  for (const char* schema : {static_cast<const char*>(nullptr), "", "urn:unheard-of#"}) {
+TEST_F(PathTest, SchemasHaveToBeRegisteredOrInUse) {
+  constexpr const char* kUnheardOf = "urn:unheard-of#";
+  for (const char* schema : {static_cast<const char*>(nullptr), "", kUnheardOf}) {
     ExpectError([&] { mMeta.DoesPropertyExist(schema, "a"); }, "101 ");
     ExpectError([&] { mMeta.GetStructField(kQ, "a", schema, "f", nullptr, nullptr); }, "101 ");
   }
+  Meta meta = Parse(Described("<a xmlns='urn:unheard-of#' rdf:parseType='Resource'><f>1</f></a>"));
+  meta.SetStructField(kUnheardOf, "a", kUnheardOf, "g", "2");
+  meta.AppendArrayItem(kUnheardOf, "new", kXMP_PropValueIsArray, "3");
+  std::string value;
+  EXPECT_TRUE(meta.GetStructField(kUnheardOf, "a", kUnheardOf, "f", &value, nullptr));
+  EXPECT_EQ(value, "1");
+  ExpectReadsAs(
+      "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+      "<rdf:Description rdf:about='' xmlns='urn:unheard-of#'>"
+      "<a rdf:parseType='Resource'><f>1</f><g>2</g></a>"
+      "<new><rdf:Bag><rdf:li>3</rdf:li></rdf:Bag></new></rdf:Description></rdf:RDF>",
+      meta);
+  meta.DeleteProperty(kUnheardOf, "a");
+  EXPECT_FALSE(meta.DoesPropertyExist(kUnheardOf, "a"));
+  ExpectError([&] { meta.DoesPropertyExist(kUnheardOf, "u:a"); }, "101 ...prefix");
 }
 
 TEST_F(PathTest, FieldsAreNamedByNamespaceAndName) {

@@ -44,6 +44,17 @@ TEST_F(SidecarTest, WriteTellsWhatItTouchedAndClearTakesItAway) {
   EXPECT_THAT(FilesHere(), ElementsAre("clip.xmp", "story.quor"));
 }
 
+// Each is asked for as the first thing of its process.
+TEST_F(SidecarTest, OneStoryPropertyIsEnough) {
+  for (const std::string property : {"sceneSetting", "sceneTimeOfDay", "action"}) {
+    Write("clip.xmp",
+          "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
+          "rdf:about='' xmlns:p='http://ns.zelhost.example/metadata/script/1.0/' p:" +
+              property + "='X'/></rdf:RDF>");
+    EXPECT_EQ(Tool({"has", "clip.xmp"}).mOutput, "yes\n") << property;
+  }
+}
+
 TEST_F(SidecarTest, OthersReadTheTriplesThatWereMeant) {
   if (!IsInstalled("rapper") || !IsInstalled("xmllint"))
     GTEST_SKIP() << "rapper or xmllint missing";
