@@ -140,6 +140,15 @@ DecodedUTF8 DecodeUTF8(std::string_view bytes) {
   return {character, static_cast<std::size_t>(lead.mLength), true};
 }
 
+bool IsUTF8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const DecodedUTF8 decoded = DecodeUTF8(bytes);
+    if (!decoded.mWellFormed) return false;
+    bytes.remove_prefix(decoded.mBytes);
+  }
+  return true;
+}
+
 UTF16String AsciiToUTF16(std::string_view ascii) {
   UTF16String text(ascii.size(), u'\0');
   std::transform(ascii.begin(), ascii.end(), text.begin(), [](char byte) {

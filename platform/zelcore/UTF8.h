@@ -19,6 +19,9 @@ struct DecodedUTF8 {
 // Decodes the first character of `bytes`, which must not be empty.
 DecodedUTF8 DecodeUTF8(std::string_view bytes);
 
+// Whether all of `bytes` is well-formed.
+bool IsUTF8(std::string_view bytes);
+
 // Appends a Unicode scalar value to a string of bytes.
 template <typename Bytes>
 void AppendUTF8(char32_t character, Bytes& bytes) {

@@ -96,6 +96,7 @@ TEST(Reader, ReportsEventsInDocumentOrder) {
       <r xmlns='u' xmlns:p='v' p:a='1' a='2'><p:s/></r> => <r a='2' p:a='1' xmlns='u' xmlns:p='v'><p:s></p:s></r>
       <p:r q:a='1'><a:b:c/></p:r> => <p:r q:a='1'><a:b:c></a:b:c></p:r> ;; <ré é='ü𝄞'>𝄞</ré> => <ré é='ü𝄞'>'𝄞'</ré>
       <r>a<![CDATA[<b>&amp;]]>c<![CDATA[]]></r> => <r>'a'['<b>&amp;']'c'[]</r>
+      <r>1<![CDATA[\r\n2\r\r]]><![CDATA[\n&]]></r> => <r>'1'['\n2\n\n']['\n&']</r>
       <r><![CDATA[a]]><![CDATA[b]]></r> => <r>['a']['b']</r> ;; <r>a<!-- -c -->b<?pi?>c</r> => <r>'a'! -c !'bc'</r>
       <r a='&lt;&#x1D11E;&quot;'>&lt;&gt;&amp;&apos;&#233;&#x1D11E;</r> => <r a='<𝄞"'>'<>&'é𝄞'</r>
       <r a='x\r\ny\tz&#10;'>1\r\n2\r3\n4&#13;</r> => <r a='x y z\n'>'1\n2\n3\n4\r'</r>
@@ -134,7 +135,7 @@ TEST(Reader, PiecesOfLongDocumentsDoNotShow) {
   constexpr std::size_t kPiece = 64 * 1024;
   const std::string content = "é<s é='ü&amp;\n𝄞'\n  b='1'/>\r\nté€xt𝄞&lt;&#233;<t\n/>\n𝄞</r\n>";
   const std::string events = "<s b='1' é='ü& 𝄞'></s>'\nté€xt𝄞<é'<t></t>'\n𝄞'</r>$";
-  const std::string others = "<r><!--é-->a<![CDATA[é𝄞]]>b<?é é?>c</r>";
+  const std::string others = "<r><!--é-->a<![CDATA[é\r\n𝄞]]>b<?é é?>c</r>";
   for (const char filler : {' ', '\n'}) {
     for (std::size_t i = 0; i <= content.size(); ++i) {
       const std::size_t length = kPiece - 3 - i, lines = filler == '\n' ? length : 0;
@@ -150,16 +151,53 @@ TEST(Reader, PiecesOfLongDocumentsDoNotShow) {
   }
   for (std::size_t i = 0; i <= others.size(); ++i) {
     const std::string document = std::string(kPiece - i, ' ') + others;
-    ASSERT_EQ(ParseAll(document, i % 2 == 0).mEvents, "^<r>!é!'a'['é𝄞']'bc'</r>$") << i;
+    ASSERT_EQ(ParseAll(document, i % 2 == 0).mEvents, "^<r>!é!'a'['é\n𝄞']'bc'</r>$") << i;
+  }
+  for (int i = 290; i < 310; ++i) {  // sections come in pieces of their own
+    const std::string filling = std::string(2 * static_cast<std::size_t>(i), 'x');
+    ASSERT_EQ(Events("<r><![CDATA[" + filling + "\r\ny]]></r>"), "^<r>['" + filling + "\ny']</r>$");
   }
 }
 
+// Latin-1, so that each character is a byte, and a column.
+std::string ManyPlaces(std::string& places) {
+  std::string document = "<?xml version='1.0' encoding='ISO-8859-1'?> <r>";
+  places = "1:45 ";
+  std::int64_t column = 48;
+  for (int line = 1; line < 3000; ++line) {
+    const std::string at = std::to_string(line) + ":" + std::to_string(column + line % 97) + " ";
+    document += std::string(static_cast<std::size_t>(line % 97), '\xE9') + "<b a='\xE9'\n/>";
+    places += at + at;
+    column = 3;
+  }
+  places += "3000:3 ";
+  return document + "</r>";
+}
+
 TEST(Reader, KnowsThePlacesOfTags) {
+  std::string places;
+  EXPECT_EQ(ParseAll(ManyPlaces(places), true).mPositions, places);
+  EXPECT_EQ(ParseAll(std::string(65'500, '\n') + "<r><b/></r>").mPositions,
+            "65501:1 65501:4 65501:4 65501:8 ");
   EXPECT_EQ(ParseAll("\xEF\xBB\xBF<r>é<a/></r>", true).mPositions, "1:1 1:5 1:5 1:9 ");
   EXPECT_EQ(ParseAll(InUTF16(u"\n<r>é𝄞<a/></r>", true), true).mPositions, "2:1 2:6 2:6 2:10 ");
   EXPECT_THAT(  // tags of an entity are where it is referred to
       ParseAll("<!DOCTYPE r [<!ENTITY e '<b>t</b>'>]>\n<r>\n  &e;\n    &e;</r>").mPositions,
       ::testing::MatchesRegex("2:1 3:[3-6] 3:[3-6] 4:[5-8] 4:[5-8] 4:8 "));
+}
+
+TEST(Reader, KnowsItsPlaceAgainAfterAnotherDocumentWithinACallback) {
+  struct Nesting : AbstractParseHandler {
+    void StartElement(const UTF16String& name,
+                      const std::map<UTF16String, UTF16String>& /*attributes*/) override {
+      if (name == u"r") EXPECT_TRUE(mReader.ParseBuffer("\n\n<inner/>", "inner", *this));
+      mLines.push_back(mReader.CurrentPosition().mLine);
+    }
+    Reader mReader;
+    std::vector<std::int64_t> mLines;
+  } handler;
+  EXPECT_TRUE(handler.mReader.ParseBuffer("\n<r>\n\n<s/></r>", "outer", handler));
+  EXPECT_EQ(handler.mLines, (std::vector<std::int64_t>{3, 2, 4}));
 }
 
 TEST(Reader, LimitsMarkupButNotText) {
@@ -209,8 +247,11 @@ TEST(ReaderErrors, NameThePlace) {  // line, and what was reported before, unles
       <r a='1' a='2'/> => 1 ;; <r>\n<a b=1/></r> => 2 => <r>'\n' ;; <r>\n<a b='<'/></r> => 2 => <r>'\n'
       <r>\n&undeclared;</r> => 2 => <r>'\n' ;; <r>\na & b</r> => 2 => <r>'\na ' ;; <r>\n&#0;</r> => 2 => <r>'\n'
       <r>\n&#xD800;</r> => 2 => <r>'\n' ;; <r>\n\x01</r> => 2 => ? ;; <r>\n\xC3(</r> => 2 => ? ;; <r>\n]]></r> => 2 => ?
-      <r>\n<!-- -- --></r> => 2 => ? ;; \s<?xml version='1.0'?><r/> => 1 ;; => 1 ;; \s => 1 ;; \n\s => ?
+      <r>\n<![CDATA[\xC1\x81]]></r> => 2 => ? ;; <r>\n<!-- -- --></r> => 2 => ? ;; \s<?xml version='1.0'?><r/> => 1 ;; => 1 ;; \s => 1 ;; \n\s => ?
       <?xml version='1.0' encoding='klingon'?><r/> => 1 ;; <?xml version='1.0' encoding='US-ASCII'?>\n<r>\xE9</r> => 2 => ?
+      <?xml version='1.0' encoding='windows-1252'?>\n<r>\n<b/>\x81</r> => 3:5: bytes that are no text in the document's encoding => ?
+      <?xml version='1.0' encoding='US-ASCII'?>\n<r/>\n\xE9 => 3:1: bytes that are no text in the document's encoding => <r></r>
+      <?xml version='1.0' encoding='UTF-8'?>\n<r>\xE9</r> => 2 => ? ;; <?xml version='1.0' encoding='Shift_JIS'?><r>\x83 => 1:46: bytes that are no text in the document's encoding => ?
       <!DOCTYPE r [<!ENTITY e SYSTEM 'file:///etc/hostname'>]>\n<r>&e;</r> => 2 => <r>
       <!DOCTYPE r [<!ENTITY e SYSTEM '/dev/zero'>]>\n<r a='&e;'/> => 2
       <!DOCTYPE r [<!ENTITY % p SYSTEM 'file:///etc/hostname'>\n%p;]><r/> => 2
@@ -282,6 +323,30 @@ TEST(ReaderErrors, DepthIsLimited) {
   EXPECT_EQ(events, "^" + Repeated("<a>", 10'000) + "$");
   const std::string entity = "<!DOCTYPE r [<!ENTITY e '" + nested(100) + "'>]>";
   EXPECT_NE(Error(entity + Repeated("<a>", 9'950) + "&e;" + Repeated("</a>", 9'950)), "");
+}
+
+TEST(ReaderErrors, AttributesAreLimited) {
+  const auto numbered = [](const std::string& before, int count, const std::string& after) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += before + std::to_string(i) + after;
+    return text;
+  };
+  const auto defaults = [&](int count) {
+    return "<!DOCTYPE r [<!ATTLIST b " + numbered("a", count, " CDATA '' ") + ">]>";
+  };
+  constexpr int kMost = 10'000;
+  EXPECT_EQ(Error("<r" + numbered(" a", kMost, "=''") + "/>"), "");
+  EXPECT_EQ(Error(defaults(kMost) + "<r><b/></r>"), "");
+  EXPECT_EQ(Error("<r" + numbered(" xmlns:n", kMost, "='u'") + "/>"), "");
+  for (const std::string& document :
+       {"<r" + numbered(" a", kMost + 1, "=''") + "/>",  // in a tag
+        "<r" + numbered(" a", 1'000'000, "=''") + "/>",  // which takes long to its end
+        defaults(kMost + 1) + "<r/>",                    // declared
+        "<r" + numbered(" xmlns:a", kMost, "='u'") + "><b xmlns='u'/></r>",
+        defaults(kMost) + "<r>" + Repeated("<b/>", 100) + "</r>"}) {
+    EXPECT_THAT(Error(document), ::testing::ContainsRegex("more than 10000|default attributes"))
+        << document.substr(0, 60);
+  }
 }
 
 TEST(ReaderErrors, FilesThatCannotBeRead) {

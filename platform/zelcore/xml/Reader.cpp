@@ -194,9 +194,10 @@ Reader::~Reader() = default;
 template <typename Parse>
 bool Reader::Run(std::string source, AbstractParseHandler& handler, Parse parse) {
   struct Running {
-    Running(Adapter*& slot, Adapter* adapter) : mSlot(slot) { mSlot = adapter; }
-    ~Running() { mSlot = nullptr; }
+    Running(Adapter*& slot, Adapter* adapter) : mSlot(slot), mOuter(std::exchange(slot, adapter)) {}
+    ~Running() { mSlot = mOuter; }
     Adapter*& mSlot;
+    Adapter* mOuter;  // of a parse whose handler reads another document
   };
   Adapter adapter(handler);
   const Running running(mRunning, &adapter);

@@ -12,6 +12,7 @@
 #include <libxml/parserInternals.h>
 #include <libxml/xmlerror.h>
 
+#include <zelcore/UTF8.h>
 #include <zelcore/xml/SAXDriver.h>
 #include <zelcore/xml/TextWindow.h>
 
@@ -36,6 +37,28 @@ std::string OneLine(const char* message) {
   return line;
 }
 
+// Bytes of the document, or of what the library has made of it in UTF-8.
+std::size_t OffsetOf(const xmlParserInput& input) {
+  return input.consumed + static_cast<std::size_t>(input.cur - input.base);
+}
+
+std::string_view Content(xmlBufPtr buffer) {
+  return {reinterpret_cast<const char*>(xmlBufContent(buffer)), xmlBufUse(buffer)};
+}
+
+// How many values are quoted in the beginning of a tag.
+std::size_t CountValues(std::string_view tag) {
+  std::size_t count = 0;
+  std::size_t quote = tag.find_first_of("\"'");
+  while (quote != std::string_view::npos) {
+    const std::size_t end = tag.find(tag[quote], quote + 1);
+    if (end == std::string_view::npos) break;
+    ++count;
+    quote = tag.find_first_of("\"'", end + 1);
+  }
+  return count;
+}
+
 struct ContextDeleter {
   void operator()(xmlParserCtxt* context) const {
     if (context->myDoc != nullptr) xmlFreeDoc(context->myDoc);
@@ -45,15 +68,15 @@ struct ContextDeleter {
 
 }  // namespace
 
-// Many of the library's functions know no parse: where they find no memory they say so to the
-// thread at large (by default on standard error), and their callers go on and complain of what they
-// then miss.
+class ParseState;
+
+// Many of the library's functions know no parse: where they find no memory, or bytes that cannot be
+// converted, they say so to the thread at large (by default on standard error), and their callers
+// go on and complain of what they then miss.
 class ErrorTrap {
  public:
-  explicit ErrorTrap(bool& hasNoMemory)
-      : mHasNoMemory(hasNoMemory),
-        mFunction(xmlStructuredError),
-        mContext(xmlStructuredErrorContext) {
+  explicit ErrorTrap(ParseState& state)
+      : mState(state), mFunction(xmlStructuredError), mContext(xmlStructuredErrorContext) {
     xmlSetStructuredErrorFunc(this, Catch);
   }
   ~ErrorTrap() { xmlSetStructuredErrorFunc(mContext, mFunction); }
@@ -61,13 +84,9 @@ class ErrorTrap {
   ErrorTrap& operator=(const ErrorTrap&) = delete;
 
  private:
-  static void Catch(void* context, xmlErrorPtr error) {
-    const ErrorTrap& trap = *static_cast<ErrorTrap*>(context);
-    if (error->code == XML_ERR_NO_MEMORY) trap.mHasNoMemory = true;
-    if (trap.mFunction != nullptr) trap.mFunction(trap.mContext, error);
-  }
+  static void Catch(void* context, xmlErrorPtr error);
 
-  bool& mHasNoMemory;
+  ParseState& mState;
   const xmlStructuredErrorFunc mFunction;
   void* const mContext;
 };
@@ -88,6 +107,7 @@ class ParseState {
     if (mHalted) return;
     mInner = static_cast<xmlParserCtxt*>(context);
     try {
+      FollowInput();
       action();
     } catch (...) {
       mException = std::current_exception();
@@ -106,45 +126,32 @@ class ParseState {
     Halt();
   }
 
-  // Where the library reads in the document; in the text of an entity, behind the reference to it.
-  Position ReadingPosition() const {
-    const xmlParserInput* input = mContext ? mContext->input : nullptr;
-    if (input == nullptr) return {};
-    return IsConverted(*input) ? Position{input->line, input->col} : mWindow.At(OffsetOf(*input));
+  void RefuseMoreThan(std::size_t limit, const char* what) {
+    Refuse("more than " + std::to_string(limit) + " " + what);
   }
 
-  Position CurrentPosition() const {
-    return mInTag && mInner == mContext.get() && mContext->input != nullptr
-               ? TagPosition(*mContext->input)
-               : ReadingPosition();
+  // The document; the texts of entities are inputs of their own. Null before it has begun, and when
+  // the library has given it up.
+  const xmlParserInput* Input() const {
+    const bool isThere = mContext && mContext->inputNr > 0 && mContext->inputTab[0]->buf;
+    return isThere ? mContext->inputTab[0] : nullptr;
+  }
+
+  void FollowInput();
+  void Take(std::size_t offset, std::string_view bytes);
+
+  // Up to where the library has read; in the text of an entity, behind the reference to it.
+  Position ReadingPosition() const {
+    if (mHasWindow) return mWindow.At(mRead);
+    const xmlParserInput* input = Input();  // no further than the XML declaration
+    return input == nullptr ? Position{} : Position{input->line, input->col};
   }
 
   // The library reads at or behind a tag's end when it reports the tag; no "<" can stand inside a
   // tag, so the last one before is the tag's own.
-  Position TagPosition(const xmlParserInput& input) const {
-    if (!IsConverted(input)) return mWindow.At(mWindow.LastTagBefore(OffsetOf(input)));
-    const std::string_view read = View(input.base, input.cur);
-    const std::size_t tag = read.rfind('<');
-    const std::size_t newline = read.rfind('\n', tag);
-    if (tag == std::string_view::npos || newline == std::string_view::npos) {
-      return ReadingPosition();
-    }
-    const std::size_t lineStart = newline + 1;
-    TextWindow line;
-    line.Append(read.substr(lineStart));
-    const auto newlines =
-        std::count(read.begin() + static_cast<std::ptrdiff_t>(tag), read.end(), '\n');
-    return {input.line - newlines, line.At(tag - lineStart).mColumn};
-  }
-
-  // The library converts other encodings than UTF-8 before it reads, so that its offsets are not
-  // the document's.
-  static bool IsConverted(const xmlParserInput& input) {
-    return input.buf != nullptr && input.buf->encoder != nullptr;
-  }
-
-  static std::size_t OffsetOf(const xmlParserInput& input) {
-    return input.consumed + static_cast<std::size_t>(input.cur - input.base);
+  Position CurrentPosition() const {
+    const bool isTag = mInTag && mInner == mContext.get();
+    return isTag ? mWindow.At(mWindow.LastTagBefore(mRead)) : ReadingPosition();
   }
 
   std::string ReasonOf(const xmlError& error) const {
@@ -161,13 +168,17 @@ class ParseState {
   // by long default attributes of short tags.
   void Account(std::size_t bytes) {
     mDelivered += bytes;
-    if (mDelivered > 4 * mFed + kMostExpandedBytes) Refuse("entities expand beyond the limit");
+    if (mDelivered > 4 * mFed + kMostExpandedBytes)
+      Refuse("entities or default attributes expand beyond the limit");
   }
 
-  void StartElement(const xmlChar* localName, const xmlChar* prefix, const xmlChar* uri,
-                    int namespaceCount, const xmlChar** namespaces, int attributeCount,
-                    const xmlChar** attributes);
+  void StartElement(const NameView& name, std::span<const xmlChar*> namespaces,
+                    std::span<const xmlChar*> attributes, std::size_t defaulted);
+  void CDATA(std::string_view text);
   void EndCDATASection();
+  void StrayError(const xmlError& error);
+  void RefuseUnconverted();
+  void CheckLimits();
   bool Feed(std::string_view bytes, bool isLast);
   std::optional<SyntaxError> Finish(bool anyBytes);
 
@@ -176,44 +187,128 @@ class ParseState {
   xmlParserCtxt* mInner = nullptr;
   std::exception_ptr mException;
   std::optional<SyntaxError> mError;
-  TextWindow mWindow;
+  TextWindow mWindow;     // in UTF-8, whatever the document's encoding
+  std::size_t mRead = 0;  // the offset in the window up to where the library has read
+  bool mHasWindow = false;
   std::size_t mDepth = 0;
+  std::size_t mDeclaredAttributes = 0;
   std::size_t mFed = 0;
   std::size_t mDelivered = 0;
   bool mRootEnded = false;
   bool mHalted = false;
   bool mInTag = false;
   bool mInCDATA = false;
+  bool mEndsInCR = false;  // the piece of a CDATA section before
+  std::string mText;       // a piece of a CDATA section with its line ends normalised
   bool mHasNoMemory = false;
   std::vector<NamespaceView> mDeclarations;
   std::vector<AttributeView> mAttributes;
 };
 
-void ParseState::StartElement(const xmlChar* localName, const xmlChar* prefix, const xmlChar* uri,
-                              int namespaceCount, const xmlChar** namespaces, int attributeCount,
-                              const xmlChar** attributes) {
-  if (++mDepth > kMostOpenElements) {
-    return Refuse("more than " + std::to_string(kMostOpenElements) + " elements are open");
+void ErrorTrap::Catch(void* context, xmlErrorPtr error) {
+  const ErrorTrap& trap = *static_cast<ErrorTrap*>(context);
+  trap.mState.StrayError(*error);
+  if (trap.mFunction != nullptr) trap.mFunction(trap.mContext, error);
+}
+
+void ParseState::StrayError(const xmlError& error) {
+  if (error.code == XML_ERR_NO_MEMORY) mHasNoMemory = true;
+  if (error.code != XML_I18N_CONV_FAILED || mException) return;
+  try {
+    RefuseUnconverted();
+  } catch (...) {
+    mException = std::current_exception();
+    mHalted = true;
+  }
+}
+
+// Refuses a document of which a part could not be converted, where that part begins.
+void ParseState::RefuseUnconverted() {
+  const xmlParserInput* input = Input();
+  if (input == nullptr || input->buf->encoder == nullptr || mError) return;
+  const std::string_view rest = Content(input->buf->raw);
+  if (rest.empty()) return;
+  // In the declaration that names the encoding, the library has put aside what it has read.
+  if (!mHasWindow) mWindow.Restart(input->consumed, {input->line, input->col});
+  Take(input->consumed, Content(input->buf->buffer));
+  std::string reason = "bytes that are no text in the document's encoding:";
+  for (const char byte : rest.substr(0, 4)) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const auto value = static_cast<unsigned char>(byte);
+    ((reason += " 0x") += kDigits[value / 16]) += kDigits[value % 16];
+  }
+  mError = SyntaxError{mWindow.At(mWindow.End()), std::move(reason)};
+  mHalted = true;
+}
+
+// Called wherever the library lets go, since it converts by itself what it is fed and drops what it
+// has read.
+void ParseState::FollowInput() {
+  const xmlParserInput* input = Input();
+  if (input == nullptr || !mHasWindow) return;
+  mRead = OffsetOf(*input);
+  if (mWindow.End() < input->consumed) {
+    // White space without end goes by in silence: its lines are counted back from here.
+    const std::string_view read = View(input->base, input->cur);
+    const auto newlines = std::count(read.begin(), read.end(), '\n');
+    const auto column = newlines > 0 ? 1 : input->col - static_cast<std::int64_t>(read.size());
+    mWindow.Restart(input->consumed, {input->line - newlines, column});
+  }
+  Take(input->consumed, View(input->base, input->end));
+}
+
+// Adds to the window what it has not yet of bytes that begin at `offset`.
+void ParseState::Take(std::size_t offset, std::string_view bytes) {
+  const std::size_t known = mWindow.End() - std::min(offset, mWindow.End());
+  if (known < bytes.size()) mWindow.Append(bytes.substr(known));
+}
+
+void ParseState::StartElement(const NameView& name, std::span<const xmlChar*> namespaces,
+                              std::span<const xmlChar*> attributes, std::size_t defaulted) {
+  if (++mDepth > kMostOpenElements) return RefuseMoreThan(kMostOpenElements, "elements are open");
+  // Two entries a declaration: prefix, URI.
+  if (mInner->nsNr / 2 > static_cast<int>(kMostAttributes)) {
+    return RefuseMoreThan(kMostAttributes, "namespace declarations are in force");
   }
   mDeclarations.clear();
-  for (const xmlChar** entry = namespaces; namespaceCount > 0; --namespaceCount, entry += 2) {
-    mDeclarations.push_back({View(entry[0]), View(entry[1])});
+  for (std::size_t i = 0; i < namespaces.size(); i += 2) {
+    mDeclarations.push_back({View(namespaces[i]), View(namespaces[i + 1])});
   }
-  mAttributes.clear();
-  std::size_t bytes = 1;
   // Five entries an attribute: local name, prefix, URI, first byte of the value, end of the value.
-  for (const xmlChar** entry = attributes; attributeCount > 0; --attributeCount, entry += 5) {
-    mAttributes.push_back(
-        {{View(entry[1]), View(entry[0]), View(entry[2])}, View(entry[3], entry[4])});
-    bytes += mAttributes.back().mValue.size() + 1;
+  const std::size_t count = attributes.size() / 5;
+  if (count > kMostAttributes) return RefuseMoreThan(kMostAttributes, "attributes are in a tag");
+  mAttributes.clear();
+  // The library compares each attribute of a tag with each, and default ones cost no bytes.
+  std::size_t cost = 1 + defaulted * count / 64;
+  for (std::size_t i = 0; i < attributes.size(); i += 5) {
+    mAttributes.push_back({{View(attributes[i + 1]), View(attributes[i]), View(attributes[i + 2])},
+                           View(attributes[i + 3], attributes[i + 4])});
+    cost += mAttributes.back().mValue.size() + 1;
   }
-  Account(bytes);
-  if (!mHalted)
-    mEvents.StartElement({View(prefix), View(localName), View(uri)}, mDeclarations, mAttributes);
+  Account(cost);
+  if (!mHalted) mEvents.StartElement(name, mDeclarations, mAttributes);
+}
+
+// The library hands a section over as it stands: its line ends are those of the document, and
+// bytes longer than their character needs have passed.
+void ParseState::CDATA(std::string_view text) {
+  Account(text.size());
+  if (!mHalted && !utility::IsUTF8(text)) Refuse("a CDATA section is not UTF-8");
+  if (mHalted || text.empty()) return;
+  if (mEndsInCR || text.find('\r') != text.npos) {
+    mText.clear();
+    for (const char c : text) {
+      if (c != '\n' || !mEndsInCR) mText.push_back(c == '\r' ? '\n' : c);
+      mEndsInCR = c == '\r';
+    }
+    text = mText;
+  }
+  if (!text.empty()) mEvents.Characters(text);
 }
 
 void ParseState::EndCDATASection() {
   if (!std::exchange(mInCDATA, false)) return;
+  mEndsInCR = false;
   mEvents.EndCDATA();
 }
 
@@ -221,13 +316,15 @@ namespace {
 
 void OnStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
                     const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
-                    int attributeCount, int /*defaultedCount*/, const xmlChar** attributes) {
+                    int attributeCount, int defaultedCount, const xmlChar** attributes) {
   ParseState& state = ParseState::Of(context);
   state.Guard(context, [&] {
     state.EndCDATASection();
     state.mInTag = true;
-    state.StartElement(localName, prefix, uri, namespaceCount, namespaces, attributeCount,
-                       attributes);
+    state.StartElement({View(prefix), View(localName), View(uri)},
+                       {namespaces, 2 * static_cast<std::size_t>(namespaceCount)},
+                       {attributes, 5 * static_cast<std::size_t>(attributeCount)},
+                       static_cast<std::size_t>(defaultedCount));
     state.mInTag = false;
   });
 }
@@ -264,8 +361,7 @@ void OnCDATA(void* context, const xmlChar* text, int length) {
   state.Guard(context, [&] {
     if (BeginsSection(*static_cast<xmlParserCtxt*>(context)->input, text)) state.EndCDATASection();
     if (!std::exchange(state.mInCDATA, true)) state.mEvents.StartCDATA();
-    state.Account(static_cast<std::size_t>(length));
-    if (!state.mHalted && length > 0) state.mEvents.Characters(View(text, text + length));
+    state.CDATA(View(text, text + length));
   });
 }
 
@@ -285,11 +381,32 @@ void OnProcessingInstruction(void* context, const xmlChar* target, const xmlChar
   });
 }
 
+// Called behind the XML declaration, from which on the encoding stays.
+void OnStartDocument(void* context) {
+  ParseState& state = ParseState::Of(context);
+  if (const xmlParserInput* input = state.Input()) {
+    state.mWindow.Restart(OffsetOf(*input), {input->line, input->col});
+    state.mHasWindow = true;
+  }
+  xmlSAX2StartDocument(context);
+}
+
 void OnInternalSubset(void* context, const xmlChar* name, const xmlChar* publicID,
                       const xmlChar* systemID) {
   ParseState& state = ParseState::Of(context);
   state.Guard(context, [&] { state.mEvents.Doctype(); });
   if (!state.mHalted) xmlSAX2InternalSubset(context, name, publicID, systemID);
+}
+
+void OnAttributeDeclaration(void* context, const xmlChar* /*element*/, const xmlChar* /*name*/,
+                            int /*type*/, int /*kind*/, const xmlChar* /*value*/,
+                            xmlEnumerationPtr values) {
+  xmlFreeEnumeration(values);
+  ParseState& state = ParseState::Of(context);
+  state.Guard(context, [&] {
+    if (++state.mDeclaredAttributes <= kMostAttributes) return;
+    state.RefuseMoreThan(kMostAttributes, "attributes are declared");
+  });
 }
 
 // Every reference to an entity comes through here, also those inside other entities.
@@ -329,12 +446,15 @@ void OnError(void* context, xmlErrorPtr error) {
   const bool losesText =
       error->code == XML_ERR_UNDECLARED_ENTITY || error->code == XML_WAR_UNDECLARED_ENTITY;
   if (state.mError || (error->level != XML_ERR_FATAL && !losesText)) return;
-  // The library may have counted lines further than it says that it has read.
-  Position position = state.ReadingPosition();
-  if (context == state.mContext.get() && error->line > position.mLine) {
-    position = {error->line, std::max(error->int2, 1)};
-  }
   try {
+    state.FollowInput();
+    if (error->code == XML_ERR_DOCUMENT_END) state.RefuseUnconverted();
+    if (state.mError) return;
+    Position position = state.ReadingPosition();
+    // The library may have counted lines further than it says that it has read.
+    if (context == state.mContext.get() && error->line > position.mLine) {
+      position = {error->line, std::max(error->int2, 1)};
+    }
     state.mError = SyntaxError{position, state.ReasonOf(*error)};
   } catch (...) {
     state.mException = std::current_exception();
@@ -345,12 +465,13 @@ void OnError(void* context, xmlErrorPtr error) {
 xmlSAXHandler MakeHandler() {
   xmlSAXHandler handler{};
   xmlSAXVersion(&handler, 2);
+  handler.startDocument = OnStartDocument;
   handler.internalSubset = OnInternalSubset;
   handler.externalSubset = nullptr;
   handler.resolveEntity = nullptr;
   handler.getEntity = OnGetEntity;
   handler.getParameterEntity = OnGetParameterEntity;
-  handler.attributeDecl = nullptr;
+  handler.attributeDecl = OnAttributeDeclaration;
   handler.elementDecl = nullptr;
   handler.reference = nullptr;
   handler.startElementNs = OnStartElement;
@@ -373,7 +494,7 @@ void InitialiseLibrary() {
 
 ParseState::ParseState(SAXEvents& events) : mEvents(events) {
   InitialiseLibrary();
-  const ErrorTrap trap(mHasNoMemory);
+  const ErrorTrap trap(*this);
   xmlSAXHandler handler = MakeHandler();
   mContext.reset(xmlCreatePushParserCtxt(&handler, nullptr, nullptr, 0, nullptr));
   if (!mContext) throw std::bad_alloc();
@@ -381,24 +502,33 @@ ParseState::ParseState(SAXEvents& events) : mEvents(events) {
   xmlCtxtUseOptions(mContext.get(), XML_PARSE_NOENT | XML_PARSE_NONET);
 }
 
+void ParseState::CheckLimits() {
+  // The library finds a name ever more slowly among many.
+  if (xmlDictSize(mContext->dict) > static_cast<int>(kMostNames)) {
+    return RefuseMoreThan(kMostNames, "different names are used");
+  }
+  const xmlParserInput* input = Input();
+  if (input == nullptr) return;
+  // Markup is not reported before it ends.
+  const std::string_view pending = View(input->cur, input->end);
+  if (pending.size() > kMostMarkupBytes) {
+    return Refuse("a tag, a comment or other markup is longer than the limit");
+  }
+  const bool isTag = pending.starts_with('<') && !pending.starts_with("<!");
+  if (isTag && CountValues(pending) > kMostAttributes) {
+    RefuseMoreThan(kMostAttributes, "attributes are in a tag");
+  }
+}
+
 // Returns whether more is wanted.
 bool ParseState::Feed(std::string_view bytes, bool isLast) {
   mFed += bytes.size();
-  if (mContext->input != nullptr && !IsConverted(*mContext->input)) {
-    mWindow.DropBefore(OffsetOf(*mContext->input));
-    mWindow.Append(bytes);
-  }
-  const ErrorTrap trap(mHasNoMemory);
+  if (mHasWindow) mWindow.DropBefore(mRead);
+  const ErrorTrap trap(*this);
   xmlParseChunk(mContext.get(), bytes.data(), static_cast<int>(bytes.size()), isLast ? 1 : 0);
-  const xmlParserInput* input = mContext->input;
-  if (!mHalted && input != nullptr &&
-      input->end - input->cur > static_cast<std::ptrdiff_t>(kMostMarkupBytes)) {
-    Refuse("a tag, a comment or other markup is longer than the limit");
-  }
-  // The library finds a name ever more slowly among many.
-  if (!mHalted && xmlDictSize(mContext->dict) > static_cast<int>(kMostNames)) {
-    Refuse("more than " + std::to_string(kMostNames) + " different names are used");
-  }
+  FollowInput();
+  if (isLast) RefuseUnconverted();
+  if (!mHalted) CheckLimits();
   return !mHalted && mContext->wellFormed == 1;
 }
 

@@ -59,7 +59,8 @@ class SAXEvents {
 
 // The limits that every document must keep; beyond one of them it is refused.
 inline constexpr std::size_t kMostOpenElements = 10'000;
-inline constexpr std::size_t kMostNames = 250'000;         // different ones, of whatever kind
+inline constexpr std::size_t kMostNames = 250'000;      // different ones, of whatever kind
+inline constexpr std::size_t kMostAttributes = 10'000;  // of a tag; declared; namespaces in force
 inline constexpr std::size_t kMostMarkupBytes = 8u << 20;  // of one tag, comment, CDATA section ...
 inline constexpr std::size_t kMostExpandedBytes =
     64u << 20;  // delivered above four times what was read
@@ -77,13 +78,15 @@ class ZELPLATFORM_API SAXDriver {
   ~SAXDriver();
 
   // Both read a whole document and return what stopped it, or nothing when it was well-formed to
-  // its end. The encoding is taken from a byte-order mark, then the XML declaration, then UTF-8.
+  // its end. The encoding is the one that the XML declaration names, else that of a byte-order
+  // mark, else UTF-8; bytes that are no text in it are an error.
   // ParseStream reads 64 KiB at a time, so that memory does not grow with the document.
   [[nodiscard]] std::optional<SyntaxError> ParseBuffer(std::string_view bytes);
   [[nodiscard]] std::optional<SyntaxError> ParseStream(std::istream& stream);
 
-  // During a callback: the place of what is being reported. For a start or end tag that is its "<";
-  // in the text of an entity, the place of the reference. Outside a parse: 1:1.
+  // During a callback: for a start or end tag, the place of its "<"; for anything else, the place
+  // up to which the document has been read; for tags in the text of an entity, too, which is right
+  // behind the reference. Outside a parse: 1:1.
   [[nodiscard]] Position CurrentPosition() const;
 
  private:

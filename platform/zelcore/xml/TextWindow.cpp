@@ -20,15 +20,19 @@ std::int64_t CountBytes(std::string_view bytes, Predicate isCounted) {
   return count;
 }
 
-// A column counts characters; continuation bytes are not their beginnings, and a byte-order mark at
-// the document's start is none.
-std::int64_t CountCharacters(std::string_view bytes, bool atDocumentStart) {
-  if (atDocumentStart && bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
+// A column counts characters; continuation bytes are not their beginnings.
+std::int64_t CountCharacters(std::string_view bytes) {
   return CountBytes(bytes,
                     [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; });
 }
 
 }  // namespace
+
+void TextWindow::Restart(std::size_t offset, Position position) {
+  mText.clear();
+  mIndex = 0;
+  mBegin = mLast = {offset, position};
+}
 
 std::size_t TextWindow::Index(std::size_t offset) const {
   return std::min(mIndex + (offset - std::min(offset, mBegin.mOffset)), mText.size());
@@ -41,10 +45,10 @@ Position TextWindow::At(std::size_t offset) const {
   Position position = from.mPosition;
   const std::size_t newline = passed.rfind('\n');
   if (newline == std::string_view::npos) {
-    position.mColumn += CountCharacters(passed, from.mOffset == 0);
+    position.mColumn += CountCharacters(passed);
   } else {
     position.mLine += CountBytes(passed, [](char byte) { return byte == '\n'; });
-    position.mColumn = 1 + CountCharacters(passed.substr(newline + 1), false);
+    position.mColumn = 1 + CountCharacters(passed.substr(newline + 1));
   }
   mLast = {from.mOffset + passed.size(), position};
   return position;

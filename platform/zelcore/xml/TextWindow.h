@@ -9,10 +9,15 @@
 namespace zelcore::xml {
 
 // The part of a UTF-8 document that has been read but not yet been left behind, with the place of
-// its beginning: tells the line and column of any byte in it. Offsets count the bytes of the
-// document.
+// its beginning: tells the line and column of any byte in it. Offsets count the document's bytes.
 class TextWindow {
  public:
+  // Forgets everything; what follows begins at `offset`, whose place is given.
+  void Restart(std::size_t offset, Position position);
+
+  // Where the next byte belongs.
+  std::size_t End() const { return mBegin.mOffset + (mText.size() - mIndex); }
+
   // Adds the bytes that follow.
   void Append(std::string_view bytes) { mText.append(bytes); }
 
