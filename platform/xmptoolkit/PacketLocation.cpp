@@ -13,6 +13,7 @@ namespace {
 constexpr std::string_view kHeader = "<?xpacket begin=";
 constexpr std::string_view kTrailer = "<?xpacket end=";
 constexpr std::string_view kMarkupEnd = "?>";
+constexpr std::string_view kWhiteSpace = " \t\n\r";
 
 constexpr std::size_t npos = std::string_view::npos;
 
@@ -97,9 +98,8 @@ PacketRange LocatePacket(std::string_view buffer) {
   const std::string text =
       Decode(buffer.substr(range.mOffset, range.mLength), range.mEncoding, malformedAt);
   if (malformedAt != npos) return range;
-  constexpr std::string_view kWhiteSpace = " \t\n\r";
   std::size_t begin = 0;
-  if (text.starts_with("<?xml") && text.find_first_of(kWhiteSpace) == 5) {
+  if (BeginsWithDeclaration(text)) {
     const std::size_t end = text.find(kMarkupEnd);
     if (end != npos) begin = end + kMarkupEnd.size();
   }
@@ -113,11 +113,19 @@ PacketRange LocatePacket(std::string_view buffer) {
   return range;
 }
 
+bool BeginsWithDeclaration(std::string_view text) {
+  constexpr std::string_view kStart = "<?xml";
+  return text.starts_with(kStart) && text.size() > kStart.size() &&
+         kWhiteSpace.find(text[kStart.size()]) != npos;
+}
+
 zelcore::xml::Position PositionAt(std::string_view buffer, std::size_t offset, Encoding encoding) {
   zelcore::xml::Position position;
   const std::size_t unit = UnitSize(encoding);
   const bool isBig = encoding == Encoding::kUTF16Big || encoding == Encoding::kUTF32Big;
-  for (std::size_t i = 0; i + unit <= offset; i += unit) {
+  std::size_t markSize = 0;
+  if (DetectEncoding(buffer, markSize) != encoding) markSize = 0;
+  for (std::size_t i = markSize; i + unit <= offset; i += unit) {
     // The two low bytes of a unit tell line feeds, continuation bytes and second surrogates.
     const auto byte = [&](std::size_t rank) {
       return static_cast<unsigned char>(buffer[i + (isBig ? unit - 1 - rank : rank)]);

@@ -29,7 +29,10 @@ PacketRange FindPacket(std::string_view buffer);
 // of the packet either.
 PacketRange LocatePacket(std::string_view buffer);
 
-// The place of the byte at `offset`.
+// True when text begins with an XML declaration.
+bool BeginsWithDeclaration(std::string_view text);
+
+// The place of the byte at `offset`. A byte-order mark at the start is no character.
 zelcore::xml::Position PositionAt(std::string_view buffer, std::size_t offset, Encoding encoding);
 
 // "line:column: ", as messages begin.

@@ -163,9 +163,10 @@ class ZELPLATFORM_API TXMPMeta {
 
   // Replaces all metadata with that of a packet, with or without packet wrapper and x:xmpmeta, in
   // UTF-8, UTF-16 or UTF-32. Throws BadXML, BadRDF, BadXMP or BadUnicode with line and column in
-  // the message, and leaves the object as it was. Bytes around a packet wrapper are not looked at.
-  // The registry stays as it is: the packet's namespaces are known by their URIs, and are written
-  // again under the packet's own prefixes.
+  // the message, and leaves the object as it was. Bytes around a packet wrapper are not looked at,
+  // but for an XML declaration at the start: an encoding that it names has to be the packet's. The
+  // registry stays as it is: the packet's namespaces are known by their URIs, and are written again
+  // under the packet's own prefixes.
   void ParseFromBuffer(const void* buffer, XMP_StringLen size);
 
   // Writes the metadata as RDF/XML into `rdfString`, replacing it. The same metadata gives the same

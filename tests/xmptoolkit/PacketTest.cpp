@@ -104,7 +104,7 @@ TEST_F(PacketTest, EncodingsAreFoundAndRead) {
     XMP_OptionBits mEncoding;
     std::size_t mUnit;
     std::string mMark, mName;
-  } rows[] = {{kXMP_EncodeUTF8, 1, "\xEF\xBB\xBF", "utf-8"},
+  } rows[] = {{kXMP_EncodeUTF8, 1, "\xEF\xBB\xBF", "utf8"},
               {kXMP_EncodeUTF16Big, 2, "\xFE\xFF", "UTF-16"},
               {kXMP_EncodeUTF16Little, 2, "\xFF\xFE", "UTF-16LE"},
               {kXMP_EncodeUTF32Big, 4, std::string("\0\0\xFE\xFF", 4), "UTF-32"},
@@ -120,26 +120,26 @@ TEST_F(PacketTest, EncodingsAreFoundAndRead) {
       EXPECT_TRUE(info.mHasWrapper == hasWrapper && !info.mIsReadOnly) << code;
       ExpectReadsAs(file, mMeta);
     };
-    const std::string packet = Write(encoding, static_cast<XMP_StringLen>(100 * unit));
-    EXPECT_EQ(packet.size() % unit, 0u);
-    EXPECT_EQ(Write(encoding | kXMP_ExactPacketLength, Size(packet)), packet);
-    for (const std::string& junk : {std::string(), mark, std::string("junk"),
-                                    std::string("\0<\0\xFF\n", 5), std::string("odd\0", 4)}) {
-      for (const char* after : {"", "\n", "\xFE junk <?pi?>"}) {
-        expectFound(junk, packet.size(), packet + after, true);
-      }
-    }
-    // Without a wrapper: with and without mark and declaration, white space around.
     const auto widen = [&, code = encoding,
                         zeros = std::string(unit - 1, '\0')](std::string ascii) {
       std::string wide;
       for (const char c : ascii) wide += (code & 1) != 0 ? c + zeros : zeros + c;
       return wide;
     };
+    const std::string declaration = "<?xml version='1.0' encoding='" + name + "'?>\n";
+    const std::string packet = Write(encoding, static_cast<XMP_StringLen>(100 * unit));
+    EXPECT_EQ(packet.size() % unit, 0u);
+    EXPECT_EQ(Write(encoding | kXMP_ExactPacketLength, Size(packet)), packet);
+    for (const std::string& junk : {std::string(), mark, std::string("junk"), widen(declaration),
+                                    std::string("\0<\0\xFF\n", 5), std::string("odd\0", 4)}) {
+      for (const char* after : {"", "\n", "\xFE junk <?pi?>"}) {
+        expectFound(junk, packet.size(), packet + after, true);
+      }
+    }
+    // Without a wrapper: with and without mark and declaration, white space around.
     const std::string bare = Write(encoding | kXMP_OmitPacketWrapper);
     for (const std::string& front : {std::string(), mark}) {
-      for (const std::string& lead :
-           {std::string(), "<?xml version='1.0' encoding='" + name + "'?>\n", std::string("\n ")}) {
+      for (const std::string& lead : {std::string(), declaration, std::string("\n ")}) {
         expectFound(front + widen(lead), bare.size() - unit, bare, false);  // less the last newline
       }
     }

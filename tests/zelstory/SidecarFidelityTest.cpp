@@ -119,13 +119,31 @@ TEST_F(SidecarFidelityTest, AFileKeepsItsLengthWhileThePaddingLasts) {
   EXPECT_THAT(Read("full.xmp"), HasSubstr(std::string(90, ' ')));
 }
 
+// Nor line ends, however often it is changed; a declaration of ASCII becomes true.
 TEST_F(SidecarFidelityTest, APacketWithoutWrapperGetsNone) {
-  const std::string front = "<?xml version='1.0'?>\n";
-  Write("clip.xmp", front + "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'/>");
-  WriteScene("clip.xmp");
-  EXPECT_THAT(Read("clip.xmp"), StartsWith(front));
-  EXPECT_THAT(Read("clip.xmp"), testing::Not(HasSubstr("xpacket")));
-  EXPECT_EQ(Tool({"has", "clip.xmp"}).mOutput, "yes\n");
+  const auto inUTF16 = [](const std::string& ascii) {
+    std::string wide = "\xFF\xFE";
+    for (const char c : ascii) (wide += c) += '\0';
+    return wide;
+  };
+  const std::string plain = "<?xml version='1.0'?>\n",
+                    declared = "\uFEFF<?xml\tversion='1.0' encoding = \"";
+  const std::string empty = "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'/>";
+  const std::pair<std::string, std::string> cases[] = {
+      {plain + empty, plain},
+      {declared + "us-ascii\" ?>" + empty + "\n", declared + "UTF-8\"    ?>"},
+      {inUTF16(plain + empty + "\n"), inUTF16(plain)}};
+  for (const auto& [bytes, front] : cases) {
+    SCOPED_TRACE(front);
+    Write("clip.xmp", bytes);
+    EXPECT_EQ(WriteScene("clip.xmp").mErrors, "");
+    const std::string written = Read("clip.xmp");
+    EXPECT_THAT(written, testing::AllOf(StartsWith(front), testing::Not(HasSubstr("xpacket"))));
+    EXPECT_EQ(Tool({"clear", "clip.xmp"}).mStatus, 0);
+    WriteScene("clip.xmp");
+    EXPECT_EQ(Read("clip.xmp"), written);
+    EXPECT_EQ(Tool({"has", "clip.xmp"}).mOutput, "yes\n");
+  }
 }
 
 TEST_F(SidecarFidelityTest, AReadOnlyPacketIsChangedByForceAlone) {

@@ -2,6 +2,7 @@
 
 #include <iostream>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 #include <xmptoolkit/XMPTree.h>
@@ -16,6 +17,33 @@ namespace {
 std::optional<std::string> ReadBytes(const std::string& file) {
   if (file != kStandardStream) return ReadWholeFile(file);
   return ReadWholeStream(std::cin, file);
+}
+
+constexpr std::size_t npos = std::string_view::npos;
+
+// Has an XML declaration in front of a packet say UTF-8 where it said ASCII, which would not be
+// true of the new packet. What stands behind the declaration does not move.
+void CorrectDeclaration(std::string& front) {
+  constexpr std::string_view kName = "UTF-8";
+  const std::string_view declaration = std::string_view(front).substr(0, front.find("?>"));
+  const std::string_view start =
+      declaration.substr(declaration.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+  if (!start.starts_with("<?xml") || start.find_first_of(" \t\n\r") != 5) return;
+  const std::size_t key = declaration.find("encoding");
+  const std::size_t open = key == npos ? npos : declaration.find_first_of("\"'", key);
+  const std::size_t close = open == npos ? npos : declaration.find(declaration[open], open + 1);
+  if (close == npos) return;
+  std::string name(declaration.substr(open + 1, close - open - 1));
+  for (char& c : name) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  if (name != "US-ASCII" && name != "ASCII") return;
+  const std::string blanks(name.size() - kName.size(), ' ');
+  front.replace(open + 1, name.size() + 1, std::string(kName) + front[open] + blanks);
+}
+
+// Bytes of a line feed.
+std::size_t CharacterSize(XMP_OptionBits encoding) {
+  if (encoding == kXMP_EncodeUTF8) return 1;
+  return encoding == kXMP_EncodeUTF16Big || encoding == kXMP_EncodeUTF16Little ? 2 : 4;
 }
 
 }  // namespace
@@ -56,6 +84,8 @@ std::string Sidecar::NewPacket() const {
   }
   if (!mPacket.mHasWrapper) {
     mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding | kXMP_OmitPacketWrapper);
+    // Without its last line end: the white space that ended the old packet stands behind it still.
+    packet.resize(packet.size() - CharacterSize(mPacket.mEncoding));
     return packet;
   }
   if (mPacket.mIsReadOnly) {
@@ -74,8 +104,9 @@ std::string Sidecar::NewPacket() const {
 
 std::string Sidecar::NewBytes() const {
   if (!mBytes) return NewPacket();
-  return mBytes->substr(0, mPacket.mOffset) + NewPacket() +
-         mBytes->substr(mPacket.mOffset + mPacket.mLength);
+  std::string front = mBytes->substr(0, mPacket.mOffset);
+  CorrectDeclaration(front);
+  return front + NewPacket() + mBytes->substr(mPacket.mOffset + mPacket.mLength);
 }
 
 void Sidecar::Save() const {
