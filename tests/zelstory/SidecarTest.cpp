@@ -89,14 +89,18 @@ TEST_F(SidecarTest, WritingTwiceChangesNothingTheSecondTime) {
 }
 
 TEST_F(SidecarTest, WhatIsNoXMPIsRefusedAndLeftAsItWas) {
-  const std::vector<std::string> refused = {
-      "", "not XML", "<a/>", "<?xpacket begin='' id='W5M0MpCehiHzreSzNTczkc9d'?><x:xmpmeta",
-      "<!DOCTYPE r><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'/>"};
-  for (const std::string& bytes : refused) {
+  const std::pair<std::string, std::string> refused[] = {
+      {"", "1:1"},
+      {"not XML", "1:1"},
+      {"\n<a/>", "2:1"},
+      {"<?xpacket begin='' id='W5M0MpCehiHzreSzNTczkc9d'?><x:xmpmeta", "1:1"},
+      {"<!DOCTYPE r><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'/>", "1:"}};
+  for (const auto& [bytes, place] : refused) {
     Write("clip.xmp", bytes);
     const Outcome outcome = WriteScene("clip.xmp");
     EXPECT_EQ(outcome.mStatus, 1) << bytes;
-    EXPECT_THAT(outcome.mErrors, testing::StartsWith("clip.xmp: error: "));
+    EXPECT_THAT(outcome.mErrors, testing::StartsWith("clip.xmp:" + place));
+    EXPECT_THAT(outcome.mErrors, testing::ContainsRegex("^clip.xmp:[0-9]+:[0-9]+: error: [^0-9]"));
     EXPECT_EQ(Read("clip.xmp"), bytes);
   }
 }

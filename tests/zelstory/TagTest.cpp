@@ -104,7 +104,7 @@ TEST_F(TagTest, OneClipsFaultStopsNoOther) {
   ASSERT_EQ(lines.size(), 2u);
   const auto refused = nlohmann::json::parse(lines[0]), written = nlohmann::json::parse(lines[1]);
   EXPECT_EQ(refused["outcome"], "refused");
-  EXPECT_THAT(refused["reason"].get<std::string>(), StartsWith("day/a.mov.xmp: "));
+  EXPECT_THAT(refused["reason"].get<std::string>(), StartsWith("day/a.mov.xmp:1:1: "));
   EXPECT_EQ(Read("day/a.mov.xmp"), "no XMP");
   EXPECT_EQ(written["outcome"], "written");
   EXPECT_EQ(written["sidecar"], "day/b.mov.xmp");

@@ -46,6 +46,14 @@ std::size_t CharacterSize(XMP_OptionBits encoding) {
   return encoding == kXMP_EncodeUTF16Big || encoding == kXMP_EncodeUTF16Little ? 2 : 4;
 }
 
+// What the toolkit says of a packet begins with the place in it, LINE:COLUMN.
+ToolError PacketError(const std::string& file, const XMP_Error& error) {
+  const std::string message = error.GetErrMsg();
+  const std::size_t end = message.find(": ");
+  if (end == npos || message.find_first_not_of("0123456789:") != end + 1) return {file, message};
+  return {file + ':' + message.substr(0, end), message.substr(end + 2)};
+}
+
 }  // namespace
 
 Sidecar::Sidecar(std::string file, WhenAbsent whenAbsent)
@@ -62,7 +70,7 @@ Sidecar::Sidecar(std::string file, WhenAbsent whenAbsent)
     mMetadata.ParseFromBuffer(mBytes->data(), size);
     mPacket = TXMPUtils::LocatePacket(mBytes->data(), size);
   } catch (const XMP_Error& error) {
-    throw ToolError(mFile, error.GetErrMsg());
+    throw PacketError(mFile, error);
   }
   mBefore = mMetadata;
 }
