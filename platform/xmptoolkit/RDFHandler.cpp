@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <utility>
 
 #include "PacketLocation.h"
@@ -119,18 +120,14 @@ void RDFHandler::StartRoot(const NameView& name, Attributes attributes) {
 
 void RDFHandler::StartMeta(const NameView& name, Attributes attributes) {
   PushFrame(FrameKind::kMeta, name);
-  std::vector<MetaAttribute>& kept = mDocument.mMetaAttributes;
-  for (const AttributeView& attribute : attributes) {
-    CheckName(attribute.mName);
-    MetaAttribute made{std::string(attribute.mName.mPrefix), std::string(attribute.mName.mURI),
-                       std::string(attribute.mName.mLocalName), std::string(attribute.mValue)};
-    const bool isTwice = std::any_of(kept.begin(), kept.end(), [&made](const MetaAttribute& other) {
-      return other.mURI == made.mURI && other.mLocalName == made.mLocalName;
-    });
-    if (isTwice) {
-      Refuse(kXMPErr_BadXML, "the attribute " + WrittenName(attribute.mName) + " is there twice");
+  std::set<std::pair<std::string_view, std::string_view>> names;
+  for (const auto& [own, value] : attributes) {
+    CheckName(own);
+    if (!names.emplace(own.mURI, own.mLocalName).second) {
+      Refuse(kXMPErr_BadXML, "the attribute " + WrittenName(own) + " is there twice");
     }
-    kept.push_back(std::move(made));
+    mDocument.mMetaAttributes.push_back({std::string(own.mPrefix), std::string(own.mURI),
+                                         std::string(own.mLocalName), std::string(value)});
   }
 }
 

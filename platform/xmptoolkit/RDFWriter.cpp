@@ -1,6 +1,7 @@
 #include "RDFWriter.h"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -127,17 +128,15 @@ void Writer::WriteMeta() {
   mXML += "<x:xmpmeta";
   WriteAttribute("xmlns:x", kMetaNamespace);
   PrefixChooser chooser;
-  std::vector<std::pair<std::string_view, std::string>> prefixes = {
+  std::map<std::string_view, std::string> prefixes = {
       {"", ""}, {kMetaNamespace, "x:"}, {kXMLNamespace, "xml:"}};
   for (const MetaAttribute& attribute : mDocument.mMetaAttributes) {
-    auto known = std::find_if(prefixes.begin(), prefixes.end(), [&attribute](const auto& entry) {
-      return entry.first == attribute.mURI;
-    });
-    if (known == prefixes.end()) {
+    const auto [known, isNew] = prefixes.try_emplace(attribute.mURI);
+    if (isNew) {
       const std::string prefix =
           chooser.Take(attribute.mPrefix) ? attribute.mPrefix : chooser.Fresh();
       WriteAttribute("xmlns:" + prefix, attribute.mURI);
-      known = prefixes.insert(known, {attribute.mURI, prefix + ":"});
+      known->second = prefix + ":";
     }
     WriteAttribute(known->second + attribute.mLocalName, attribute.mValue);
   }

@@ -79,7 +79,7 @@ TEST(RoundTripTest, RandomTreesComeBack) {
 // A packet as strangers write them, with everything that has to survive.
 constexpr std::string_view kForeign = R"(<?xpacket begin='' id='W5M0MpCehiHzreSzNTczkc9d'?>
 <!--before-->
-<m:xmpmeta xmlns:m='adobe:ns:meta/' m:xmptk='Tool &lt;1&gt;' xmlns:v='urn:v' v:extra='1' plain='2'>
+<m:xmpmeta xmlns:m='adobe:ns:meta/' m:xmptk='Tool &lt;1&gt;' xmlns:v='urn:v' v:extra='1' v:e='' plain='2'>
 <!--in meta-->
 <rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns:q='urn:q#'
 xmlns:mine='urn:s#'>
@@ -104,7 +104,7 @@ TEST(RoundTripTest, ForeignPacketsKeepEverything) {
   EXPECT_EQ(Serialize(Meta(meta)), packet);
   std::size_t at = 0;
   for (const Row& row : Rows(R"(
-      <!--before--> ;; x:xmptk="Tool &lt;1>" xmlns:v="urn:v" v:extra="1" plain="2"
+      <!--before--> ;; x:xmptk="Tool &lt;1>" xmlns:v="urn:v" v:extra="1" v:e="" plain="2"
       <!--in meta--> ;; <!--in RDF--> ;; rdf:about="uuid:1" ;; xmlns:mine="urn:s#"
       <q:attribute>a\nb< ;; <!--first--> ;; <!--inside--> ;; <q:text>ab</q:text>
       <!--list--> ;; <q:list> ;; <!--item--> ;; <!--last--> ;; </rdf:Alt>
