@@ -11,6 +11,25 @@ namespace xmptoolkit {
 using zelcore::xml::AttributeView;
 using zelcore::xml::NameView;
 
+namespace {
+
+// Gives a property the language of the element around it, where it has none. What has its own on
+// rdf:value leaves the outer one to its qualifiers.
+void HandLang(const Node& lang, Node& node) {
+  if (node.FindQualifier(kLangName) == nullptr) {
+    if (!node.IsURI() || !node.Qualifiers().Empty()) node.AddQualifier(Node(lang));
+  } else if (node.Is(Node::kLangAtValue)) {
+    NodeList& qualifiers = node.MutableQualifiers();
+    for (std::size_t i = 0; i < qualifiers.Size(); ++i) {
+      if (qualifiers[i].Name() != kLangName && qualifiers[i].Name() != kDatatypeName) {
+        HandLang(lang, qualifiers[i]);
+      }
+    }
+  }
+}
+
+}  // namespace
+
 void RDFHandler::StartProperty(const NameView& name, Attributes attributes) {
   const FrameKind holder = mFrames.back().mKind;
   const NameId id =
@@ -20,7 +39,9 @@ void RDFHandler::StartProperty(const NameView& name, Attributes attributes) {
   const RDFAttributes sorted = SortAttributes(name, attributes, allowed, Refuser());
 
   Node node(id);
-  if (sorted.mLang || !sorted.mResource) AddLang(node, sorted.mLang);
+  // A URI has no language, but hands that of its element to the texts beside it.
+  const bool isMereURI = sorted.mResource && sorted.mProperties.empty();
+  if (sorted.mLang || !isMereURI) AddLang(node, sorted.mLang);
   node.AddRemarksBefore(std::exchange(mFrames.back().mRemarks, {}));
   if (id != kValueName) {
     CheckNesting(1);
@@ -136,8 +157,8 @@ void RDFHandler::ApplyResource(const NameView& name, const RDFAttributes& attrib
   AddAttributeQualifiers(node, attributes);
 }
 
-// An element that is no property hands its language on to the properties directly within it (but
-// for URIs, which have none), since the document keeps languages at properties alone.
+// An element that is no property hands its language on to the properties directly within it, since
+// the document keeps languages at properties alone.
 void RDFHandler::AddLang(Node& node, std::optional<std::string_view> own) {
   const std::optional<std::string_view> lang = own ? own : LangForProperties();
   if (!lang) return;
@@ -226,10 +247,7 @@ void RDFHandler::HandLangToFields(Node& node) {
   if (outer == nullptr) return;
   const Node lang = *outer;
   node.RemoveQualifier(node.Qualifiers().Find(kLangName));
-  for (std::size_t i = 0; i < node.Children().Size(); ++i) {
-    Node& field = node.Children()[i];
-    if (!field.IsURI() && field.FindQualifier(kLangName) == nullptr) field.AddQualifier(Node(lang));
-  }
+  for (std::size_t i = 0; i < node.Children().Size(); ++i) HandLang(lang, node.Children()[i]);
 }
 
 void RDFHandler::CheckNesting(std::size_t below) const {

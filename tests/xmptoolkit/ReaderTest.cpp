@@ -12,7 +12,7 @@ std::string Properties(const std::string& text) {
 }
 
 // A tree, and spellings of it; a row without a tree has more spellings of the one above. In the
-// last three a language on what is no property belongs to the properties directly within.
+// last five a language on what is no property belongs to the properties directly within.
 constexpr const char* kForms = R"(
   {} => <!--empty-->
   {q:a='v'} => <q:a>v</q:a> => <a xmlns='urn:q#'>v</a> => <other:a xmlns:other='urn:q#'>v</other:a>
@@ -60,6 +60,10 @@ constexpr const char* kForms = R"(
       => <q:a><rdf:Description xml:lang='en' s:f='1'><s:g rdf:resource='u'/></rdf:Description></q:a>
   {q:a='v'/xml:lang='en'/s:q='w'/xml:lang='fr'}
       => <q:a xml:lang='fr' RES><rdf:value xml:lang='en'>v</rdf:value><s:q>w</s:q></q:a>
+  {q:a=bag(<u>/xml:lang='fr'/s:q='w' <v>)}
+      => <q:a><rdf:Bag xml:lang='fr'><LI resource='u' s:q='w'/><LI resource='v'/></rdf:Bag></q:a>
+  {q:a='v'/xml:lang='fr'/s:q='w'/xml:lang='de'/s:r='t'/xml:lang='en'/s:u=<u>/xml:lang='en'/s:r='t'}
+      => <q:a xml:lang='en' RES><rdf:value xml:lang='fr'>v</rdf:value><s:q RES><s:r>t</s:r><rdf:value xml:lang='de'>w</rdf:value></s:q><s:u rdf:resource='u' s:r='t'/></q:a>
 )";
 
 void ExpectReadsAndWrites(const std::string& properties, const std::string& tree) {
