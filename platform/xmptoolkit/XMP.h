@@ -114,7 +114,8 @@ class ZELPLATFORM_API TXMPMeta {
   // prefix in force, without a colon. The same pair again changes nothing. A URI that is known
   // under another prefix keeps that one; a prefix that is taken by another URI is made unique by a
   // number. Returns true when the suggested prefix is the one in force. Throws for an empty URI
-  // (BadSchema) and for a prefix that is no XML name without colon (BadParam).
+  // (BadSchema) and for a prefix that is no XML name without colon, or that begins with "xml" in
+  // any case (BadParam).
   static bool RegisterNamespace(const char* namespaceURI, const char* suggestedPrefix,
                                 tStringObj* registeredPrefix);
 
@@ -126,7 +127,8 @@ class ZELPLATFORM_API TXMPMeta {
   // Sets a simple property (options 0 or kXMP_PropValueIsURI), creating what the path lacks, or,
   // with a null value, creates an empty array or struct of the kind the options name; one of that
   // kind that is there already stays as it is. Structs on the way are created too, arrays are not:
-  // items are appended by AppendArrayItem alone, and setting one that is not there throws BadIndex.
+  // items are appended by AppendArrayItem alone, and setting one that is not there throws BadIndex
+  // (BadXPath where there is no array at all).
   // Replacing a simple value keeps the property's qualifiers and place. Refused: a value for an
   // array or a struct, for options that name one, or that is no UTF-8 or holds a character that XML
   // cannot carry.
