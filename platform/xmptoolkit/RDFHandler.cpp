@@ -91,7 +91,12 @@ void RDFHandler::ProcessingInstruction(std::string_view target, std::string_view
     const char* blank = data.empty() ? "" : " ";
     return AddRemark("<?" + std::string(target) + blank + std::string(data) + "?>");
   }
-  const bool isHeader = mHasWrapper && !mSawHeader;
+  if (!mHasWrapper) {
+    Refuse(kXMPErr_BadXMP,
+           "an xpacket instruction, but no header: that begins with \"<?xpacket begin=\", and in "
+           "UTF-16 or UTF-32 a byte-order mark follows");
+  }
+  const bool isHeader = !mSawHeader;
   const bool isTrailer =
       mSawHeader && !mSawTrailer && mSawRoot && mFrames.empty() && data.starts_with("end=");
   if (!isHeader && !isTrailer) {

@@ -169,6 +169,7 @@ TEST(ReaderTest, RefusesOtherFrames) {
       203 3:11: the trailer says neither => \n $begin$xmp<?xpacket end='x'?>
       203 2:11: the trailer has no end => $begin$xmp<?xpacket end='w'
       203 2:80: an xpacket instruction => $begin$xmp$end$begin$xmp$end
+      203 1:22: an xpacket instruction, but no header => <?xpacket  begin=''?>$xmp$end
       203 2:30: an xpacket => $begin$meta$xmp$end</x:xmpmeta>$end
       201 1:31: the encoding "ISO-8859-1" => $xml'ISO-8859-1'?>$xmp
       201 1:31:\s => \xEF\xBB\xBF<?xml\tversion='1.0' encoding='latin1'?>$xmp
