@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include <xmptoolkit/XMP.h>
+#include <zelcore/xml/SAXDriver.h>
 
 #include "PrefixTable.h"
 #include "Text.h"
@@ -17,6 +21,10 @@ namespace {
 // length of a tag, and compare each of its attributes with every other.
 constexpr std::size_t kLongestAttribute = 1000;
 constexpr std::size_t kMostAttributes = 1000;
+
+// All are in force at the rdf:Description, beside attributes.
+constexpr std::size_t kMostNamespaces = 8000;
+static_assert(kMostNamespaces + kMostAttributes < zelcore::xml::kMostAttributes);
 
 // Qualifiers that are attributes of the element which holds the value.
 bool IsPlainQualifier(const Node& qualifier) {
@@ -74,6 +82,7 @@ class Writer {
     bool mDatatype = true;
   };
 
+  void CheckNamespaces() const;
   void WriteMeta();
   void WriteDescription(int level);
   void WriteProperty(const Node& node, int level);
@@ -109,6 +118,7 @@ class Writer {
 };
 
 std::string Writer::Write() {
+  CheckNamespaces();
   WriteRemarks(mDocument.RemarksAt(Place::kBeforeMeta), 0);
   WriteMeta();
   WriteRemarks(mDocument.RemarksAt(Place::kBeforeRDF), 1);
@@ -121,6 +131,15 @@ std::string Writer::Write() {
   WriteLine(0, "</x:xmpmeta>");
   WriteRemarks(mDocument.RemarksAt(Place::kAfterMeta), 0);
   return std::move(mXML);
+}
+
+// What is written has to be readable: XML readers limit the namespaces in force.
+void Writer::CheckNamespaces() const {
+  std::set<std::string_view> ofMeta;
+  for (const MetaAttribute& attribute : mDocument.mMetaAttributes) ofMeta.insert(attribute.mURI);
+  if (mPrefixes.Declared().size() + ofMeta.size() <= kMostNamespaces) return;
+  throw XMP_Error(kXMPErr_BadXMP, "more than " + std::to_string(kMostNamespaces) +
+                                      " namespaces are used, which no packet may declare");
 }
 
 void Writer::WriteMeta() {

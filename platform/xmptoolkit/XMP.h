@@ -74,7 +74,7 @@ enum XMP_ErrorID : std::int32_t {
   kXMPErr_NoRoom = 110,      // a packet that does not fit into the length that was asked for
   kXMPErr_BadXML = 201,      // a packet that is not well-formed XML
   kXMPErr_BadRDF = 202,      // RDF outside what XMP allows
-  kXMPErr_BadXMP = 203,      // several subjects, nesting beyond the limit, a DOCTYPE
+  kXMPErr_BadXMP = 203,      // several subjects, nesting or namespaces beyond a limit, a DOCTYPE
   kXMPErr_BadUnicode = 205,  // bytes that are not UTF-8, or characters that XML cannot carry
 };
 
@@ -181,8 +181,9 @@ class ZELPLATFORM_API TXMPMeta {
   // the padding's. An encoding other than UTF-8 has its byte-order mark in the wrapper only, and
   // takes padding in whole characters. The compact format writes simple properties and fields as
   // attributes (unless long or very many), so that they come before all others when read again.
-  // Throws BadOptions for options without a meaning or that contradict each other, and BadParam for
-  // the other arguments; `rdfString` is then untouched.
+  // Throws BadOptions for options without a meaning or that contradict each other, BadParam for the
+  // other arguments, and BadXMP for metadata of more than 8,000 namespaces; `rdfString` is then
+  // untouched.
   void SerializeToBuffer(tStringObj* rdfString, XMP_OptionBits options = 0,
                          XMP_StringLen padding = 0, const char* newline = "",
                          const char* indent = "", XMP_Index baseIndent = 0) const;

@@ -151,4 +151,23 @@ TEST(RoundTripTest, LongValuesAndManyItems) {
   EXPECT_TRUE(AreEqual(meta, Parse(Serialize(meta)), Equality::kFile));  // too long to show
 }
 
+// One more namespace, and nobody could read what is written.
+TEST(RoundTripTest, NamespacesAreLimitedToWhatCanBeReadAgain) {
+  std::string meta = "<x:xmpmeta xmlns:x='adobe:ns:meta/' xmlns:m='m' m:a='1'>", properties;
+  for (int i = 1; i < 8000; ++i) {
+    const std::string name = "n" + std::to_string(i);
+    properties.append("<").append(name).append(":a xmlns:").append(name).append("='").append(name);
+    properties += "'/>";
+  }
+  const std::string end = "</x:xmpmeta>";
+  for (const XMP_OptionBits options : {XMP_OptionBits{0}, kXMP_UseCompactFormat}) {
+    ExpectReadsAs(Serialize(Parse(meta + Described(properties) + end), options),
+                  Parse(meta + Described(properties) + end), Equality::kMetadata);
+    std::string packet = "untouched";
+    const Meta tooMany = Parse(meta + Described(properties + "<q:a/>") + end);
+    ExpectError([&] { tooMany.SerializeToBuffer(&packet, options); }, "203 more than 8000");
+    EXPECT_EQ(packet, "untouched");
+  }
+}
+
 }  // namespace

@@ -85,6 +85,14 @@ void Sidecar::RefuseReadOnly() const {
 }
 
 std::string Sidecar::NewPacket() const {
+  try {
+    return Serialized();
+  } catch (const XMP_Error& error) {
+    throw ToolError(mFile, error.GetErrMsg());
+  }
+}
+
+std::string Sidecar::Serialized() const {
   std::string packet;
   if (!mBytes) {
     mMetadata.SerializeToBuffer(&packet);

@@ -33,7 +33,8 @@ class Sidecar {
 
  private:
   std::string NewBytes() const;
-  std::string NewPacket() const;
+  std::string NewPacket() const;  // throws ToolError
+  std::string Serialized() const;
 
   std::string mFile;
   std::optional<std::string> mBytes;  // of the file as it was; none when it was absent
