@@ -39,6 +39,7 @@ TEST_F(UsageTest, WrongUsageIsOneLineAndStatus2) {
     EXPECT_THAT(outcome.mOutput, IsEmpty());
     EXPECT_THAT(Lines(outcome.mErrors), SizeIs(1));
   }
+  EXPECT_THAT(Tool({"chek", "x.quor"}).mErrors, HasSubstr("no command or option chek "));
   EXPECT_THAT(FilesHere(), IsEmpty());
 }
 

@@ -1,6 +1,8 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -18,6 +20,14 @@ using namespace zelstory;
 int WrongUsage(const std::string& reason) {
   PrintError("zelstory: error: " + reason + " (zelstory --help tells more)");
   return kUsage;
+}
+
+// The parser misses a command before it says which word is none.
+std::string ReasonOf(const CLI::App& tool, const CLI::ParseError& error) {
+  if (!tool.get_subcommands().empty()) return error.what();
+  const std::vector<std::string> unknown = tool.remaining();
+  return unknown.empty() ? "a command is required"
+                         : "there is no command or option " + unknown.front();
 }
 
 int Run(const ChosenCommand& chosen) {
@@ -79,7 +89,7 @@ int main(int argc, char** argv) {
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() != 0) return WrongUsage(error.what());
+    if (error.get_exit_code() != 0) return WrongUsage(ReasonOf(tool, error));
     return Run([&] { return tool.exit(error); });  // help or version
   }
   return Run(chosen);
