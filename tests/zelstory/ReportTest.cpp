@@ -124,9 +124,17 @@ TEST_F(ReportTest, AnEmptyStoryHasAPageAndABadOneNone) {
   for (const char* same : {"empty.quor", "./empty.quor", "link"}) {
     EXPECT_THAT(Tool({"report", "empty.quor", "--html", same}).mErrors,
                 HasSubstr(std::string(same) + ": error: is the story itself"));
+    const std::string piped =
+        std::string("\"$0\" report - --html ") + same + " <empty.quor; test $? = 1";
+    EXPECT_THAT(Process("sh", {"-c", piped, ZELSTORY_TOOL}).mErrors,
+                HasSubstr(std::string(same) + ": error: is the story itself"));
     EXPECT_EQ(Read("empty.quor"), story);
   }
-  EXPECT_EQ(FilesHere(), (std::vector<std::string>{"empty.quor", "link", "page.html"}));
+  ASSERT_EQ(Process("mkfifo", {"pipe"}).mStatus, 0);
+  EXPECT_EQ(Tool({"report", "empty.quor", "--html", "pipe"}).mErrors,
+            "pipe: error: is not a regular file\n");
+  EXPECT_TRUE(std::filesystem::is_fifo(File("pipe")));
+  EXPECT_EQ(FilesHere(), (std::vector<std::string>{"empty.quor", "link", "page.html", "pipe"}));
 }
 
 }  // namespace

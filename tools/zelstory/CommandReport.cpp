@@ -19,9 +19,11 @@ struct ReportOptions {
 
 // A slip of the hand must not replace the story by its page.
 void RefuseTheStoryItself(const ReportOptions& options) {
-  if (options.mStory == kStandardStream || options.mPage == kStandardStream) return;
+  if (options.mPage == kStandardStream) return;
   std::error_code error;  // a file that is not there yet is no story
-  if (std::filesystem::equivalent(options.mStory, options.mPage, error)) {
+  if (options.mStory == kStandardStream
+          ? IsStandardInput(options.mPage)
+          : std::filesystem::equivalent(options.mStory, options.mPage, error)) {
     throw ToolError(options.mPage, "is the story itself: name another file after --html");
   }
 }

@@ -50,13 +50,21 @@ fs::path TargetOf(fs::path file) {
 
 }  // namespace
 
+void RefuseUnlessFile(const fs::path& file) {
+  std::error_code error;
+  const fs::file_status status = fs::status(file, error);
+  if (fs::is_directory(status)) throw ToolError(file.string(), "is a directory");
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
+    throw ToolError(file.string(), "is not a regular file");
+  }
+}
+
 std::optional<std::string> ReadWholeFile(const fs::path& file) {
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
   if (status.type() == fs::file_type::not_found) return std::nullopt;
   if (error) Fail(file, "cannot be read", error.value());
-  if (fs::is_directory(status)) throw ToolError(file.string(), "is a directory");
-  if (!fs::is_regular_file(status)) throw ToolError(file.string(), "is not a regular file");
+  RefuseUnlessFile(file);
   const std::uintmax_t size = fs::file_size(file, error);
   if (error) Fail(file, "cannot be read", error.value());
   if (size > kLargestFile) throw ToolError(file.string(), "is larger than 1 GiB");
@@ -199,6 +207,13 @@ class NewFile {
 
 }  // namespace
 
+bool IsStandardInput(const fs::path& file) {
+  struct stat input {};
+  struct stat named {};
+  return fstat(STDIN_FILENO, &input) == 0 && stat(file.c_str(), &named) == 0 &&
+         input.st_dev == named.st_dev && input.st_ino == named.st_ino;
+}
+
 DirectoryLock::DirectoryLock(const fs::path& file)
     : mDescriptor(open(FolderOf(TargetOf(file)).c_str(), O_RDONLY | O_CLOEXEC)) {
   if (mDescriptor < 0) return;  // whoever reads or writes the file next says why
@@ -210,6 +225,7 @@ DirectoryLock::~DirectoryLock() {
 }
 
 void ReplaceFile(const fs::path& file, const std::string& bytes) {
+  RefuseUnlessFile(file);
   const fs::path target = TargetOf(file);
   const SignalsHeld held;
   NewFile replacement(target);
@@ -220,10 +236,15 @@ void ReplaceFile(const fs::path& file, const std::string& bytes) {
 
 #else  // without POSIX: whole or not at all as far as the standard library can promise it
 
+bool IsStandardInput(const fs::path&) {
+  return false;
+}
+
 DirectoryLock::DirectoryLock(const fs::path&) {}
 DirectoryLock::~DirectoryLock() = default;
 
 void ReplaceFile(const fs::path& file, const std::string& bytes) {
+  RefuseUnlessFile(file);
   const fs::path target = TargetOf(file);
   fs::path name = target;
   name += ".new";

@@ -26,6 +26,9 @@ class DirectoryLock {
 
 inline constexpr std::uintmax_t kLargestFile = std::uintmax_t{1} << 30;  // bytes
 
+// Throws ToolError for a directory, a device and anything else that is there but no regular file.
+void RefuseUnlessFile(const std::filesystem::path& file);
+
 // The bytes of a regular file, or nothing when there is none. Throws ToolError for a directory, a
 // device, a file above 1 GiB, and when reading fails.
 std::optional<std::string> ReadWholeFile(const std::filesystem::path& file);
@@ -34,11 +37,16 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path& file);
 // reading fails.
 std::string ReadWholeStream(std::istream& stream, const std::string& name);
 
+// Whether standard input was opened from this file, under whatever name. Where the system cannot
+// tell, it is not.
+bool IsStandardInput(const std::filesystem::path& file);
+
 // Replaces a file by the bytes, or creates it: whole or not at all. The bytes are written to a
 // nameless or hidden file in the same folder, flushed to disk, and renamed; the folder is flushed.
 // A symbolic link is followed to its target and stays a link. Mode and, where permitted, owner are
-// kept. Signals that would end the process wait until the replacement is done. Throws ToolError;
-// the old file is then as it was, and nothing else is left in the folder.
+// kept. Signals that would end the process wait until the replacement is done. Throws ToolError,
+// for a device or a pipe, too; the old file is then as it was, and nothing else is left in the
+// folder.
 void ReplaceFile(const std::filesystem::path& file, const std::string& bytes);
 
 }  // namespace zelstory

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Console.h"
+#include "FileReplacement.h"
 #include "ToolError.h"
 
 namespace zelstory {
@@ -35,15 +36,6 @@ bool IsSidecarName(const std::string& file) {
 bool Exists(const fs::path& file) {
   std::error_code error;
   return fs::exists(fs::symlink_status(file, error));
-}
-
-void RefuseUnlessFile(const fs::path& clip) {
-  std::error_code error;
-  const fs::file_status status = fs::status(clip, error);
-  if (fs::is_directory(status)) throw ToolError(clip.string(), "is a directory");
-  if (fs::exists(status) && !fs::is_regular_file(status)) {
-    throw ToolError(clip.string(), "is not a regular file");
-  }
 }
 
 // The name of another clip that has the same name but for its extension; empty when there is none.
