@@ -157,6 +157,9 @@ TEST_F(StoryCommandsTest, DumpWritesIntoTheTemporaryFolder) {
                                        "mivTestXMPBufferDumpFile_Scene_2_Shot_1.txt",
                                        "mivTestXMPBufferDumpFile_Scene_3_Shot_1.txt",
                                        "mivTestXMPBufferDumpFile_Scene_4_Shot_1.txt"));
+  EXPECT_EQ(Process("env", {"TMPDIR=none", ZELSTORY_TOOL, "dump", Example("harbour_lights.quor")})
+                .mErrors,
+            "temporary folder (TMPDIR): error: No such file or directory\n");
 }
 
 }  // namespace

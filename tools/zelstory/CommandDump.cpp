@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <iostream>
 
 #include <zelstoryparser/TraverseStory.h>
@@ -5,13 +6,20 @@
 #include "Command.h"
 #include "Console.h"
 #include "StoryFile.h"
+#include "ToolError.h"
 
 namespace zelstory {
 namespace {
 
 int Dump(const std::string& file) {
   zelstoryparser::UTF16String text;
-  zelstoryparser::TraverseStory(LoadStory(file), text);
+  const auto story = LoadStory(file);
+  try {
+    zelstoryparser::TraverseStory(story, text);
+  } catch (const std::filesystem::filesystem_error& error) {
+    const std::string place = error.path1().string();
+    throw ToolError(place.empty() ? "temporary folder (TMPDIR)" : place, error.code().message());
+  }
   if (!text.empty()) std::cout << ToUTF8(text) << '\n';
   return kDone;
 }
@@ -26,7 +34,7 @@ void AddDumpCommand(CLI::App& tool, ChosenCommand& chosen) {
   command->footer(
       "The files are mivTestXMPBufferDumpFile_Scene_N_Shot_N.txt; those of comment streams replace "
       "the\n"
-      "body's of the same number.\n"
+      "body's of the same number. One that cannot be written is skipped without a word.\n"
       "Exit status: 0 done, 1 refused, 2 wrong usage.");
   command->callback([file, &chosen] { chosen = [file] { return Dump(*file); }; });
 }

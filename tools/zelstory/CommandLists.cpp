@@ -43,7 +43,7 @@ void AddListCommands(CLI::App& tool, ChosenCommand& chosen) {
   AddList(
       tool, chosen, "scenes", "List the scenes of the body",
       "Columns: position (from 1), number, setting, location, time, duration (h:mm:ss), speeches,\n"
-      "characters who speak.",
+      "characters (how many speak).",
       ListScenes);
   AddList(tool, chosen, "characters", "List who speaks, how much, and where",
           "Columns: character, speeches, words, first and last scene by position, all scenes. "
