@@ -31,6 +31,7 @@ TEST_F(UsageTest, WrongUsageIsOneLineAndStatus2) {
       {"tag", "x.quor"},
       {"tag", "-", "--table", "-"},
       {"clear"},
+      {"clear", "clip.xmp", "--sidecar-name", "0"},
   };
   for (const auto& arguments : lines) {
     const Outcome outcome = Tool(arguments);

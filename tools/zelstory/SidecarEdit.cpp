@@ -1,6 +1,5 @@
 #include "SidecarEdit.h"
 
-#include <map>
 #include <set>
 #include <utility>
 
@@ -92,14 +91,16 @@ std::string Difference::Describe() const {
 void SidecarEdit::AddOptions(CLI::App& command) {
   command.add_flag("--dry-run", mDryRun, "Print old and new values a path; touch nothing");
   command.add_flag("--force", mForce, "Change packets that are marked read-only, too");
-  const std::map<std::string, SidecarForm> forms{{"full", SidecarForm::kFull},
-                                                 {"stem", SidecarForm::kStem}};
   command
-      .add_option("--sidecar-name", mForm,
-                  "What a clip's new sidecar is called: full (clip.mov.xmp, the default) or stem\n"
-                  "(clip.xmp)")
+      .add_option_function<std::string>(
+          "--sidecar-name",
+          [this](const std::string& form) {
+            mForm = form == "stem" ? SidecarForm::kStem : SidecarForm::kFull;
+          },
+          "What a clip's new sidecar is called: full (clip.mov.xmp, the default) or stem\n"
+          "(clip.xmp)")
       ->type_name("FORM")
-      ->transform(CLI::CheckedTransformer(forms).description(""));
+      ->check(CLI::IsMember({"full", "stem"}).description(""));
 }
 
 SidecarChange SidecarEdit::Apply(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
