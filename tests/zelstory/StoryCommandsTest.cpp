@@ -136,6 +136,11 @@ TEST_F(StoryCommandsTest, ShotsAreNumberedByPositionAndReadByOthers) {
   EXPECT_THAT(both.mOutput, HasSubstr("harbour_lights.quor: 4\t"));
   EXPECT_EQ(Read("d/the_long_tide/scene_0072.xmp"), Read("a/b/scene_0072.xmp"));
   Tool({"shots", Example("the_long_tide.quor"), "--out", "c"});
+  const std::string story = Read(Example("harbour_lights.quor"));
+  Write("scene_0001.xmp", story);
+  EXPECT_THAT(Tool({"shots", "scene_0001.xmp", "--out", "."}).mErrors,
+              HasSubstr("the story itself"));
+  EXPECT_EQ(Read("scene_0001.xmp"), story);
   const bool judged = IsInstalled("xmllint") && IsInstalled("rapper");
   for (int scene = 1; scene <= 72; ++scene) {
     char name[32];

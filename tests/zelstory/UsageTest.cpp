@@ -32,6 +32,7 @@ TEST_F(UsageTest, WrongUsageIsOneLineAndStatus2) {
       {"tag", "-", "--table", "-"},
       {"clear"},
       {"clear", "clip.xmp", "--sidecar-name", "0"},
+      {"tag", "x.quor", "--table", "t.csv", "--clips", ""},
   };
   for (const auto& arguments : lines) {
     const Outcome outcome = Tool(arguments);

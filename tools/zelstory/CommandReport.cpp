@@ -1,6 +1,5 @@
 #include <filesystem>
 #include <iostream>
-#include <system_error>
 
 #include "Command.h"
 #include "Console.h"
@@ -17,19 +16,11 @@ struct ReportOptions {
   std::string mPage;
 };
 
-// A slip of the hand must not replace the story by its page.
-void RefuseTheStoryItself(const ReportOptions& options) {
-  if (options.mPage == kStandardStream) return;
-  std::error_code error;  // a file that is not there yet is no story
-  if (options.mStory == kStandardStream
-          ? IsStandardInput(options.mPage)
-          : std::filesystem::equivalent(options.mStory, options.mPage, error)) {
+int Report(const ReportOptions& options) {
+  // A slip of the hand must not replace the story by its page.
+  if (options.mPage != kStandardStream && IsStoryItself(options.mStory, options.mPage)) {
     throw ToolError(options.mPage, "is the story itself: name another file after --html");
   }
-}
-
-int Report(const ReportOptions& options) {
-  RefuseTheStoryItself(options);
   const std::string name = options.mStory == kStandardStream
                                ? "Screenplay"
                                : std::filesystem::path(options.mStory).filename().string();

@@ -34,7 +34,8 @@ bool MakeFolder(const fs::path& folder) {
   return isNew;
 }
 
-void WritePackets(const boost::intrusive_ptr<zelstoryparser::TavroStory>& story,
+void WritePackets(const std::string& file,
+                  const boost::intrusive_ptr<zelstoryparser::TavroStory>& story,
                   const fs::path& folder, const std::string& label) {
   std::size_t position = 0;
   for (const auto& scene : BodyScenes(*story)) {
@@ -43,6 +44,9 @@ void WritePackets(const boost::intrusive_ptr<zelstoryparser::TavroStory>& story,
     zelstoryparser::GetSceneXMP(story, scene, static_cast<std::int32_t>(position), shots);
     for (const zelstoryparser::ShotXMP& shot : shots) {
       const fs::path packet = folder / PacketName(position);
+      if (IsStoryItself(file, packet)) {
+        throw ToolError(packet.string(), "is the story itself: name another folder after --out");
+      }
       ReplaceFile(packet, shot.mXMPPacket);
       PrintLine(label + std::to_string(position) + '\t' + ToUTF8(shot.mShotID) + '\t' +
                 packet.string());
@@ -54,7 +58,7 @@ void Shots(const std::string& file, const fs::path& folder, const std::string& l
   const auto story = LoadStory(file);
   const bool isNew = MakeFolder(folder);
   try {
-    WritePackets(story, folder, label);
+    WritePackets(file, story, folder, label);
   } catch (...) {
     std::error_code isFilled;  // then it stays
     if (isNew) fs::remove(folder, isFilled);

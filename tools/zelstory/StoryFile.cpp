@@ -5,6 +5,7 @@
 #include <zelstoryparser/StoryParser.h>
 
 #include "Console.h"
+#include "FileReplacement.h"
 #include "ToolError.h"
 
 namespace zelstory {
@@ -130,6 +131,12 @@ boost::intrusive_ptr<TavroStory> LoadStory(const std::string& file) {
   const std::optional<StoryFault> fault = ReadStory(file, story);
   if (fault) throw ToolError(fault->Describe(file));
   return story;
+}
+
+bool IsStoryItself(const std::string& story, const std::filesystem::path& file) {
+  if (story == kStandardStream) return IsStandardInput(file);
+  std::error_code error;  // a file that is not there yet is no story
+  return std::filesystem::equivalent(story, file, error);
 }
 
 std::vector<boost::intrusive_ptr<Scene>> BodyScenes(const TavroStory& story) {

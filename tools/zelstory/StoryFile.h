@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +30,9 @@ std::optional<StoryFault> ReadStory(const std::string& file,
 
 // Reads a story file that must be faultless. Throws ToolError.
 boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file);
+
+// Whether a story is read from `file`, under whatever name.
+bool IsStoryItself(const std::string& story, const std::filesystem::path& file);
 
 // The scenes of the body, in order; none when there is no body or it has no section.
 std::vector<boost::intrusive_ptr<zelstoryparser::Scene>> BodyScenes(

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <csignal>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -86,6 +88,9 @@ int main(int argc, char** argv) {
   AddReportCommand(tool, chosen);
   AddDumpCommand(tool, chosen);
   for (CLI::App* command : tool.get_subcommands({})) command->group("Commands");
+  if (std::count(argv, argv + argc, std::string_view()) > 0) {
+    return WrongUsage("an argument is empty; does it come from a variable that is not set?");
+  }
   try {
     tool.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
