@@ -231,7 +231,7 @@ void ParseState::RefuseUnconverted() {
   // In the declaration that names the encoding, the library has put aside what it has read.
   if (!mHasWindow) mWindow.Restart(input->consumed, {input->line, input->col});
   Take(input->consumed, Content(input->buf->buffer));
-  std::string reason = "bytes that are no text in the document's encoding:";
+  std::string reason = "bytes that are no text in the document encoding:";
   for (const char byte : rest.substr(0, 4)) {
     constexpr std::string_view kDigits = "0123456789ABCDEF";
     const auto value = static_cast<unsigned char>(byte);
