@@ -250,6 +250,18 @@ TEST_F(SidecarFidelityTest, AFailedWriteLeavesTheOldFileAndNothingElse) {
   EXPECT_THAT(FilesHere(), ElementsAre("clip.xmp"));
 }
 
+// Each quotation mark becomes six bytes, which makes a tag longer than any reader's limit.
+TEST_F(SidecarFidelityTest, WhatCouldNotBeReadAgainIsNotWritten) {
+  const std::string bytes =
+      "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
+      "rdf:about=''><q:a xmlns:q='urn:q#' rdf:resource='u:" +
+      std::string(2'000'000, '"') + "'/></rdf:Description></rdf:RDF>";
+  Write("clip.xmp", bytes);
+  EXPECT_THAT(WriteScene("clip.xmp").mErrors,
+              StartsWith("clip.xmp: error: the new packet could not be read again: "));
+  EXPECT_EQ(Read("clip.xmp"), bytes);
+}
+
 // Starts the tool without waiting for it.
 pid_t Start(const std::vector<std::string>& arguments) {
   const pid_t process = fork();

@@ -119,10 +119,24 @@ std::string Sidecar::Serialized() const {
 }
 
 std::string Sidecar::NewBytes() const {
-  if (!mBytes) return NewPacket();
-  std::string front = mBytes->substr(0, mPacket.mOffset);
-  CorrectDeclaration(front);
-  return front + NewPacket() + mBytes->substr(mPacket.mOffset + mPacket.mLength);
+  std::string bytes;
+  if (mBytes) bytes = mBytes->substr(0, mPacket.mOffset);
+  CorrectDeclaration(bytes);
+  bytes += NewPacket();
+  if (mBytes) bytes += std::string_view(*mBytes).substr(mPacket.mOffset + mPacket.mLength);
+  RefuseUnlessReadable(bytes);
+  return bytes;
+}
+
+void Sidecar::RefuseUnlessReadable(const std::string& bytes) const {
+  std::string reason = "it would be read as something else";
+  try {
+    const TXMPMeta<std::string> again(bytes.data(), static_cast<XMP_StringLen>(bytes.size()));
+    if (xmptoolkit::AreEqual(again, mMetadata, xmptoolkit::Equality::kMetadata)) return;
+  } catch (const XMP_Error& error) {
+    reason = error.GetErrMsg();
+  }
+  throw ToolError(mFile, "the new packet could not be read again: " + reason);
 }
 
 void Sidecar::Save() const {

@@ -28,13 +28,15 @@ class Sidecar {
 
   // Writes the file, whole or not at all, if the metadata has changed; standard output always. What
   // surrounds the packet stays, and so do its encoding and its wrapper. The file keeps its length
-  // where the packet's padding allows; otherwise the padding is renewed. Throws ToolError.
+  // where the packet's padding allows; otherwise the padding is renewed. Throws ToolError, also for
+  // metadata that could not be read again, such as a URI beyond the limit of a tag.
   void Save() const;
 
  private:
   std::string NewBytes() const;
   std::string NewPacket() const;  // throws ToolError
   std::string Serialized() const;
+  void RefuseUnlessReadable(const std::string& bytes) const;
 
   std::string mFile;
   std::optional<std::string> mBytes;  // of the file as it was; none when it was absent
