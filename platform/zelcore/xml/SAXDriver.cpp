@@ -295,7 +295,7 @@ void ParseState::CDATA(std::string_view text) {
   Account(text.size());
   if (!mHalted && !utility::IsUTF8(text)) Refuse("a CDATA section is not UTF-8");
   if (mHalted || text.empty()) return;
-  if (mEndsInCR || text.find('\r') != text.npos) {
+  if (mEndsInCR || text.find('\r') != std::string_view::npos) {
     mText.clear();
     for (const char c : text) {
       if (c != '\n' || !mEndsInCR) mText.push_back(c == '\r' ? '\n' : c);
