@@ -31,8 +31,8 @@ namespace zelstoryparser {
 // - Action: the action paragraphs joined by two spaces; without any, the old value stays. Appends
 //   action, always.
 // - Dialogue: exactly the scene's speeches; an old sequence is removed even when the scene has
-// none.
-//   Appends the sequence, if it is new; then the leaves of every item there was or is.
+//   none. Appends the sequence, if it had no items and has some now; then the leaves of every item
+//   there was or is.
 //
 // A speech is a character's name with the dialogue up to the next name, joined by two spaces. A
 // name without dialogue is dropped; dialogue before the first name joins that name's speech;

@@ -35,9 +35,7 @@ class ZELPLATFORM_API TreeNode {
   TreeNode Qualifier(std::size_t position) const;
 
  private:
-  friend  // The root of an object's metadata; valid until the object changes or goes.
-      ZELPLATFORM_API TreeNode
-      RootOf(const TXMPMeta<std::string>& metadata);
+  friend ZELPLATFORM_API TreeNode RootOf(const TXMPMeta<std::string>& metadata);
 
   TreeNode(const Document& document, const Node& node, bool isQualifier)
       : mDocument(&document), mNode(&node), mIsQualifier(isQualifier) {}
@@ -47,6 +45,7 @@ class ZELPLATFORM_API TreeNode {
   bool mIsQualifier;
 };
 
+// The root of an object's metadata; valid until the object changes or goes.
 ZELPLATFORM_API TreeNode RootOf(const TXMPMeta<std::string>& metadata);
 
 // What has to agree for two trees to be equal.
