@@ -34,18 +34,15 @@ foreach(form IN LISTS ZELSTORY_FORMS)
     COMPONENT development)
 endforeach()
 
-# An installed copy runs where it stands, and may be moved; in /usr the system finds its libraries.
-if(BUILD_SHARED_LIBS AND UNIX AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-  if(APPLE)
-    set(origin "@loader_path")
-  else()
-    set(origin "\$ORIGIN")
-  endif()
-  set_target_properties(zelstoryparser PROPERTIES INSTALL_RPATH "${origin}")
+# An installed copy runs where it is, and may be moved; in /usr the system finds its libraries.
+if(BUILD_SHARED_LIBS AND CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set_target_properties(zelstoryparser PROPERTIES INSTALL_RPATH "")
   if(ZELSTORY_TOOL)
-    file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-    set_target_properties(zelstory PROPERTIES INSTALL_RPATH "${origin}/${libraries}")
+    set_target_properties(zelstory PROPERTIES INSTALL_RPATH "")
   endif()
+elseif(BUILD_SHARED_LIBS AND ZELSTORY_TOOL)
+  file(RELATIVE_PATH libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_property(TARGET zelstory APPEND PROPERTY INSTALL_RPATH "${ZELSTORY_ORIGIN}/${libraries}")
 endif()
 
 install(

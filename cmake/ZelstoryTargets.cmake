@@ -6,6 +6,20 @@ check_cxx_compiler_flag(-fstack-protector-strong ZELSTORY_HAS_STACK_PROTECTOR)
 check_cxx_compiler_flag(-fcf-protection ZELSTORY_HAS_CF_PROTECTION)
 check_linker_flag(CXX "LINKER:-z,relro,-z,now" ZELSTORY_HAS_RELRO)
 
+# Where the loader finds the shared libraries, alike in the build folder and in an installed copy: a path
+# that CMake exchanges while installing is padded with empty entries, and an empty entry is the current
+# folder. Programs that are never installed name the build folder.
+set(ZELSTORY_LIBRARY_DIR ${PROJECT_BINARY_DIR}/lib)
+set(ZELSTORY_TOOL_DIR ${PROJECT_BINARY_DIR}/bin)
+if(APPLE)
+  set(ZELSTORY_ORIGIN "@loader_path")
+else()
+  set(ZELSTORY_ORIGIN "\$ORIGIN")
+endif()
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+set(CMAKE_INSTALL_RPATH ${ZELSTORY_LIBRARY_DIR})
+set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON) # dependencies outside the system's folders
+
 # What the platform offers against faults that are left. Debian's compilers make position-independent
 # programs by themselves.
 function(zelstory_harden target)
@@ -56,6 +70,9 @@ function(zelstory_library target prefix)
     PROPERTIES CXX_VISIBILITY_PRESET hidden
                VISIBILITY_INLINES_HIDDEN ON
                POSITION_INDEPENDENT_CODE ON
+               ARCHIVE_OUTPUT_DIRECTORY ${ZELSTORY_LIBRARY_DIR}
+               LIBRARY_OUTPUT_DIRECTORY ${ZELSTORY_LIBRARY_DIR}
+               INSTALL_RPATH ${ZELSTORY_ORIGIN}
                VERSION ${PROJECT_VERSION}
                SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
   target_compile_definitions(${target} PRIVATE ${prefix}_BUILDING)
