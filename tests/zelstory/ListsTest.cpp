@@ -42,8 +42,8 @@ TEST_F(ListsTest, AreAlignedForPeople) {
             "       3                                                       2           2\n");
   EXPECT_EQ(Print("characters"),
             "character  speeches  words  first  last  scenes\n"
-            "ANNA              3      6      1     3  1 3\n"
-            "(A VOICE)         1      1      3     3  3\n");
+            "ANNA              3      6  1A     #3    1A #3\n"
+            "(A VOICE)         1      1  #3     #3    #3\n");
   EXPECT_THAT(Print("stats"), HasSubstr("\nunknown            1      1\nparagraphs        10 "));
 }
 
@@ -55,9 +55,18 @@ TEST_F(ListsTest, AreReadByPrograms) {
   EXPECT_EQ(scenes[0]["location"], "CAFÉ, \"OLD\"");
   EXPECT_TRUE(scenes[1]["duration"].is_null());
   const auto people = nlohmann::json::parse(Print("characters", "--json"));
-  EXPECT_EQ(people[0]["scenes"], nlohmann::json({1, 3}));
+  EXPECT_EQ(people[0]["scenes"], nlohmann::json({"1A", "#3"}));
   EXPECT_EQ(nlohmann::json::parse(Print("stats", "--json"))[0]["count"], 3);
   EXPECT_EQ(Tool({"stats", "a.quor", "--csv", "--json"}).mStatus, 2);
+  Write("b.quor",
+        R"(<TavroStory version='1.0'><document><stream name='body'><section><scene sceneNumber='-1'>
+        <paragraph element='SceneHeading'><textRun>INT. =1+1 - @SUM(A1)</textRun></paragraph></scene>
+        </section></stream></document></TavroStory>)");
+  EXPECT_THAT(
+      Tool({"scenes", "b.quor", "--csv", "--bom"}).mOutput,
+      testing::MatchesRegex("\xEF\xBB\xBFposition.*\r\n1,'-1,INT,'=1\\+1,'@SUM\\(A1\\),,0,0\r\n"));
+  EXPECT_THAT(Tool({"scenes", "b.quor", "--csv", "--raw"}).mOutput,
+              testing::MatchesRegex("position.*\r\n1,-1,INT,=1\\+1,@SUM\\(A1\\),,0,0\r\n"));
   EXPECT_EQ(Tool({"stats", "none.quor"}).mStatus, 1);
 }
 

@@ -104,8 +104,8 @@ TEST_F(ReportTest, ManyScenesAndPeopleStayReadable) {
   const std::string page = Page("big.quor");
   EXPECT_THAT(page, HasSubstr("Another 10 who say less are left out."));
   EXPECT_EQ(Matches(page, "<rect class=\"(bar)\"").size(), 100u);
-  EXPECT_THAT(page, HasSubstr("<title>P7, scenes 7 to 9: 1 speech, 2 words</title>"));
-  EXPECT_THAT(page, HasSubstr("<title>scenes 298 to 300: 6 words</title>"));
+  EXPECT_THAT(page, HasSubstr("<title>P7, scenes #7 to #9: 1 speech, 2 words</title>"));
+  EXPECT_THAT(page, HasSubstr("<title>scenes #298 to #300: 6 words</title>"));
 }
 
 TEST_F(ReportTest, AnEmptyStoryHasAPageAndABadOneNone) {

@@ -110,14 +110,14 @@ TEST_F(SidecarTest, WhatHasAnotherShapeIsRefusedAndLeftAsItWas) {
       {"<s:sceneSetting><rdf:Bag><rdf:li>INT</rdf:li></rdf:Bag></s:sceneSetting>",
        "Error writing scene heading to XMP\n"},
       {"<s:dialogSequence>text</s:dialogSequence>", "dialogSequence"}};
-  for (const auto& [property, error] : cases) {
+  for (const auto& [property, error] : cases) {  // clearing first removes a heading of any shape
     const std::string packet =
         "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description"
         " rdf:about='' xmlns:s='http://ns.zelhost.example/metadata/script/1.0/'>" +
         property + "</rdf:Description></rdf:RDF>";
     Write("clip.xmp", packet);
-    const Outcome outcome = WriteScene("clip.xmp");
-    EXPECT_THAT(outcome.mErrors, testing::StartsWith("clip.xmp: error: "));
+    const Outcome outcome = Tool({"write", Story(), "--scene", "1", "clip.xmp", "--merge"});
+    EXPECT_THAT(outcome.mErrors, HasSubstr("clip.xmp: error: "));
     EXPECT_THAT(outcome.mErrors, HasSubstr(error));
     EXPECT_EQ(Read("clip.xmp"), packet);
   }
@@ -152,6 +152,72 @@ TEST_F(SidecarTest, OneFilesRefusalDoesNotStopTheOthers) {
   EXPECT_EQ(outcome.mStatus, 1);
   EXPECT_EQ(outcome.mErrors, "b.xmp: error: No such file or directory\n");
   EXPECT_EQ(Tool({"has", "a.xmp", "c.xmp"}).mOutput, "a.xmp: no\nc.xmp: no\n");
+}
+
+TEST_F(SidecarTest, AClipHoldsTheSceneThatWasWrittenLastAndNoOther) {
+  const std::string story = Example("every_element.quor");  // scene sc2 has a location alone
+  Tool({"write", story, "--id", "sc2", "new.xmp"});
+  const std::string expected = Tool({"xmp", "new.xmp"}).mOutput;
+  for (const char* option : {"--merge", "--force"}) {
+    WriteScene("clip.xmp");
+    const Outcome preview = Tool({"write", story, "--id", "sc2", "clip.xmp", "--dry-run", option});
+    const Outcome outcome = Tool({"write", story, "--id", "sc2", "clip.xmp", option});
+    const bool merges = option == std::string("--merge");
+    EXPECT_EQ(Tool({"xmp", "clip.xmp"}).mOutput == expected, !merges);
+    EXPECT_EQ(preview.mOutput.starts_with("clears the scene that it holds first"), !merges);
+    EXPECT_EQ(
+        preview.mOutput.find("xmpScript:action: \"Rain & wind.\" -> (none)") == std::string::npos,
+        merges);
+    EXPECT_EQ(outcome.mOutput,
+              "xmpScript:sceneSetting\nxmpDM:shotLocation\nxmpScript:sceneTimeOfDay\n"
+              "xmpScript:action\nxmpScript:dialogSequence[1]/xmpScript:character\n"
+              "xmpScript:dialogSequence[1]/xmpScript:dialog\n");
+  }
+  EXPECT_EQ(Tool({"write", story, "--id", "sc2", "new.xmp"}).mOutput, "unchanged\n");
+}
+
+TEST_F(SidecarTest, ASidecarIsFoundAndSharedAsPeopleNameIt) {
+  fs::create_directory(File("D"));
+  for (const char* clip : {"D/a.MOV", "D/b.mov", "D/c.mov", "D/c.wav", "D/d.mov"}) Write(clip, "");
+  WriteScene("D/a.XMP");
+  WriteScene("D/b.mov.Xmp");
+  WriteScene("D/c.xmp");
+  const Outcome has = Tool({"has", "D/a.MOV", "D/b.mov", "D/d.mov"});
+  EXPECT_EQ(has.mOutput, "D/a.MOV: yes\nD/b.mov: yes\nD/d.mov: no\n");
+  EXPECT_EQ(has.mErrors, "");
+  EXPECT_EQ(Tool({"clear", "D/b.mov", "D/d.mov"}).mErrors, "");
+  EXPECT_EQ(Tool({"has", "D/b.mov.Xmp"}).mOutput, "no\n");
+  EXPECT_EQ(Tool({"has", "D/c.wav", "--sidecar-name", "stem"}).mOutput, "yes\n");
+  EXPECT_EQ(Tool({"has", "D/c.wav", "--sidecar-name", "full"}).mOutput, "no\n");
+  Write("t.csv", "clip,position\nD/c.mov,1\nD/c.wav,1\n");
+  EXPECT_THAT(Tool({"tag", Story(), "--table", "t.csv", "--sidecar-name", "stem"}).mOutput,
+              "D/c.mov: unchanged\nD/c.wav: unchanged\n");
+  EXPECT_FALSE(fs::exists(File("D/d.mov.xmp")));
+}
+
+TEST_F(SidecarTest, AProtectedFileAndALockedFolderAreRespected) {
+  WriteScene("clip.xmp");
+  fs::permissions(File("clip.xmp"), fs::perms(0444));
+  EXPECT_EQ(
+      Tool({"clear", "clip.xmp"}).mErrors,
+      "clip.xmp: error: the file has no write permission; --force replaces it all the same\n");
+  EXPECT_EQ(WriteScene("clip.xmp").mOutput, "unchanged\n");
+  EXPECT_EQ(Tool({"clear", "clip.xmp", "--force"}).mStatus, 0);
+  EXPECT_EQ(fs::status(File("clip.xmp")).permissions(), fs::perms(0444));
+  if (!IsInstalled("flock")) GTEST_SKIP() << "flock is not installed";
+  const auto whileLocked = [this](const std::string& script) {
+    return Process("flock", {"-o", ".", "sh", "-c", script, ZELSTORY_TOOL}).mErrors;
+  };
+  EXPECT_EQ(whileLocked("\"$0\" clear clip.xmp --no-wait"),
+            ".: error: another process is changing files in this folder\n");
+  EXPECT_EQ(whileLocked("\"$0\" clear clip.xmp --dry-run"), "");
+  whileLocked(
+      "(\"$0\" has clip.xmp; \"$0\" clear clip.xmp 2>note >done; echo end >>done) &"
+      "until [ -s note ]; do sleep 0.1; done");
+  EXPECT_EQ(Read("note"),
+            ".: note: waiting for another process that changes files in this folder\n");
+  Process("sh", {"-c", "until grep -q end done; do sleep 0.1; done"});
+  EXPECT_EQ(Read("done"), "unchanged\nend\n");
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ TEST_F(TagTest, ReadsTheTablesThatSpreadsheetsWrite) {
         "<scene sceneNumber='7' objID='x'/><scene sceneNumber='7A'/></section></stream></document>"
         "</TavroStory>");
   for (const char* table : {
-           "clip,scene\na.mov,1\n\"two, \"\"too\"\".mov\",2",
+           "clip,scene\na.mov,7\n\"two, \"\"too\"\".mov\",7A\n , \n,,\n",
            "\xEF\xBB\xBF"
            "Take;Clip;Number\r\n\r\n1;a.mov;7\r\n2;\"two, \"\"too\"\".mov\";7A\r\n",
            "clip\tID\tposition\tnumber\n a.mov \tx\t1\t7\n\"two, \"\"too\"\".mov\"\t\t2\t\n",
@@ -73,27 +73,29 @@ TEST_F(TagTest, ReadsTheTablesThatSpreadsheetsWrite) {
 
 TEST_F(TagTest, AFaultyTableWritesNothingUnlessAsked) {
   const std::string table =
-      "clip,scene,number\nc.mov,1,\na.mov,9,\n,1,\nb.mov,2,\n./b.mov.xmp,2,\nnone.mov,1,\n"
+      "clip,position,scene\nc.mov,1,\na.mov,9,\n,1,\nb.mov,2,\n./b.mov.xmp,2,\nnone.mov,1,\n"
       "x.xmp,1,2\ny.xmp,,\nz.xmp,two,\nno/z.xmp,1,\n";
   const Outcome refused = Tag(table);
   EXPECT_EQ(refused.mStatus, 1);
   EXPECT_THAT(refused.mErrors, StartsWith("day/clips.csv: error: 9 of 10 rows have faults"));
   EXPECT_THAT(
       Lines(refused.mOutput),
-      ElementsAre("c.mov: refused: other lines have faults",
-                  "a.mov: refused: there is no scene 9; the body has 4",
-                  "day/clips.csv:4: refused: the row names no clip",
-                  "b.mov: refused: several lines mean its sidecar: 5, 6",
-                  "./b.mov.xmp: refused: several lines mean its sidecar: 5, 6",
-                  "none.mov: refused: No such clip (a sidecar's name ends in .xmp)",
-                  "x.xmp: refused: the row names two scenes, at the positions 1 and 2",
-                  "y.xmp: refused: the row names no scene",
-                  "z.xmp: refused: \"two\" is no position: scenes are counted 1, 2, 3 and so on",
-                  "no/z.xmp: refused: there is no folder day/no"));
+      ElementsAre(
+          "c.mov: refused: other lines have faults",
+          "a.mov: refused: no scene is at position 9: the body has 4 scenes",
+          "day/clips.csv:4: refused: the row names no clip",
+          "b.mov: refused: several lines mean its sidecar: 5, 6",
+          "./b.mov.xmp: refused: several lines mean its sidecar: 5, 6",
+          "none.mov: refused: No such clip (a sidecar's name ends in .xmp)",
+          "x.xmp: refused: the row names two scenes, at the positions 1 and 2",
+          "y.xmp: refused: the row names no scene",
+          "z.xmp: refused: \"two\" is not a position: scenes count from 1, in whole numbers",
+          "no/z.xmp: refused: there is no folder day/no"));
   EXPECT_FALSE(std::filesystem::exists(File("day/c.mov.xmp")));
   const Outcome going = Tag(table, {"--keep-going"});
   EXPECT_EQ(going.mStatus, 1);
-  EXPECT_THAT(going.mOutput, StartsWith("c.mov: written\na.mov: refused: there is no scene 9"));
+  EXPECT_THAT(going.mOutput,
+              StartsWith("c.mov: written\na.mov: refused: no scene is at position 9"));
 }
 
 TEST_F(TagTest, OneClipsFaultStopsNoOther) {
@@ -108,7 +110,8 @@ TEST_F(TagTest, OneClipsFaultStopsNoOther) {
   EXPECT_EQ(Read("day/a.mov.xmp"), "no XMP");
   EXPECT_EQ(written["outcome"], "written");
   EXPECT_EQ(written["sidecar"], "day/b.mov.xmp");
-  EXPECT_EQ(written["scene"], 2);
+  EXPECT_EQ(written["scene"], "2");
+  EXPECT_EQ(written["position"], 2);
   EXPECT_EQ(written["paths"][1], "xmpDM:shotLocation");
 }
 
@@ -132,6 +135,32 @@ TEST_F(TagTest, ATableThatIsNoneIsRefused) {
   }
 }
 
+// In this story the positions run ahead of the numbers.
+TEST_F(TagTest, ASceneIsMeantByItsNumber) {
+  const std::string story = Example("the_long_tide.quor");
+  Write("t.csv", "clip,scene\ntag.xmp,50\n");
+  EXPECT_EQ(Tool({"tag", story, "--table", "t.csv"}).mErrors, "");
+  Tool({"write", story, "--scene", "50", "scene.xmp"});
+  Tool({"write", story, "--position", "51", "position.xmp"});
+  Tool({"write", story, "--id", "lt.s051", "id.xmp"});
+  for (const char* same : {"scene.xmp", "position.xmp", "id.xmp"}) {
+    EXPECT_EQ(Read(same), Read("tag.xmp")) << same;
+  }
+  Write("none.quor",
+        "<TavroStory version='1.0'><document><stream name='body'><section><scene/><scene/>"
+        "</section></stream></document></TavroStory>");
+  Write("t.csv", "clip,scene\na.xmp,1\nb.xmp,2\n");
+  const std::string note =
+      "none.quor: note: no scene has a number, so scenes are chosen by position\n";
+  EXPECT_EQ(Tool({"tag", "none.quor", "--table", "t.csv"}).mErrors, note);
+  EXPECT_EQ(Tool({"show", "none.quor", "--scene", "2"}).mErrors, note);
+  EXPECT_EQ(Tool({"show", "none.quor", "--position", "2"}).mErrors, "");
+  Write("t.csv", "clip,scene\n");
+  const Outcome empty = Tool({"tag", "none.quor", "--table", "t.csv"});
+  EXPECT_EQ(empty.mErrors, "t.csv: note: the table has no rows, so there is nothing to do\n");
+  EXPECT_EQ(empty.mStatus, 0);
+}
+
 // The terminal is a pseudo-terminal that script(1) makes.
 TEST_F(TagTest, ATerminalGetsColoursAndProgress) {
   if (!IsInstalled("script")) GTEST_SKIP() << "script is not installed";
@@ -142,8 +171,10 @@ TEST_F(TagTest, ATerminalGetsColoursAndProgress) {
   };
   EXPECT_THAT(onTerminal(check), HasSubstr("\x1B[32mok\x1B[0m"));
   EXPECT_THAT(onTerminal("NO_COLOR=1 " + check), testing::Not(HasSubstr("\x1B")));
-  EXPECT_THAT(onTerminal("(sleep 1.1; cat '" + mStory + "') | " + check + " - '" + mStory + "'"),
-              HasSubstr("\r\x1B[K3 of 3\r\x1B[K"));
+  const std::string slow = "(sleep 1.1; cat '" + mStory + "') | " + check + " - '" + mStory + "'";
+  EXPECT_THAT(onTerminal(slow), HasSubstr("\r\x1B[K3 of 3\r\x1B[K"));
+  // Results that go elsewhere leave the progress where it is.
+  EXPECT_THAT(onTerminal(slow + " none >o; echo END"), HasSubstr("\r\x1B[K3 of 4\r\x1B[KEND"));
 }
 
 // The second story is only there when the signal has come.

@@ -18,7 +18,7 @@ BASH_CASES = {
     ("check", STORY, "a"): {STORY},
     ("show", "--scene", ""): set(),
     ("show", STORY, ""): set(),
-    ("write", "--number", "1A", ""): {STORY, "folder"},
+    ("write", "--scene", "1A", ""): {STORY, "folder"},
     ("write", STORY, "clip."): {CLIP},
     ("write", STORY, "--sidecar-name", ""): {"full", "stem"},
     ("tag", STORY, "--table", ""): {TABLE, "folder"},

@@ -10,7 +10,6 @@
 #include "CSV.h"
 #include "Console.h"
 #include "FileReplacement.h"
-#include "StoryFile.h"
 #include "ToolError.h"
 
 namespace zelstory {
@@ -43,9 +42,9 @@ struct Columns {
 };
 
 Columns FindColumns(const CSVRow& names, const std::string& place) {
-  static const std::map<std::string, SceneKey> kSceneKeys{{"scene", SceneKey::kPosition},
-                                                          {"position", SceneKey::kPosition},
+  static const std::map<std::string, SceneKey> kSceneKeys{{"scene", SceneKey::kNumber},
                                                           {"number", SceneKey::kNumber},
+                                                          {"position", SceneKey::kPosition},
                                                           {"id", SceneKey::kID}};
   Columns columns;
   std::map<std::string, std::size_t> seen;
@@ -59,7 +58,7 @@ Columns FindColumns(const CSVRow& names, const std::string& place) {
   if (!seen.contains("clip") || columns.mScenes.empty()) {
     throw ToolError(place,
                     "the first line names the columns: clip, and one or more of scene (the "
-                    "position, from 1), number and id");
+                    "number in the script), position (from 1) and id");
   }
   columns.mClip = seen["clip"];
   return columns;
@@ -68,17 +67,29 @@ Columns FindColumns(const CSVRow& names, const std::string& place) {
 class TableReader {
  public:
   TableReader(const std::string& folder, const zelstoryparser::TavroStory& story,
-              const std::string& storyFile, SidecarForm form)
-      : mFolder(folder), mScenes(BodyScenes(story)), mStoryFile(storyFile), mForm(form) {}
+              const std::string& storyFile, std::optional<SidecarForm> form)
+      : mFolder(folder), mScenes(story, storyFile), mForm(form) {}
 
   std::vector<ClipRow> Read(const std::vector<CSVRow>& rows, const Columns& columns) {
     std::vector<ClipRow> clips;
-    for (std::size_t i = 1; i < rows.size(); ++i) clips.push_back(ReadRow(rows[i], columns));
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+      if (!IsEmpty(rows[i])) clips.push_back(ReadRow(rows[i], columns));
+    }
     RefuseSharedSidecars(clips);
+    const bool asksForNumbers =
+        std::any_of(columns.mScenes.begin(), columns.mScenes.end(),
+                    [](const auto& column) { return column.mKey == SceneKey::kNumber; });
+    if (asksForNumbers && !clips.empty() && !mScenes.HasNumbers()) mScenes.NoteMissingNumbers();
     return clips;
   }
 
  private:
+  // As spreadsheets leave them below a table.
+  static bool IsEmpty(const CSVRow& row) {
+    return std::all_of(row.mCells.begin(), row.mCells.end(),
+                       [](const std::string& cell) { return cell.empty(); });
+  }
+
   ClipRow ReadRow(const CSVRow& cells, const Columns& columns) {
     ClipRow row;
     row.mLine = cells.mLine;
@@ -114,7 +125,7 @@ class TableReader {
 
   void AddScene(ClipRow& row, SceneKey key, const std::string& text) const {
     if (text.empty()) return;
-    const SelectedScene scene = FindScene(mScenes, key, text, mStoryFile);
+    const SelectedScene scene = mScenes.Find(key, text);
     if (row.mScene.mScene && row.mScene.mPosition != scene.mPosition) {
       throw ToolError("the row names two scenes, at the positions " +
                       std::to_string(row.mScene.mPosition) + " and " +
@@ -132,7 +143,7 @@ class TableReader {
       rowsOfSidecar[fs::weakly_canonical(fs::absolute(row.mSidecar), error)].push_back(&row);
     }
     for (const auto& [sidecar, rows] : rowsOfSidecar) {
-      if (rows.size() < 2) continue;
+      if (rows.size() < 2 || AgreeOnShared(rows)) continue;
       std::string lines;
       for (const ClipRow* row : rows) {
         lines += (lines.empty() ? "" : ", ") + std::to_string(row->mLine);
@@ -143,17 +154,24 @@ class TableReader {
     }
   }
 
+  // Picture and sound of one take share a sidecar where the user says so.
+  bool AgreeOnShared(const std::vector<ClipRow*>& rows) const {
+    return mForm == SidecarForm::kStem &&
+           std::all_of(rows.begin(), rows.end(), [&](const ClipRow* row) {
+             return row->mFault.empty() && row->mScene.mPosition == rows[0]->mScene.mPosition;
+           });
+  }
+
   const std::string& mFolder;
-  const std::vector<boost::intrusive_ptr<zelstoryparser::Scene>> mScenes;
-  const std::string& mStoryFile;
-  const SidecarForm mForm;
+  const SceneFinder mScenes;
+  const std::optional<SidecarForm> mForm;
 };
 
 }  // namespace
 
 std::vector<ClipRow> ReadClipTable(const std::string& table, const std::string& folder,
                                    const zelstoryparser::TavroStory& story,
-                                   const std::string& storyFile, SidecarForm form) {
+                                   const std::string& storyFile, std::optional<SidecarForm> form) {
   const std::vector<CSVRow> rows = ReadCSV(ReadText(table), table);
   if (rows.empty()) throw ToolError(table, "is empty; its first line names the columns");
   const Columns columns = FindColumns(rows[0], table + ':' + std::to_string(rows[0].mLine));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,13 +23,14 @@ struct ClipRow {
 };
 
 // Reads a table (CSV) whose first line names its columns, in any order and letter case: "clip" and
-// one or more of "scene" or "position" (from 1), "number" and "id"; further columns are ignored.
-// Where a row fills several, they must name the same scene. Relative names of clips start from
-// `folder`. Every row is checked: that its scene is in the story, that the clip or its sidecar is
-// there, that no other row means the same sidecar. Throws ToolError for a table that cannot be read
-// at all. "-" is standard input.
+// one or more of "scene" or "number" (as written in the script), "position" (from 1) and "id";
+// further columns are ignored, and rows in which every cell is empty. Where a row fills several,
+// they must name the same scene. Relative names of clips start from `folder`. Every row is checked:
+// that its scene is in the story, that the clip or its sidecar exists, that no other row means the
+// same sidecar, except for clips that share one, by `form`, and show the same scene. Throws
+// ToolError for a table that cannot be read at all. "-" is standard input.
 std::vector<ClipRow> ReadClipTable(const std::string& table, const std::string& folder,
                                    const zelstoryparser::TavroStory& story,
-                                   const std::string& storyFile, SidecarForm form);
+                                   const std::string& storyFile, std::optional<SidecarForm> form);
 
 }  // namespace zelstory

@@ -18,8 +18,12 @@ struct CheckOptions {
 void PrintJSON(const std::string& file, const std::optional<StoryFault>& fault) {
   nlohmann::ordered_json result{{"file", file}, {"ok", !fault}};
   if (fault) {
-    result["line"] = fault->mPosition.mLine;
-    result["column"] = fault->mPosition.mColumn;
+    result["line"] = nullptr;
+    result["column"] = nullptr;
+    if (fault->mPosition) {
+      result["line"] = fault->mPosition->mLine;
+      result["column"] = fault->mPosition->mColumn;
+    }
     result["message"] = fault->mMessage;
     result["where"] =
         fault->mWhere.empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(fault->mWhere);

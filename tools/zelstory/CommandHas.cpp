@@ -3,16 +3,23 @@
 #include "Command.h"
 #include "Console.h"
 #include "Sidecar.h"
+#include "SidecarOptions.h"
 
 namespace zelstory {
 namespace {
 
-int Has(const std::vector<std::string>& clips) {
+struct HasOptions {
+  std::vector<std::string> mClips;
+  std::optional<SidecarForm> mForm;
+  bool mIsStrict = false;
+};
+
+int Has(const HasOptions& options) {
   bool allHave = true;
+  const WhenAbsent whenAbsent = WhenAbsentFor(options.mIsStrict);
   const int status =
-      ForEachFile(clips, [&allHave](const std::string& clip, const std::string& label) {
-        Sidecar sidecar(FindSidecar(clip, SidecarForm::kFull, WhenAbsent::kRefuse),
-                        WhenAbsent::kRefuse);
+      ForEachFile(options.mClips, [&](const std::string& clip, const std::string& label) {
+        Sidecar sidecar(FindSidecar(clip, options.mForm, whenAbsent), whenAbsent);
         const bool has = zelstoryparser::HasAnyStoryRelatedMetadata(sidecar.Metadata());
         allHave = allHave && has;
         PrintResult(label, has ? Tone::kGood : Tone::kPlain, has ? "yes" : "no");
@@ -23,16 +30,18 @@ int Has(const std::vector<std::string>& clips) {
 }  // namespace
 
 void AddHasCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command = tool.add_subcommand("has", "Tell whether sidecars hold a scene's metadata");
-  const auto clips = std::make_shared<std::vector<std::string>>();
+  CLI::App* command = tool.add_subcommand("has", "Say whether sidecars hold a scene's metadata");
+  const auto options = std::make_shared<HasOptions>();
   command
-      ->add_option("CLIP", *clips,
+      ->add_option("CLIP", options->mClips,
                    "Sidecars (*.xmp) or the clips they belong to; - is standard input")
       ->required();
+  AddSidecarNameOption(*command, options->mForm);
+  AddStrictFlag(*command, options->mIsStrict);
   command->footer(
-      "Prints yes or no a clip; behind CLIP: for several clips.\n"
+      "Prints yes or no, no for a clip without sidecar; with CLIP: in front for several clips.\n"
       "Exit status: 0 all have, 1 one or more have not or were refused, 2 wrong usage.");
-  command->callback([clips, &chosen] { chosen = [clips] { return Has(*clips); }; });
+  command->callback([options, &chosen] { chosen = [options] { return Has(*options); }; });
 }
 
 }  // namespace zelstory

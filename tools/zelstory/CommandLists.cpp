@@ -12,14 +12,21 @@ using Lister = Table (*)(const zelstoryparser::TavroStory& story);
 struct ListOptions {
   std::string mStory;
   bool mAsCSV = false;
+  bool mIsRaw = false;
+  bool mHasMark = false;
   bool mAsJSON = false;
 };
 
+TableForm FormOf(const ListOptions& options) {
+  if (options.mAsJSON) return TableForm::kJSON;
+  if (!options.mAsCSV) return TableForm::kAligned;
+  return options.mIsRaw ? TableForm::kPlainCSV : TableForm::kCSV;
+}
+
 int List(const ListOptions& options, Lister lister) {
-  const TableForm form = options.mAsCSV    ? TableForm::kCSV
-                         : options.mAsJSON ? TableForm::kJSON
-                                           : TableForm::kAligned;
-  lister(*LoadStory(options.mStory)).Print(form, std::cout);
+  const Table table = lister(*LoadStory(options.mStory));
+  if (options.mHasMark) std::cout << "\xEF\xBB\xBF";
+  table.Print(FormOf(options), std::cout);
   return kDone;
 }
 
@@ -30,6 +37,13 @@ void AddList(CLI::App& tool, ChosenCommand& chosen, const char* name, const char
   command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
   CLI::Option* csv =
       command->add_flag("--csv", options->mAsCSV, "Print comma-separated values (RFC 4180)");
+  command
+      ->add_flag("--raw", options->mIsRaw,
+                 "With --csv: put no apostrophe before what a spreadsheet would run")
+      ->needs(csv);
+  command
+      ->add_flag("--bom", options->mHasMark, "With --csv: begin with a byte-order mark, for Excel")
+      ->needs(csv);
   command->add_flag("--json", options->mAsJSON, "Print a JSON array with an object a row")
       ->excludes(csv);
   command->footer(columns + "\nExit status: 0 done, 1 refused, 2 wrong usage.");
@@ -45,11 +59,13 @@ void AddListCommands(CLI::App& tool, ChosenCommand& chosen) {
       "Columns: position (from 1), number, setting, location, time, duration (h:mm:ss), speeches,\n"
       "characters (how many speak).",
       ListScenes);
-  AddList(tool, chosen, "characters", "List who speaks, how much, and where",
-          "Columns: character, speeches, words, first and last scene by position, all scenes. "
-          "Brackets\n"
-          "behind a name, as in ANNA (V.O.), make no other character.",
-          ListCharacters);
+  AddList(
+      tool, chosen, "characters", "List who speaks, how much, and where",
+      "Columns: character, speeches, words, first and last scene, all scenes, by their numbers; "
+      "#3\n"
+      "is the scene at position 3, which has none. Parentheses after a name, as in ANNA (V.O.),\n"
+      "make no other character.",
+      ListCharacters);
   AddList(tool, chosen, "stats", "Count scenes, paragraphs by kind, and words",
           "Columns: what, count, words.", ListCounts);
 }

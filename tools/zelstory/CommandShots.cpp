@@ -1,8 +1,14 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <utility>
 #include <vector>
 
+#include <xmptoolkit/XMPTree.h>
+#include <zelmetadata/Path.h>
 #include <zelstoryparser/SceneXMP.h>
 
 #include "Command.h"
@@ -34,31 +40,89 @@ bool MakeFolder(const fs::path& folder) {
   return isNew;
 }
 
-void WritePackets(const std::string& file,
-                  const boost::intrusive_ptr<zelstoryparser::TavroStory>& story,
-                  const fs::path& folder, const std::string& label) {
-  std::size_t position = 0;
-  for (const auto& scene : BodyScenes(*story)) {
-    ++position;
-    std::vector<zelstoryparser::ShotXMP> shots;
-    zelstoryparser::GetSceneXMP(story, scene, static_cast<std::int32_t>(position), shots);
-    for (const zelstoryparser::ShotXMP& shot : shots) {
-      const fs::path packet = folder / PacketName(position);
-      if (IsStoryItself(file, packet)) {
-        throw ToolError(packet.string(), "is the story itself: name another folder after --out");
-      }
-      ReplaceFile(packet, shot.mXMPPacket);
-      PrintLine(label + std::to_string(position) + '\t' + ToUTF8(shot.mShotID) + '\t' +
-                packet.string());
+// Whether a file holds a packet with what a shot has and nothing else, and so was made here.
+bool IsShotPacket(const fs::path& file) {
+  constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
+  constexpr const char* kMedia = zelmetadata::kDynamicMediaSchemaURI;
+  static const std::set<std::pair<std::string_view, std::string_view>> kProperties{
+      {kScript, "sceneSetting"}, {kMedia, "shotLocation"}, {kScript, "sceneTimeOfDay"},
+      {kScript, "action"},       {kMedia, "shotName"},     {kScript, "dialogSequence"},
+      {kMedia, "scene"},         {kMedia, "duration"}};
+  const std::string bytes = ReadWholeFile(file).value_or("");
+  try {
+    const TXMPMeta<std::string> packet(bytes.data(), static_cast<XMP_StringLen>(bytes.size()));
+    const xmptoolkit::TreeNode root = xmptoolkit::RootOf(packet);
+    for (std::size_t i = 0; i < root.ChildCount(); ++i) {
+      const xmptoolkit::TreeNode property = root.Child(i);
+      if (!kProperties.contains({property.NamespaceURI(), property.LocalName()})) return false;
     }
+    return packet.DoesPropertyExist(kMedia, "scene");
+  } catch (const XMP_Error&) {
+    return false;
   }
 }
 
-void Shots(const std::string& file, const fs::path& folder, const std::string& label) {
-  const auto story = LoadStory(file);
+struct ShotOptions {
+  std::vector<std::string> mStories;
+  std::string mFolder;
+  bool mForce = false;
+};
+
+// The shots of one story, on their way into a folder.
+class Shots {
+ public:
+  Shots(const std::string& file, fs::path folder) : mFile(file), mFolder(std::move(folder)) {}
+
+  // Looks at every file that would be replaced before the first one is.
+  void RefuseForeignFiles() const {
+    ForEach([](const fs::path& packet, std::size_t, const auto& shot) {
+      if (!fs::exists(packet) || IsShotPacket(packet) || !shot()) return;
+      throw ToolError(packet.string(), "is not a shot's packet; --force replaces it all the same");
+    });
+  }
+
+  void Write(const std::string& label) const {
+    ForEach([&](const fs::path& packet, std::size_t position, const auto& shot) {
+      const std::optional<zelstoryparser::ShotXMP> made = shot();
+      if (!made) return;
+      if (IsStoryItself(mFile, packet)) {
+        throw ToolError(packet.string(), "is the story itself: name another folder after --out");
+      }
+      ReplaceFile(packet, made->mXMPPacket);
+      PrintLine(label + std::to_string(position) + '\t' + ToUTF8(made->mShotID) + '\t' +
+                packet.string());
+    });
+  }
+
+ private:
+  // Calls work(file, position, shot) for each scene; shot() makes its packet, if it has one.
+  template <typename Work>
+  void ForEach(Work work) const {
+    std::size_t position = 0;
+    for (const auto& scene : BodyScenes(*mStory)) {
+      ++position;
+      work(mFolder / PacketName(position), position,
+           [&]() -> std::optional<zelstoryparser::ShotXMP> {
+             std::vector<zelstoryparser::ShotXMP> shots;
+             zelstoryparser::GetSceneXMP(mStory, scene, static_cast<std::int32_t>(position), shots);
+             if (shots.empty()) return std::nullopt;
+             return std::move(shots.front());
+           });
+    }
+  }
+
+  const std::string& mFile;
+  const fs::path mFolder;
+  const boost::intrusive_ptr<zelstoryparser::TavroStory> mStory = LoadStory(mFile);
+};
+
+void WriteShots(const std::string& file, const fs::path& folder, const std::string& label,
+                bool force) {
+  const Shots shots(file, folder);
   const bool isNew = MakeFolder(folder);
   try {
-    WritePackets(file, story, folder, label);
+    if (!force) shots.RefuseForeignFiles();
+    shots.Write(label);
   } catch (...) {
     std::error_code isFilled;  // then it stays
     if (isNew) fs::remove(folder, isFilled);
@@ -83,38 +147,35 @@ std::vector<fs::path> FoldersOf(const std::vector<std::string>& stories, const f
   return folders;
 }
 
-int ShotsOfAll(const std::vector<std::string>& stories, const fs::path& folder) {
-  const std::vector<fs::path> folders = FoldersOf(stories, folder);
+int ShotsOfAll(const ShotOptions& options) {
+  const std::vector<fs::path> folders = FoldersOf(options.mStories, options.mFolder);
   auto next = folders.begin();
-  return ForEachFile(stories, [&next](const std::string& story, const std::string& label) {
-    Shots(story, *next++, label);
+  return ForEachFile(options.mStories, [&](const std::string& story, const std::string& label) {
+    WriteShots(story, *next++, label, options.mForce);
   });
 }
 
 }  // namespace
 
 void AddShotsCommand(CLI::App& tool, ChosenCommand& chosen) {
-  struct Options {
-    std::vector<std::string> mStories;
-    std::string mFolder;
-  };
   CLI::App* command =
       tool.add_subcommand("shots", "Write a stand-alone XMP packet for every scene of the body");
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<ShotOptions>();
   command->add_option("STORY", options->mStories, "Story files; - is standard input")->required();
   command->add_option("--out", options->mFolder, "The folder for the packets, created when absent")
       ->type_name("DIR")
       ->required();
+  command->add_flag("--force", options->mForce, "Replace files that no run of shots made, too");
   command->footer(
       "Writes DIR/scene_0001.xmp and so on, numbered by position. Prints position, shot ID and "
       "file,\n"
-      "separated by tabs, a line a scene; scenes that make no shot are left out. Several stories "
-      "get\n"
-      "a folder each in DIR, called as the story without its extension, and lines behind STORY:.\n"
+      "separated by tabs, one line per scene; scenes that make no shot are left out. Several "
+      "stories\n"
+      "get a folder each in DIR, named after the story, and lines with STORY: in front. A file "
+      "that\n"
+      "is not such a packet is never replaced without --force.\n"
       "Exit status: 0 done, 1 one or more were refused, 2 wrong usage.");
-  command->callback([options, &chosen] {
-    chosen = [options] { return ShotsOfAll(options->mStories, options->mFolder); };
-  });
+  command->callback([options, &chosen] { chosen = [options] { return ShotsOfAll(*options); }; });
 }
 
 }  // namespace zelstory

@@ -33,7 +33,7 @@ int Show(const ShowOptions& options) {
   }
   const SelectedScene selected = options.mScene.Find(*story, options.mFile);
   options.mAsJSON ? PrintJSON(SceneAsJSON(*selected.mScene))
-                  : PrintScene(*selected.mScene, selected.mPosition, std::cout);
+                  : PrintScene(*selected.mScene, std::cout);
   return kDone;
 }
 

@@ -1,8 +1,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include <zelstoryparser/SceneXMP.h>
-
 #include "Batch.h"
 #include "ClipTable.h"
 #include "Command.h"
@@ -46,6 +44,7 @@ class Outcomes {
                                                    : "written";
     if (mAsJSON) return PrintJSONLine(ObjectOf(row, outcome, DetailsOf(change)));
     PrintResult(row.mClip + ": ", change.mIsChanged ? Tone::kGood : Tone::kFaint, outcome);
+    if (mIsDryRun && change.mClearsFirst) PrintLine(std::string("  ") + kClearsFirst);
     for (const Difference& difference : change.mDifferences) {
       PrintLine("  " + difference.Describe());
     }
@@ -56,7 +55,11 @@ class Outcomes {
 
   static JSON ObjectOf(const ClipRow& row, const char* outcome, const JSON& details) {
     JSON object{{"clip", row.mClip}, {"line", row.mLine}, {"outcome", outcome}};
-    if (row.mScene.mScene) object["scene"] = row.mScene.mPosition;
+    if (row.mScene.mScene) {
+      const std::string number = ToUTF8(row.mScene.mScene->mSceneNumber);
+      object["scene"] = number.empty() ? JSON() : JSON(number);
+      object["position"] = row.mScene.mPosition;
+    }
     object.update(details);
     return object;
   }
@@ -68,6 +71,7 @@ class Outcomes {
       details["paths"] = change.mTouchedPaths;
       return details;
     }
+    details["clearsFirst"] = change.mClearsFirst;
     JSON& changes = details["changes"] = JSON::array();
     for (const Difference& difference : change.mDifferences) {
       changes.push_back({{"path", difference.mPath},
@@ -87,7 +91,7 @@ std::string ReasonOf(const ToolError& error, const ClipRow& row) {
   return isKnown ? error.Reason() : error.Place() + ": " + error.Reason();
 }
 
-// A table with a fault is mended first: what else it says may be wrong, too.
+// What else a table with a fault says may be wrong, too.
 int RefuseTable(const TagOptions& options, const std::vector<ClipRow>& rows, std::size_t faults) {
   const Outcomes outcomes(options);
   for (const ClipRow& row : rows) {
@@ -108,6 +112,7 @@ int Tag(const TagOptions& options) {
                                                   options.mStory, options.mEdit.Form());
   const auto faults = static_cast<std::size_t>(std::count_if(
       rows.begin(), rows.end(), [](const ClipRow& row) { return !row.mFault.empty(); }));
+  if (rows.empty()) PrintNote(options.mTable, "the table has no rows, so there is nothing to do");
   if (faults > 0 && !options.mKeepsGoing) return RefuseTable(options, rows, faults);
 
   const Outcomes outcomes(options);
@@ -117,12 +122,7 @@ int Tag(const TagOptions& options) {
     batch.Next();
     try {
       if (!row.mFault.empty()) throw ToolError(row.mFault);
-      outcomes.PrintDone(row,
-                         options.mEdit.Apply(row.mFile, WhenAbsent::kCreate,
-                                             [&](auto& metadata, auto& changedPaths) {
-                                               return zelstoryparser::WriteSceneMetadataIntoXMP(
-                                                   row.mScene.mScene, metadata, changedPaths);
-                                             }));
+      outcomes.PrintDone(row, options.mEdit.Write(row.mFile, row.mScene.mScene));
     } catch (const ToolError& error) {
       outcomes.PrintRefused(row, ReasonOf(error, row));
       status = kRefused;
@@ -148,18 +148,21 @@ void AddTagCommand(CLI::App& tool, ChosenCommand& chosen) {
                    "The folder that names of clips start from (default: the table's)")
       ->type_name("DIR");
   options->mEdit.AddOptions(*command);
+  options->mEdit.AddMergeOption(*command);
   command->add_flag("--keep-going", options->mKeepsGoing,
                     "Write the other clips even if rows of the table have faults");
   command->add_flag("--json", options->mAsJSON, "Print one JSON object a clip, a line each");
   command->footer(
-      "The table's first line names its columns: clip, and one or more of scene (the position, "
-      "from "
-      "1),\nnumber (sceneNumber) and id (objID); others are ignored. For example:\n"
+      "The table's first line names its columns: clip, and one or more of scene (the number in "
+      "the\n"
+      "script), position (from 1) and id (objID); others are ignored. For example:\n"
       "  clip,scene\n"
       "  A001_C003.mov,1\n"
       "  A001_C004.mov,2\n"
-      "All rows are checked before anything is written. Prints CLIP: written, CLIP: unchanged or\n"
-      "CLIP: refused: REASON, a line a clip; a clip that is refused does not stop the others.\n"
+      "All rows are checked before anything is written. Each clip holds its scene and no other\n"
+      "afterwards. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one line per "
+      "clip;\n"
+      "a clip that is refused does not stop the others.\n"
       "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
   command->callback([options, &chosen] { chosen = [options] { return Tag(*options); }; });
 }

@@ -1,5 +1,3 @@
-#include <zelstoryparser/SceneXMP.h>
-
 #include "Command.h"
 #include "Console.h"
 #include "SceneSelection.h"
@@ -23,11 +21,7 @@ int Write(const WriteOptions& options) {
   }
   const auto story = LoadStory(options.mStory);
   const SelectedScene selected = options.mScene.Find(*story, options.mStory);
-  options.mEdit.Run(options.mSidecar, WhenAbsent::kCreate, "",
-                    [&](TXMPMeta<std::string>& metadata, auto& changedPaths) {
-                      return zelstoryparser::WriteSceneMetadataIntoXMP(selected.mScene, metadata,
-                                                                       changedPaths);
-                    });
+  options.mEdit.Print(options.mEdit.Write(options.mSidecar, selected.mScene), "");
   return kDone;
 }
 
@@ -35,7 +29,7 @@ int Write(const WriteOptions& options) {
 
 void AddWriteCommand(CLI::App& tool, ChosenCommand& chosen) {
   CLI::App* command =
-      tool.add_subcommand("write", "Write a scene's metadata into a sidecar, created when absent");
+      tool.add_subcommand("write", "Write a scene into a sidecar, which is created when absent");
   const auto options = std::make_shared<WriteOptions>();
   command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
   command
@@ -45,8 +39,10 @@ void AddWriteCommand(CLI::App& tool, ChosenCommand& chosen) {
       ->required();
   options->mScene.AddOptions(*command);
   options->mEdit.AddOptions(*command);
+  options->mEdit.AddMergeOption(*command);
   command->footer(
-      "Prints each touched metadata path on a line, or \"unchanged\".\n"
+      "The clip holds this scene and no other afterwards. Prints each touched metadata path on a "
+      "line, or \"unchanged\".\n"
       "Exit status: 0 done, 1 refused (the sidecar is as it was), 2 wrong usage.");
   command->callback([options, &chosen] { chosen = [options] { return Write(*options); }; });
 }

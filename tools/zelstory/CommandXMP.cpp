@@ -4,6 +4,7 @@
 
 #include "Command.h"
 #include "Sidecar.h"
+#include "SidecarOptions.h"
 #include "XMPOutput.h"
 
 namespace zelstory {
@@ -11,6 +12,7 @@ namespace zelstory {
 void AddXMPCommand(CLI::App& tool, ChosenCommand& chosen) {
   struct Options {
     std::string mClip;
+    std::optional<SidecarForm> mForm;
     bool mAsJSON = false;
   };
   CLI::App* command =
@@ -20,11 +22,12 @@ void AddXMPCommand(CLI::App& tool, ChosenCommand& chosen) {
       ->add_option("CLIP", options->mClip,
                    "The sidecar (*.xmp) or the clip it belongs to; - is standard input")
       ->required();
+  AddSidecarNameOption(*command, options->mForm);
   command->add_flag("--json", options->mAsJSON, "Print JSON that tells the kind of every value");
   command->footer("Exit status: 0 done, 1 refused, 2 wrong usage.");
   command->callback([options, &chosen] {
     chosen = [options] {
-      Sidecar sidecar(FindSidecar(options->mClip, SidecarForm::kFull, WhenAbsent::kRefuse),
+      Sidecar sidecar(FindSidecar(options->mClip, options->mForm, WhenAbsent::kRefuse),
                       WhenAbsent::kRefuse);
       if (options->mAsJSON) {
         std::cout << XMPAsJSON(sidecar.Metadata()).dump(2) << '\n';

@@ -68,6 +68,12 @@ std::string Printable(std::string line) {
 
 bool theProgressIsShown = false;
 
+// Results that go elsewhere do not get in the way of the progress.
+void MakeWayForResult() {
+  static const bool isTerminal = IsTerminal(Stream::kOutput);
+  if (isTerminal) HideProgress();
+}
+
 }  // namespace
 
 void PrintError(const std::string& line) {
@@ -83,18 +89,23 @@ void PrintError(const std::string& line) {
             << text.substr(mark + 2 + kMark.size()) << '\n';
 }
 
-void PrintLine(const std::string& line) {
+void PrintNote(const std::string& place, const std::string& text) {
   HideProgress();
+  std::cerr << Printable(place + ": note: " + text) << '\n';
+}
+
+void PrintLine(const std::string& line) {
+  MakeWayForResult();
   std::cout << Printable(line) << '\n';
 }
 
 void PrintResult(const std::string& subject, Tone tone, const std::string& result) {
-  HideProgress();
+  MakeWayForResult();
   std::cout << Printable(subject) << Coloured(tone, Printable(result)) << '\n';
 }
 
 void PrintJSONLine(const nlohmann::ordered_json& value) {
-  HideProgress();
+  MakeWayForResult();
   std::cout << value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
 }
 

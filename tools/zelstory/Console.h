@@ -20,6 +20,9 @@ enum class Tone { kPlain, kGood, kBad, kFaint, kStrong };
 // which a file name may hold, become "?".
 void PrintError(const std::string& line);
 
+// The same for what the user should know although nothing is refused: PLACE: note: TEXT.
+void PrintNote(const std::string& place, const std::string& text);
+
 // Prints a result line on standard output, control characters as above.
 void PrintLine(const std::string& line);
 
@@ -32,7 +35,8 @@ void PrintJSONLine(const nlohmann::ordered_json& value);
 // A text in the colour of standard output; the text itself where colours are not welcome.
 std::string Coloured(Tone tone, const std::string& text);
 
-// Shows a line on standard error, if that is a terminal, until something else is printed.
+// Shows a line on standard error, if that is a terminal, until HideProgress, or until something
+// else is printed on the same terminal.
 void ShowProgress(const std::string& line);
 void HideProgress();
 

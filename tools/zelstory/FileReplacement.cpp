@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <istream>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "ToolError.h"
@@ -214,10 +216,33 @@ bool IsStandardInput(const fs::path& file) {
          input.st_dev == named.st_dev && input.st_ino == named.st_ino;
 }
 
-DirectoryLock::DirectoryLock(const fs::path& file)
-    : mDescriptor(open(FolderOf(TargetOf(file)).c_str(), O_RDONLY | O_CLOEXEC)) {
+bool IsWriteProtected(const fs::path& file) {
+  struct stat named {};
+  if (stat(file.c_str(), &named) != 0) return false;
+  return (named.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0 || access(file.c_str(), W_OK) != 0;
+}
+
+DirectoryLock::DirectoryLock(const fs::path& file, Waiting waiting, const Note& note) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds kBetweenTries(20);
+  constexpr std::chrono::seconds kQuietTime(1);
+  const fs::path folder = FolderOf(TargetOf(file));
+  mDescriptor = open(folder.c_str(), O_RDONLY | O_CLOEXEC);
   if (mDescriptor < 0) return;  // whoever reads or writes the file next says why
-  while (flock(mDescriptor, LOCK_EX) != 0 && errno == EINTR) continue;
+  const Clock::time_point start = Clock::now();
+  for (bool isNoted = false; flock(mDescriptor, LOCK_EX | LOCK_NB) != 0;) {
+    if (errno == EINTR) continue;
+    if (errno != EWOULDBLOCK) return;  // a file system without locks
+    if (waiting == Waiting::kNever) {
+      close(mDescriptor);
+      throw ToolError(folder.string(), "another process is changing files in this folder");
+    }
+    if (!isNoted && Clock::now() - start > kQuietTime) {
+      note(folder.string(), "waiting for another process that changes files in this folder");
+      isNoted = true;
+    }
+    std::this_thread::sleep_for(kBetweenTries);
+  }
 }
 
 DirectoryLock::~DirectoryLock() {
@@ -240,7 +265,15 @@ bool IsStandardInput(const fs::path&) {
   return false;
 }
 
-DirectoryLock::DirectoryLock(const fs::path&) {}
+bool IsWriteProtected(const fs::path& file) {
+  constexpr fs::perms kWriters =
+      fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+  std::error_code error;
+  const fs::file_status status = fs::status(file, error);
+  return fs::exists(status) && (status.permissions() & kWriters) == fs::perms::none;
+}
+
+DirectoryLock::DirectoryLock(const fs::path&, Waiting, const Note&) {}
 DirectoryLock::~DirectoryLock() = default;
 
 void ReplaceFile(const fs::path& file, const std::string& bytes) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <optional>
@@ -14,8 +15,13 @@ namespace zelstory {
 // system or the file system knows no such locks, nothing is held, and replacements are still whole.
 class DirectoryLock {
  public:
-  // Waits for the folder that holds `file`. The lock goes with the object, and with the process.
-  explicit DirectoryLock(const std::filesystem::path& file);
+  enum class Waiting { kNever, kAsLongAsNeeded };
+  using Note = std::function<void(const std::string& folder, const std::string& text)>;
+
+  // Locks the folder that holds `file`, until the object or the process ends. While another process
+  // holds the lock, waits, and says so through `note` after a second; with kNever, throws ToolError
+  // instead.
+  DirectoryLock(const std::filesystem::path& file, Waiting waiting, const Note& note);
   ~DirectoryLock();
   DirectoryLock(const DirectoryLock&) = delete;
   DirectoryLock& operator=(const DirectoryLock&) = delete;
@@ -25,6 +31,10 @@ class DirectoryLock {
 };
 
 inline constexpr std::uintmax_t kLargestFile = std::uintmax_t{1} << 30;  // bytes
+
+// Whether nobody may write to a file, or this process may not: replacing it asks for no more than a
+// folder that can be written to. False for a file that does not exist.
+bool IsWriteProtected(const std::filesystem::path& file);
 
 // Throws ToolError for a directory, a device and anything else that is there but no regular file.
 void RefuseUnlessFile(const std::filesystem::path& file);

@@ -48,10 +48,6 @@ pugi::xml_node AddScrollingBox(pugi::xml_node parent, const std::string& label) 
   return box;
 }
 
-std::string SceneName(const std::string& number, std::size_t position) {
-  return number.empty() ? std::to_string(position) : number;
-}
-
 std::string SceneAnchor(std::size_t position) {
   return "scene-" + std::to_string(position);
 }

@@ -20,9 +20,6 @@ void SetAttribute(pugi::xml_node element, const char* name, const std::string& v
 // A box whose content scrolls sideways where the page is narrower, by the keyboard, too.
 pugi::xml_node AddScrollingBox(pugi::xml_node parent, const std::string& label);
 
-// How a scene is called: by its own number, or else by its position.
-std::string SceneName(const std::string& number, std::size_t position);
-
 // "scene-12", where the screenplay has the scene; and a link to it. Positions count from 1.
 std::string SceneAnchor(std::size_t position);
 pugi::xml_node AddSceneLink(pugi::xml_node parent, std::size_t position,

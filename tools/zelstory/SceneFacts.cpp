@@ -74,6 +74,10 @@ SceneFacts FactsOf(const Scene& scene, std::size_t position) {
 
 }  // namespace
 
+std::string SceneName(const std::string& number, std::size_t position) {
+  return number.empty() ? '#' + std::to_string(position) : number;
+}
+
 std::string TextOf(const Paragraph& paragraph) {
   std::string text;
   for (const auto& run : paragraph.mTextRuns) {

@@ -30,6 +30,9 @@ struct SceneFacts {
   std::int64_t mWords = 0;  // of all its paragraphs
 };
 
+// How a scene is called: by its own number, or, without one, by its position, as "#3".
+std::string SceneName(const std::string& number, std::size_t position);
+
 // What a person says, over all and scene by scene.
 struct PersonFacts {
   struct InScene {

@@ -1,8 +1,10 @@
 #include "SceneSelection.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
-#include <vector>
+#include <optional>
+#include <utility>
 
 #include "Console.h"
 #include "StoryFile.h"
@@ -12,87 +14,128 @@ namespace zelstory {
 namespace {
 
 using zelstoryparser::Scene;
-using Scenes = std::vector<boost::intrusive_ptr<Scene>>;
 
-template <typename Test>
-SelectedScene FindOnly(const Scenes& scenes, const std::string& file, const std::string& what,
-                       Test test) {
-  SelectedScene found;
-  std::string positions;
+// A whole text of decimal digits; beyond 64 bits the largest number.
+std::optional<std::size_t> ReadCount(const std::string& text) {
   std::size_t count = 0;
-  for (std::size_t i = 0; i < scenes.size(); ++i) {
-    if (!test(*scenes[i])) continue;
-    found = {scenes[i], i + 1};
-    positions += (++count == 1 ? "" : ", ") + std::to_string(i + 1);
-  }
-  if (count == 0) {
-    throw ToolError(file, "no scene of the body has the " + what + " (zelstory scenes lists them)");
-  }
-  if (count > 1) {
-    throw ToolError(file, std::to_string(count) + " scenes have the " + what +
-                              "; choose one by position: " + positions);
-  }
-  return found;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, count);
+  if (error == std::errc::invalid_argument || rest != end) return std::nullopt;
+  return error == std::errc() ? count : std::numeric_limits<std::size_t>::max();
 }
 
-SelectedScene FindByPosition(const Scenes& scenes, const std::string& text,
-                             const std::string& file) {
-  std::size_t position = 0;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, position);
-  if (error == std::errc::invalid_argument || rest != end) {
-    throw ToolError(file, '"' + text + "\" is no position: scenes are counted 1, 2, 3 and so on");
+// The first few, and how many more.
+std::string Enumerate(const std::vector<std::size_t>& positions) {
+  constexpr std::size_t kNamed = 5;
+  std::string text;
+  for (std::size_t i = 0; i < std::min(positions.size(), kNamed); ++i) {
+    text += (i > 0 ? ", " : "") + std::to_string(positions[i]);
   }
-  if (error != std::errc() || position == 0 || position > scenes.size()) {
-    throw ToolError(
-        file, "there is no scene " + text + "; the body has " + std::to_string(scenes.size()));
-  }
-  return {scenes[position - 1], position};
+  if (positions.size() <= kNamed) return text;
+  return text + " and " + std::to_string(positions.size() - kNamed) + " more";
 }
 
 }  // namespace
 
-SelectedScene FindScene(const Scenes& scenes, SceneKey key, const std::string& text,
-                        const std::string& file) {
+SceneFinder::SceneFinder(const zelstoryparser::TavroStory& story, std::string file)
+    : mScenes(BodyScenes(story)), mFile(std::move(file)) {
+  for (std::size_t position = 1; position <= mScenes.size(); ++position) {
+    const Scene& scene = *mScenes[position - 1];
+    mIDs[ToUTF8(scene.mObjectID.AsString())].push_back(position);
+    if (scene.mSceneNumber.empty()) continue;
+    mNumbers[ToUTF8(scene.mSceneNumber)].push_back(position);
+  }
+}
+
+SelectedScene SceneFinder::Find(SceneKey key, const std::string& text) const {
   switch (key) {
-    case SceneKey::kPosition:
-      return FindByPosition(scenes, text, file);
     case SceneKey::kNumber:
-      return FindOnly(scenes, file, "number \"" + text + '"',
-                      [&](const Scene& scene) { return ToUTF8(scene.mSceneNumber) == text; });
+      return HasNumbers() ? FindNumber(text) : FindPosition(text);
+    case SceneKey::kPosition:
+      return FindPosition(text);
     case SceneKey::kID:
-      return FindOnly(scenes, file, "identifier \"" + text + '"', [&](const Scene& scene) {
-        return ToUTF8(scene.mObjectID.AsString()) == text;
-      });
+      return FindOnly(mIDs, "identifier", text);
   }
   return {};
 }
 
+SelectedScene SceneFinder::FindPosition(const std::string& text) const {
+  const std::optional<std::size_t> position = ReadCount(text);
+  if (!position) {
+    throw ToolError(mFile,
+                    '"' + text + "\" is not a position: scenes count from 1, in whole numbers");
+  }
+  if (*position == 0 || *position > mScenes.size()) {
+    throw ToolError(mFile, "no scene is at position " + text + ": the body has " +
+                               std::to_string(mScenes.size()) + " scenes");
+  }
+  return At(*position);
+}
+
+SelectedScene SceneFinder::FindNumber(const std::string& text) const {
+  const std::size_t position = ReadCount(text).value_or(0);
+  const bool isPosition = position >= 1 && position <= mScenes.size();
+  if (mNumbers.contains(text) || !isPosition) return FindOnly(mNumbers, "number", text);
+  const std::string number = ToUTF8(mScenes[position - 1]->mSceneNumber);
+  throw ToolError(mFile,
+                  "no scene has the number \"" + text + "\"; the scene at position " + text +
+                      (number.empty() ? " has no number" : " has the number \"" + number + '"') +
+                      ": name that number, or the position");
+}
+
+SelectedScene SceneFinder::FindOnly(const Positions& known, const char* what,
+                                    const std::string& text) const {
+  const auto found = known.find(text);
+  const std::string property = std::string(what) + " \"" + text + '"';
+  if (found == known.end()) {
+    throw ToolError(mFile, "no scene has the " + property + "; zelstory scenes lists them");
+  }
+  const std::vector<std::size_t>& positions = found->second;
+  if (positions.size() > 1) {
+    throw ToolError(mFile, std::to_string(positions.size()) + " scenes have the " + property +
+                               ", at the positions " + Enumerate(positions) +
+                               ": name one by its position");
+  }
+  return At(positions.front());
+}
+
+void SceneFinder::NoteMissingNumbers() const {
+  PrintNote(mFile, "no scene has a number, so scenes are chosen by position");
+}
+
 void SceneSelection::AddOptions(CLI::App& command) {
+  mNumberOption =
+      command
+          .add_option("--scene", mNumber,
+                      "The scene's number as written in the script; its position where\n"
+                      "no scene has a number")
+          ->type_name("NUMBER");
   mPositionOption =
-      command.add_option("--scene", mPosition, "The scene's position in the body, from 1")
+      command.add_option("--position", mPosition, "The scene's position in the body, from 1")
           ->type_name("N")
-          ->check(CLI::Range(1, std::numeric_limits<int>::max()));
-  mNumberOption = command.add_option("--number", mNumber, "The scene's own number (sceneNumber)")
-                      ->type_name("TEXT")
-                      ->excludes(mPositionOption);
+          ->check(CLI::Range(1, std::numeric_limits<int>::max()))
+          ->excludes(mNumberOption);
   mIDOption = command.add_option("--id", mID, "The scene's identifier (objID)")
                   ->type_name("TEXT")
-                  ->excludes(mPositionOption)
-                  ->excludes(mNumberOption);
+                  ->excludes(mNumberOption)
+                  ->excludes(mPositionOption);
 }
 
 bool SceneSelection::IsGiven() const {
-  return mPositionOption->count() + mNumberOption->count() + mIDOption->count() > 0;
+  return mNumberOption->count() + mPositionOption->count() + mIDOption->count() > 0;
 }
 
 SelectedScene SceneSelection::Find(const zelstoryparser::TavroStory& story,
                                    const std::string& file) const {
-  if (!IsGiven()) throw UsageError("choose a scene with --scene, --number or --id");
-  const Scenes scenes = BodyScenes(story);
-  if (mNumberOption->count() > 0) return FindScene(scenes, SceneKey::kNumber, mNumber, file);
-  if (mIDOption->count() > 0) return FindScene(scenes, SceneKey::kID, mID, file);
-  return FindScene(scenes, SceneKey::kPosition, std::to_string(mPosition), file);
+  if (!IsGiven()) throw UsageError("choose a scene with --scene, --position or --id");
+  const SceneFinder finder(story, file);
+  if (mPositionOption->count() > 0) {
+    return finder.Find(SceneKey::kPosition, std::to_string(mPosition));
+  }
+  if (mIDOption->count() > 0) return finder.Find(SceneKey::kID, mID);
+  const SelectedScene scene = finder.Find(SceneKey::kNumber, mNumber);
+  if (!finder.HasNumbers()) finder.NoteMissingNumbers();
+  return scene;
 }
 
 }  // namespace zelstory

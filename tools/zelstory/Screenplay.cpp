@@ -81,20 +81,17 @@ void PrintParagraph(const Paragraph& paragraph, const std::string& number, std::
   }
 }
 
-std::string NumberOf(const Scene& scene, std::size_t position) {
-  return scene.mSceneNumber.empty() ? std::to_string(position)
-                                    : WrapText(ToUTF8(scene.mSceneNumber), kTextWidth).front();
+std::string NumberOf(const Scene& scene) {
+  return WrapText(ToUTF8(scene.mSceneNumber), kTextWidth).front();
 }
 
 void PrintSection(const boost::intrusive_ptr<Section>& section, bool numbered,
                   std::ostream& output) {
   if (!section) return;
-  std::size_t position = 0;
   for (const boost::intrusive_ptr<Scene>& scene : section->mScenes) {
     if (!scene) continue;
-    ++position;
     if (numbered) {
-      PrintScene(*scene, position, output);
+      PrintScene(*scene, output);
       continue;
     }
     for (const boost::intrusive_ptr<Paragraph>& paragraph : scene->mParagraphs) {
@@ -119,8 +116,8 @@ void PrintComments(const CommentStream& comments, std::ostream& output) {
 
 }  // namespace
 
-void PrintScene(const Scene& scene, std::size_t position, std::ostream& output) {
-  std::string number = NumberOf(scene, position);
+void PrintScene(const Scene& scene, std::ostream& output) {
+  std::string number = NumberOf(scene);
   for (const boost::intrusive_ptr<Paragraph>& paragraph : scene.mParagraphs) {
     if (!paragraph) continue;
     const bool isHeading = paragraph->mElementType == kSceneHeading;

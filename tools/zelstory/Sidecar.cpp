@@ -57,7 +57,9 @@ ToolError PacketError(const std::string& file, const XMP_Error& error) {
 }  // namespace
 
 Sidecar::Sidecar(std::string file, WhenAbsent whenAbsent)
-    : mFile(std::move(file)), mBytes(ReadBytes(mFile)) {
+    : mFile(std::move(file)),
+      mIsCreated(whenAbsent == WhenAbsent::kCreate),
+      mBytes(ReadBytes(mFile)) {
   if (!mBytes) {
     if (whenAbsent == WhenAbsent::kRefuse) throw ToolError(mFile, "No such file or directory");
     return;
@@ -76,12 +78,17 @@ Sidecar::Sidecar(std::string file, WhenAbsent whenAbsent)
 }
 
 bool Sidecar::IsChanged() const {
-  return !mBytes || !xmptoolkit::AreEqual(mBefore, mMetadata, xmptoolkit::Equality::kMetadata);
+  if (!mBytes) return mIsCreated;
+  return !xmptoolkit::AreEqual(mBefore, mMetadata, xmptoolkit::Equality::kMetadata);
 }
 
 void Sidecar::RefuseReadOnly() const {
-  if (!mPacket.mIsReadOnly) return;
-  throw ToolError(mFile, "the packet is marked read-only; --force changes it all the same");
+  if (mFile != kStandardStream && IsWriteProtected(mFile)) {
+    throw ToolError(mFile, "the file has no write permission; --force replaces it all the same");
+  }
+  if (mPacket.mIsReadOnly) {
+    throw ToolError(mFile, "the packet is marked read-only; --force changes it all the same");
+  }
 }
 
 std::string Sidecar::NewPacket() const {

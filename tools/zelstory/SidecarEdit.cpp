@@ -3,9 +3,14 @@
 #include <set>
 #include <utility>
 
+#include <xmptoolkit/XMP.h>
+#include <zelmetadata/Path.h>
+#include <zelstoryparser/SceneXMP.h>
+
 #include "Console.h"
 #include "FileReplacement.h"
 #include "Sidecar.h"
+#include "SidecarOptions.h"
 #include "ToolError.h"
 
 namespace zelstory {
@@ -61,14 +66,23 @@ std::vector<Path> WithArrays(const std::vector<Path>& changedPaths) {
   return paths;
 }
 
-// Changes the metadata; a refusal of the library, or of the toolkit below it, names the file.
-void Make(const SidecarEdit::Change& change, Sidecar& sidecar, std::vector<Path>& changedPaths) {
-  try {
-    const zelcore::UTF16String error = change(sidecar.Metadata(), changedPaths);
-    if (!error.empty()) throw ToolError(sidecar.File(), ToUTF8(error));
-  } catch (const XMP_Error& error) {
-    throw ToolError(sidecar.File(), error.GetErrMsg());
+using Clip = TXMPMeta<std::string>;
+
+// Makes the clip hold this scene alone. Clearing reports its properties whether or not they were
+// there; beside what writing reports, only those that were there are of interest.
+zelcore::UTF16String WriteInPlaceOfAnother(const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
+                                           Clip& clip, std::vector<Path>& changedPaths) {
+  const Clip before(clip);
+  std::vector<Path> cleared;
+  zelcore::UTF16String error = zelstoryparser::ClearSceneMetadataFromXMP(clip, cleared);
+  if (!error.empty()) return error;
+  error = zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, changedPaths);
+  std::set<Path> reported(changedPaths.begin(), changedPaths.end());
+  for (const Path& path : cleared) {
+    const bool wasThere = !ValueAt(before, path).is_null();
+    if (wasThere && reported.insert(path).second) changedPaths.push_back(path);
   }
+  return error;
 }
 
 std::vector<Difference> DifferencesOf(const Sidecar& sidecar, const TXMPMeta<std::string>& after,
@@ -89,28 +103,40 @@ std::string Difference::Describe() const {
 }
 
 void SidecarEdit::AddOptions(CLI::App& command) {
-  command.add_flag("--dry-run", mDryRun, "Print old and new values a path; touch nothing");
-  command.add_flag("--force", mForce, "Change packets that are marked read-only, too");
-  command
-      .add_option_function<std::string>(
-          "--sidecar-name",
-          [this](const std::string& form) {
-            mForm = form == "stem" ? SidecarForm::kStem : SidecarForm::kFull;
-          },
-          "What a clip's new sidecar is called: full (clip.mov.xmp, the default) or stem\n"
-          "(clip.xmp)")
-      ->type_name("FORM")
-      ->check(CLI::IsMember({"full", "stem"}).description(""));
+  command.add_flag("--dry-run", mDryRun,
+                   "Print old and new values, one path per line; touch nothing");
+  command.add_flag("--force", mForce,
+                   "Change sidecars without write permission and packets marked read-only, too");
+  command.add_flag("--no-wait", mNoWait,
+                   "Refuse while another process changes files of the folder");
+  AddSidecarNameOption(command, mForm);
 }
 
+void SidecarEdit::AddMergeOption(CLI::App& command) {
+  command.add_flag("--merge", mMerge,
+                   "Keep what the clip holds of another scene and this one lacks");
+}
+
+template <typename Change>
 SidecarChange SidecarEdit::Apply(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
-                                 const Change& change) const {
-  const std::string file = FindSidecar(clipOrSidecar, mForm, whenAbsent);
-  const DirectoryLock lock(file);
-  Sidecar sidecar(file, whenAbsent);
+                                 Change make) const {
+  SidecarChange result;
+  result.mSidecar = FindSidecar(clipOrSidecar, mForm, whenAbsent);
+  std::optional<DirectoryLock> lock;
+  if (!mDryRun && result.mSidecar != kStandardStream) {
+    lock.emplace(result.mSidecar,
+                 mNoWait ? DirectoryLock::Waiting::kNever : DirectoryLock::Waiting::kAsLongAsNeeded,
+                 PrintNote);
+  }
+  Sidecar sidecar(result.mSidecar, whenAbsent);
   std::vector<Path> changedPaths;
-  Make(change, sidecar, changedPaths);
-  SidecarChange result{file, sidecar.IsChanged(), {}, {}};
+  try {
+    const zelcore::UTF16String error = make(sidecar.Metadata(), changedPaths);
+    if (!error.empty()) throw ToolError(sidecar.File(), ToUTF8(error));
+  } catch (const XMP_Error& error) {
+    throw ToolError(sidecar.File(), error.GetErrMsg());
+  }
+  result.mIsChanged = sidecar.IsChanged();
   if (result.mIsChanged && !mForce) sidecar.RefuseReadOnly();
   if (!mDryRun) sidecar.Save();
   for (const Path& path : changedPaths) result.mTouchedPaths.push_back(TextOf(path));
@@ -118,14 +144,32 @@ SidecarChange SidecarEdit::Apply(const std::string& clipOrSidecar, WhenAbsent wh
   return result;
 }
 
-void SidecarEdit::Run(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
-                      const std::string& label, const Change& change) const {
-  const SidecarChange result = Apply(clipOrSidecar, whenAbsent, change);
-  if (result.mSidecar == kStandardStream && !mDryRun) return;
-  if (!result.mIsChanged) return PrintResult(label, Tone::kFaint, "unchanged");
-  for (const Difference& difference : result.mDifferences) PrintLine(label + difference.Describe());
-  if (mDryRun) return;
-  for (const std::string& path : result.mTouchedPaths) PrintLine(label + path);
+SidecarChange SidecarEdit::Write(const std::string& clipOrSidecar,
+                                 const boost::intrusive_ptr<zelstoryparser::Scene>& scene) const {
+  bool heldScene = false;
+  SidecarChange change =
+      Apply(clipOrSidecar, WhenAbsent::kCreate, [&](Clip& clip, std::vector<Path>& changedPaths) {
+        if (mMerge) return zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, changedPaths);
+        heldScene = zelstoryparser::HasAnyStoryRelatedMetadata(clip);
+        return WriteInPlaceOfAnother(scene, clip, changedPaths);
+      });
+  change.mClearsFirst = heldScene && change.mIsChanged;
+  return change;
+}
+
+SidecarChange SidecarEdit::Clear(const std::string& clipOrSidecar, WhenAbsent whenAbsent) const {
+  return Apply(clipOrSidecar, whenAbsent, zelstoryparser::ClearSceneMetadataFromXMP);
+}
+
+void SidecarEdit::Print(const SidecarChange& change, const std::string& label) const {
+  if (change.mSidecar == kStandardStream && !mDryRun) return;
+  if (!change.mIsChanged) return PrintResult(label, Tone::kFaint, "unchanged");
+  if (!mDryRun) {
+    for (const std::string& path : change.mTouchedPaths) PrintLine(label + path);
+    return;
+  }
+  if (change.mClearsFirst) PrintLine(label + kClearsFirst);
+  for (const Difference& difference : change.mDifferences) PrintLine(label + difference.Describe());
 }
 
 }  // namespace zelstory

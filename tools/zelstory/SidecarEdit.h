@@ -1,15 +1,14 @@
 #pragma once
 
-#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <nlohmann/json.hpp>
 
-#include <xmptoolkit/XMP.h>
-#include <zelcore/String.h>
-#include <zelmetadata/Path.h>
+#include <zelstoryparser/StoryTree.h>
 
 #include "SidecarName.h"
 
@@ -25,43 +24,53 @@ struct Difference {
   std::string Describe() const;  // PATH: BEFORE -> AFTER
 };
 
+// How --dry-run says that what the clip holds of a scene goes first.
+inline constexpr const char* kClearsFirst =
+    "clears the scene that it holds first (--merge keeps what the new one lacks)";
+
 // What became of a sidecar.
 struct SidecarChange {
   std::string mSidecar;  // the file
   bool mIsChanged = false;
-  std::vector<std::string> mTouchedPaths;
-  std::vector<Difference> mDifferences;
+  bool mClearsFirst = false;               // it held a scene, which goes
+  std::vector<std::string> mTouchedPaths;  // each once
+  std::vector<Difference> mDifferences;    // with --dry-run
 };
 
 // What the commands that change sidecars have in common: their options, and the way from the file
-// through a change back to the file.
+// through a change back to the file. Where Clear and Write throw, which is ToolError, the file is
+// as it was; with --dry-run, it is left alone.
 class SidecarEdit {
  public:
-  // A change of metadata as the library offers it: appends what it touched, and returns an empty
-  // text or the reason of its refusal.
-  using Change = std::function<zelcore::UTF16String(TXMPMeta<std::string>& metadata,
-                                                    std::vector<zelmetadata::Path>& changedPaths)>;
-
-  // Adds --dry-run, --force and --sidecar-name. The object must outlive the parsing.
+  // Adds --dry-run, --force, --no-wait and --sidecar-name, and --merge for commands that write. The
+  // object must outlive the parsing.
   void AddOptions(CLI::App& command);
+  void AddMergeOption(CLI::App& command);
 
   bool IsDryRun() const { return mDryRun; }
-  SidecarForm Form() const { return mForm; }
+  std::optional<SidecarForm> Form() const { return mForm; }
 
-  // Changes the sidecar of a clip; with --dry-run, the file is left alone. Throws ToolError; the
-  // file is then as it was.
-  SidecarChange Apply(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
-                      const Change& change) const;
+  // Has the sidecar of a clip, created when absent, hold a scene and no other; with --merge, what
+  // the scene lacks stays.
+  SidecarChange Write(const std::string& clipOrSidecar,
+                      const boost::intrusive_ptr<zelstoryparser::Scene>& scene) const;
 
-  // The same, and prints the touched paths, or "unchanged", each behind
-  // `label`; for standard output, the packet instead. With --dry-run, prints old and new values.
-  void Run(const std::string& clipOrSidecar, WhenAbsent whenAbsent, const std::string& label,
-           const Change& change) const;
+  // Takes any scene out of the sidecar of a clip.
+  SidecarChange Clear(const std::string& clipOrSidecar, WhenAbsent whenAbsent) const;
+
+  // Prints the touched paths, or "unchanged", each after `label`; with --dry-run, the differences.
+  // Prints nothing where standard output has the packet.
+  void Print(const SidecarChange& change, const std::string& label) const;
 
  private:
+  template <typename Change>
+  SidecarChange Apply(const std::string& clipOrSidecar, WhenAbsent whenAbsent, Change make) const;
+
   bool mDryRun = false;
   bool mForce = false;
-  SidecarForm mForm = SidecarForm::kFull;
+  bool mNoWait = false;
+  bool mMerge = false;
+  std::optional<SidecarForm> mForm;
 };
 
 }  // namespace zelstory

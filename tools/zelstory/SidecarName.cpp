@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 #include <string_view>
+#include <vector>
 
 #include "Console.h"
 #include "FileReplacement.h"
@@ -29,10 +30,6 @@ std::string ExtensionOf(const fs::path& file) {
   return extension;
 }
 
-bool IsSidecarName(const std::string& file) {
-  return file == kStandardStream || ExtensionOf(file) == ".xmp";
-}
-
 bool Exists(const fs::path& file) {
   std::error_code error;
   return fs::exists(fs::symlink_status(file, error));
@@ -54,33 +51,89 @@ std::string OtherClipOfStem(const fs::path& clip) {
   return other;
 }
 
+// The extension .xmp in all its letter cases, as cameras and other systems write it.
+std::array<std::string, 8> SidecarExtensions() {
+  std::array<std::string, 8> extensions;
+  for (std::size_t cases = 0; cases < extensions.size(); ++cases) {
+    std::string& extension = extensions[cases] = ".xmp";
+    for (std::size_t i = 0; i < 3; ++i) {
+      if ((cases >> i & 1) != 0) extension[i + 1] = static_cast<char>(extension[i + 1] - 'a' + 'A');
+    }
+  }
+  return extensions;
+}
+
+// Adds the sidecars BASE.xmp. Where letter case makes no difference, several names are one file.
+void AddSidecarsOf(const std::string& base, std::vector<std::string>& found) {
+  static const auto kExtensions = SidecarExtensions();
+  for (const std::string& extension : kExtensions) {
+    const std::string name = base + extension;
+    std::error_code error;
+    const auto isName = [&](const std::string& other) {
+      return other == name || fs::equivalent(other, name, error);
+    };
+    if (Exists(name) && std::none_of(found.begin(), found.end(), isName)) found.push_back(name);
+  }
+}
+
+std::string FullName(const fs::path& clip) {
+  return clip.string() + ".xmp";
+}
+
+std::string StemName(const fs::path& clip) {
+  return fs::path(clip).replace_extension(".xmp").string();
+}
+
+// The sidecar to create.
+std::string NewSidecar(const fs::path& clip, std::optional<SidecarForm> form,
+                       WhenAbsent whenAbsent) {
+  const std::string full = FullName(clip);
+  const std::string stem = StemName(clip);
+  if (!Exists(clip)) throw ToolError(clip.string(), "No such clip (a sidecar's name ends in .xmp)");
+  if (whenAbsent == WhenAbsent::kRefuse) {
+    throw ToolError(clip.string(), "has no sidecar: there is no " + full +
+                                       (stem == full ? "" : " and no " + stem));
+  }
+  return form == SidecarForm::kStem ? stem : full;
+}
+
+// `stem` is a sidecar that only the clip's extension sets apart from those of other clips.
+std::string SharedSidecar(const fs::path& clip, const std::string& stem,
+                          std::optional<SidecarForm> form) {
+  const std::string other = OtherClipOfStem(clip);
+  if (other.empty() || form == SidecarForm::kStem) return stem;
+  if (form == SidecarForm::kFull) return FullName(clip);
+  throw ToolError(clip.string(), "would share the sidecar " + stem + " with " + other +
+                                     "; --sidecar-name stem shares it, --sidecar-name full takes " +
+                                     FullName(clip));
+}
+
+std::string SidecarOfClip(const fs::path& clip, std::optional<SidecarForm> form,
+                          WhenAbsent whenAbsent) {
+  std::vector<std::string> found;
+  AddSidecarsOf(clip.string(), found);
+  const bool hasFull = !found.empty();
+  AddSidecarsOf(fs::path(clip).replace_extension().string(), found);
+  if (found.size() > 1) {
+    throw ToolError(clip.string(),
+                    "has two sidecars, " + found[0] + " and " + found[1] + "; name one of them");
+  }
+  if (hasFull) return found.front();
+  return found.empty() ? NewSidecar(clip, form, whenAbsent)
+                       : SharedSidecar(clip, found.front(), form);
+}
+
 }  // namespace
 
-std::string FindSidecar(const std::string& clipOrSidecar, SidecarForm form, WhenAbsent whenAbsent) {
-  if (IsSidecarName(clipOrSidecar)) return clipOrSidecar;
-  const fs::path clip(clipOrSidecar);
-  RefuseUnlessFile(clip);
-  std::string full = clipOrSidecar + ".xmp";
-  std::string stem = fs::path(clip).replace_extension(".xmp").string();
-  const bool hasFull = Exists(full);
-  const bool hasStem = full != stem && Exists(stem);
-  if (hasFull && hasStem) {
-    throw ToolError(clipOrSidecar,
-                    "has two sidecars, " + full + " and " + stem + "; name one of them");
+std::string FindSidecar(const std::string& clipOrSidecar, std::optional<SidecarForm> form,
+                        WhenAbsent whenAbsent) {
+  if (clipOrSidecar == kStandardStream) return clipOrSidecar;
+  if (ExtensionOf(clipOrSidecar) == ".xmp") {
+    if (whenAbsent == WhenAbsent::kCreate || Exists(clipOrSidecar)) return clipOrSidecar;
+    throw ToolError(clipOrSidecar, "No such file or directory");
   }
-  if (!hasFull && !hasStem && whenAbsent == WhenAbsent::kRefuse) {
-    throw ToolError(clipOrSidecar, "has no sidecar: neither " + full + " nor " + stem + " exists");
-  }
-  if (!hasFull && !hasStem && !Exists(clip)) {
-    throw ToolError(clipOrSidecar, "No such clip (a sidecar's name ends in .xmp)");
-  }
-  const bool takesStem = hasStem || (!hasFull && form == SidecarForm::kStem);
-  if (!takesStem) return full;
-  const std::string other = OtherClipOfStem(clip);
-  if (!other.empty()) {
-    throw ToolError(clipOrSidecar, "would share the sidecar " + stem + " with " + other);
-  }
-  return stem;
+  RefuseUnlessFile(clipOrSidecar);
+  return SidecarOfClip(clipOrSidecar, form, whenAbsent);
 }
 
 }  // namespace zelstory

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace zelstory {
@@ -10,13 +11,20 @@ enum class SidecarForm {
   kStem,  // clip.xmp
 };
 
-// What to do when there is no sidecar.
-enum class WhenAbsent { kRefuse, kCreate };
+// What to do for a clip that has no sidecar.
+enum class WhenAbsent {
+  kRefuse,
+  kCreate,
+  kReadEmpty,  // take it for one without metadata
+};
 
-// The sidecar that a command line means: a name that ends in .xmp, or "-", is the sidecar itself;
-// any other is a clip, whose sidecar is the one that exists, or, to be created, has the given form.
-// Throws ToolError when the clip is no file, when both forms exist, when another clip in the folder
-// would share the sidecar, and, with kRefuse, when a clip has none.
-std::string FindSidecar(const std::string& clipOrSidecar, SidecarForm form, WhenAbsent whenAbsent);
+// The sidecar that a command line means: a name that ends in .xmp, in any letter case, or "-", is
+// the sidecar itself; any other is a clip, whose sidecar is the one that exists, or, to be created,
+// has the given form. Without a form a new one is kFull, and one that another clip may share is
+// refused; kStem shares it, kFull leaves it to the other clip. Throws ToolError when there is
+// neither clip nor sidecar, when the clip is not a file or has several sidecars, and, with kRefuse,
+// when it has none.
+std::string FindSidecar(const std::string& clipOrSidecar, std::optional<SidecarForm> form,
+                        WhenAbsent whenAbsent);
 
 }  // namespace zelstory

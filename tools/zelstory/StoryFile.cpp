@@ -1,6 +1,9 @@
 #include "StoryFile.h"
 
+#include <cerrno>
+#include <fstream>
 #include <iostream>
+#include <system_error>
 
 #include <zelstoryparser/StoryParser.h>
 
@@ -27,7 +30,11 @@ class StoryPlace {
     } else if (element == u"commentStream") {
       EnterStream("comment stream " + std::to_string(++mCommentStreams));
     } else if (element == u"scene") {
-      ++mScene;
+      const auto number = attributes.find(u"sceneNumber");
+      ++mPosition;
+      mScene = number == attributes.end() || number->second.empty()
+                   ? "scene at position " + std::to_string(mPosition)
+                   : "scene " + ToUTF8(number->second);
       mInScene = true;
       mParagraph = 0;
     } else if (element == u"paragraph") {
@@ -44,7 +51,7 @@ class StoryPlace {
 
   std::string Describe() const {
     std::string where = mStream;
-    if (!where.empty() && mInScene) where += ", scene " + std::to_string(mScene);
+    if (!where.empty() && mInScene) where += ", " + mScene;
     if (!where.empty() && mInScene && mInParagraph) {
       where += ", paragraph " + std::to_string(mParagraph);
     }
@@ -54,13 +61,14 @@ class StoryPlace {
  private:
   void EnterStream(std::string stream) {
     mStream = std::move(stream);
-    mScene = 0;
+    mPosition = 0;
     mInScene = mInParagraph = false;
   }
 
   std::string mStream;
   int mCommentStreams = 0;
-  int mScene = 0;
+  std::string mScene;  // as the script or else its position names it
+  int mPosition = 0;
   int mParagraph = 0;
   bool mInScene = false;
   bool mInParagraph = false;
@@ -98,31 +106,46 @@ class LocatingParser : public zelstoryparser::StoryParser {
   std::optional<StoryFault> mFault;
 };
 
-bool Read(const std::string& file, zelcore::xml::Reader& reader, LocatingParser& parser) {
-  if (file == kStandardStream) return reader.ParseStream(std::cin, "standard input", parser);
-  return reader.ParseFile(std::filesystem::path(file), parser);
+// Returns why a file cannot be opened, which is at no place of a document.
+std::optional<std::string> Open(const std::filesystem::path& file, std::ifstream& stream) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(file, error);
+  if (error) return error.message();
+  if (std::filesystem::is_directory(status)) return "is a directory";
+  stream.open(file, std::ios::binary);
+  if (!stream) return std::generic_category().message(errno);
+  return std::nullopt;
 }
 
 }  // namespace
 
 std::string StoryFault::Describe(const std::string& file) const {
-  const std::string place = file + ':' + std::to_string(mPosition.mLine) + ':' +
-                            std::to_string(mPosition.mColumn) + ": error: " + mMessage;
-  return mWhere.empty() ? place : place + " (" + mWhere + ')';
+  std::string line = file;
+  if (mPosition) {
+    line += ':' + std::to_string(mPosition->mLine) + ':' + std::to_string(mPosition->mColumn);
+  }
+  line += ": error: " + mMessage;
+  return mWhere.empty() ? line : line + " (" + mWhere + ')';
 }
 
 std::optional<StoryFault> ReadStory(const std::string& file,
                                     boost::intrusive_ptr<TavroStory>& story) {
+  const bool isStandardInput = file == kStandardStream;
+  std::ifstream stream;
+  if (!isStandardInput) {
+    if (const auto reason = Open(file, stream)) return StoryFault{std::nullopt, *reason, ""};
+  }
   zelcore::xml::Reader reader;
   LocatingParser parser(reader);
-  const bool wellFormed = Read(file, reader, parser);
+  const bool wellFormed = reader.ParseStream(isStandardInput ? std::cin : stream, file, parser);
   // A structural error comes before whatever ended the reading later.
   if (parser.Fault()) return parser.Fault();
   if (!wellFormed) {
     return StoryFault{reader.Error().mPosition, reader.Error().mReason, parser.Where()};
   }
   story = parser.GetStory();
-  if (!story) return StoryFault{{}, "the document has no TavroStory element", ""};
+  if (!story)
+    return StoryFault{zelcore::xml::Position{}, "the document has no TavroStory element", ""};
   return std::nullopt;
 }
 

@@ -14,12 +14,14 @@ namespace zelstory {
 
 // What is wrong with a story file.
 struct StoryFault {
-  zelcore::xml::Position mPosition;  // of the tag at fault, or where the XML is malformed; from 1
-  std::string mMessage;              // UTF-8
-  std::string
-      mWhere;  // the place in the story ("body, scene 3, paragraph 7"); empty outside streams
+  // Of the tag at fault, or where the XML is malformed, from 1; none when the file was not opened.
+  std::optional<zelcore::xml::Position> mPosition;
+  std::string mMessage;  // UTF-8
+  // The place in the story: "body, scene 12A, paragraph 7", or "scene at position 3" for a scene
+  // without a number. Empty outside streams.
+  std::string mWhere;
 
-  // FILE:LINE:COLUMN: error: MESSAGE (WHERE)
+  // FILE:LINE:COLUMN: error: MESSAGE (WHERE), without what is not known
   std::string Describe(const std::string& file) const;
 };
 

@@ -29,13 +29,15 @@ Table ListScenes(const TavroStory& story) {
 
 Table ListCharacters(const TavroStory& story) {
   Table table{{"character", "speeches", "words", "first", "last", "scenes"}, {}};
-  for (const PersonFacts& person : ReadPersonFacts(ReadSceneFacts(story))) {
-    std::vector<std::int64_t> scenes;
+  const std::vector<SceneFacts> scenes = ReadSceneFacts(story);
+  for (const PersonFacts& person : ReadPersonFacts(scenes)) {
+    std::vector<ListedScene> listed;
     for (const PersonFacts::InScene& scene : person.mScenes) {
-      scenes.push_back(static_cast<std::int64_t>(scene.mPosition));
+      listed.push_back({static_cast<std::int64_t>(scene.mPosition),
+                        SceneName(scenes[scene.mPosition - 1].mNumber, scene.mPosition)});
     }
-    table.mRows.push_back(
-        {person.mName, person.mSpeeches, person.mWords, scenes.front(), scenes.back(), scenes});
+    table.mRows.push_back({person.mName, person.mSpeeches, person.mWords, listed.front().mName,
+                           listed.back().mName, listed});
   }
   return table;
 }

@@ -12,8 +12,8 @@ namespace zelstory {
 Table ListScenes(const zelstoryparser::TavroStory& story);
 
 // A row a person, in order of appearance: name, speeches, words spoken, the first and the last
-// scene with a speech, and all of them, by position. What stands in brackets behind a name says how
-// a person is heard, and makes no other person.
+// scene with a speech, and all of them, as SceneName has them. What stands in brackets behind a
+// name says how a person is heard, and makes no other person.
 Table ListCharacters(const zelstoryparser::TavroStory& story);
 
 // A row a kind of paragraph with its number and words, after the scenes and before the total.

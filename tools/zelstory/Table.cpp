@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
@@ -11,15 +12,15 @@
 namespace zelstory {
 namespace {
 
-// Numbers in order, runs of them as FIRST-LAST.
-std::string Runs(const std::vector<std::int64_t>& numbers) {
+// Neighbouring scenes as FIRST-LAST.
+std::string Runs(const std::vector<ListedScene>& scenes) {
   std::string text;
-  for (std::size_t i = 0; i < numbers.size(); ++i) {
+  for (std::size_t i = 0; i < scenes.size(); ++i) {
     const std::size_t first = i;
-    while (i + 1 < numbers.size() && numbers[i + 1] == numbers[i] + 1) ++i;
+    while (i + 1 < scenes.size() && scenes[i + 1].mPosition == scenes[i].mPosition + 1) ++i;
     if (!text.empty()) text += ' ';
-    text += std::to_string(numbers[first]);
-    if (i > first) text += '-' + std::to_string(numbers[i]);
+    text += scenes[first].mName;
+    if (i > first) text += '-' + scenes[i].mName;
   }
   return text;
 }
@@ -27,7 +28,7 @@ std::string Runs(const std::vector<std::int64_t>& numbers) {
 std::string TextOf(const Cell& cell) {
   if (const auto* text = std::get_if<std::string>(&cell)) return *text;
   if (const auto* number = std::get_if<std::int64_t>(&cell)) return std::to_string(*number);
-  if (const auto* numbers = std::get_if<std::vector<std::int64_t>>(&cell)) return Runs(*numbers);
+  if (const auto* scenes = std::get_if<std::vector<ListedScene>>(&cell)) return Runs(*scenes);
   return {};
 }
 
@@ -77,7 +78,14 @@ std::string CSVField(const std::string& text) {
   return field + '"';
 }
 
-void PrintCSV(const Table& table, std::ostream& output) {
+// What spreadsheets run when a cell begins with it; those behind blanks are run by some, too.
+bool IsFormula(const std::string& text) {
+  const std::size_t begin = text.find_first_not_of(" \t\r\n");
+  return begin != std::string::npos &&
+         std::string_view("=+-@").find(text[begin]) != std::string::npos;
+}
+
+void PrintCSV(const Table& table, bool isPlain, std::ostream& output) {
   const auto print = [&output](const auto& cells, auto textOf) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
       output << (i > 0 ? "," : "") << CSVField(textOf(cells[i]));
@@ -85,13 +93,23 @@ void PrintCSV(const Table& table, std::ostream& output) {
     output << "\r\n";
   };
   print(table.mColumns, [](const std::string& name) { return name; });
-  for (const std::vector<Cell>& row : table.mRows) print(row, TextOf);
+  for (const std::vector<Cell>& row : table.mRows) {
+    print(row, [isPlain](const Cell& cell) {
+      const std::string text = TextOf(cell);
+      const bool isNumber = std::holds_alternative<std::int64_t>(cell);
+      return isPlain || isNumber || !IsFormula(text) ? text : '\'' + text;
+    });
+  }
 }
 
 nlohmann::ordered_json AsJSON(const Cell& cell) {
   if (const auto* text = std::get_if<std::string>(&cell)) return *text;
   if (const auto* number = std::get_if<std::int64_t>(&cell)) return *number;
-  if (const auto* numbers = std::get_if<std::vector<std::int64_t>>(&cell)) return *numbers;
+  if (const auto* scenes = std::get_if<std::vector<ListedScene>>(&cell)) {
+    auto names = nlohmann::ordered_json::array();
+    for (const ListedScene& scene : *scenes) names.push_back(scene.mName);
+    return names;
+  }
   return nullptr;
 }
 
@@ -112,7 +130,8 @@ void Table::Print(TableForm form, std::ostream& output) const {
     case TableForm::kAligned:
       return PrintAligned(*this, output);
     case TableForm::kCSV:
-      return PrintCSV(*this, output);
+    case TableForm::kPlainCSV:
+      return PrintCSV(*this, form == TableForm::kPlainCSV, output);
     case TableForm::kJSON:
       return PrintJSON(*this, output);
   }

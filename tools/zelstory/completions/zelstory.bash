@@ -14,6 +14,7 @@ _zelstory_clips() { # WORD: any file; which are clips is the tool's own table
 _zelstory() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} options="" i positionals=0
+  local edit="--dry-run --force --no-wait --sidecar-name"
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
     options="check show write tag clear has xmp shots scenes characters stats report dump"
@@ -27,18 +28,20 @@ _zelstory() {
     --table) _zelstory_files "*.csv" "$word"; return ;;
     --html) _zelstory_files "*.html" "$word"; return ;;
     --out | --clips) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$word"); return ;;
-    --scene | --number | --id) return ;;
+    --scene | --position | --id) return ;;
   esac
   if [[ $word == -* ]]; then
     case $command in
-      check | xmp) options="--json" ;;
-      show) options="--scene --number --id --comments --json" ;;
-      write) options="--scene --number --id --dry-run --force --sidecar-name" ;;
-      tag) options="--table --clips --keep-going --dry-run --force --sidecar-name --json" ;;
-      clear) options="--dry-run --force --sidecar-name" ;;
+      check) options="--json" ;;
+      xmp) options="--json --sidecar-name" ;;
+      show) options="--scene --position --id --comments --json" ;;
+      write) options="--scene --position --id --merge $edit" ;;
+      tag) options="--table --clips --keep-going --merge $edit --json" ;;
+      clear) options="$edit --strict" ;;
+      has) options="--sidecar-name --strict" ;;
       report) options="--html" ;;
-      shots) options="--out" ;;
-      scenes | characters | stats) options="--csv --json" ;;
+      shots) options="--out --force" ;;
+      scenes | characters | stats) options="--csv --raw --bom --json" ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$options --help" -- "$word")
     return
@@ -46,7 +49,7 @@ _zelstory() {
 
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
-      --sidecar-name | --table | --clips | --out | --html | --scene | --number | --id) ((++i)) ;;
+      --sidecar-name | --table | --clips | --out | --html | --scene | --position | --id) ((++i)) ;;
       -?*) ;;
       *) ((++positionals)) ;;
     esac

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+
+#include <CLI/CLI.hpp>
+
+#include "SidecarName.h"
+
+// Options of several commands that say which sidecar is meant. What they set must outlive the
+// parsing.
+namespace zelstory {
+
+// --sidecar-name
+void AddSidecarNameOption(CLI::App& command, std::optional<SidecarForm>& form);
+
+// --strict, and what it makes of a clip without sidecar.
+void AddStrictFlag(CLI::App& command, bool& isStrict);
+inline WhenAbsent WhenAbsentFor(bool isStrict) {
+  return isStrict ? WhenAbsent::kRefuse : WhenAbsent::kReadEmpty;
+}
+
+}  // namespace zelstory
