@@ -3,9 +3,10 @@
 #include <array>
 #include <csignal>
 #include <iostream>
-#include <string>
 
+#include "CommandLine.h"
 #include "Console.h"
+#include "ToolError.h"
 
 namespace zelstory {
 namespace {
@@ -75,6 +76,23 @@ void Batch::Next() {
   if (now - mShownLast < kRenewal) return;
   mShownLast = now;
   ShowProgress(std::to_string(mStarted) + " of " + std::to_string(mCount));
+}
+
+int ForEachFile(
+    const std::vector<std::string>& files,
+    const std::function<void(const std::string& file, const std::string& label)>& work) {
+  int status = kDone;
+  Batch batch(files.size());
+  for (const std::string& file : files) {
+    batch.Next();
+    try {
+      work(file, files.size() > 1 ? file + ": " : "");
+    } catch (const ToolError& error) {
+      PrintError(error.what());
+      status = kRefused;
+    }
+  }
+  return status;
 }
 
 }  // namespace zelstory

@@ -2,8 +2,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace zelstory {
 
@@ -41,5 +44,12 @@ class Batch {
   std::chrono::steady_clock::time_point mShownLast;
   std::unique_ptr<Signals> mSignals;
 };
+
+// Runs `work` on each file with the label that its results begin with: "FILE: " for several files,
+// empty for one. The refusal of one file is printed and does not stop the others. Returns kDone, or
+// kRefused when any was refused. Shows progress, and ends between two files when a signal asks for
+// it.
+int ForEachFile(const std::vector<std::string>& files,
+                const std::function<void(const std::string& file, const std::string& label)>& work);
 
 }  // namespace zelstory

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Batch.h"
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "StoryFile.h"
 
@@ -52,16 +52,16 @@ int Check(const CheckOptions& options) {
 
 }  // namespace
 
-void AddCheckCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command = tool.add_subcommand("check", "Test whether files are well-formed stories");
+void AddCheckCommand(CommandLine& tool) {
+  Command command = tool.AddCommand("check", "Test whether files are well-formed stories");
   const auto options = std::make_shared<CheckOptions>();
-  command->add_option("STORY", options->mFiles, "Story files; - is standard input")->required();
-  command->add_flag("--json", options->mAsJSON, "Print one JSON object a file");
-  command->footer(
+  command.AddArguments("STORY", options->mFiles, "Story files; - is standard input");
+  command.AddFlag("--json", options->mAsJSON, "Print one JSON object a file");
+  command.SetFooter(
       "Prints FILE: ok, or FILE:LINE:COLUMN: error: MESSAGE (PLACE IN THE STORY), a line each.\n"
       "Lines and columns count from 1, columns in characters.\n"
       "Exit status: 0 all are stories, 1 one or more are not, 2 wrong usage.");
-  command->callback([options, &chosen] { chosen = [options] { return Check(*options); }; });
+  command.SetAction([options] { return Check(*options); });
 }
 
 }  // namespace zelstory

@@ -3,7 +3,7 @@
 
 #include <zelstoryparser/TraverseStory.h>
 
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "StoryFile.h"
 #include "ToolError.h"
@@ -26,17 +26,17 @@ int Dump(const std::string& file) {
 
 }  // namespace
 
-void AddDumpCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command =
-      tool.add_subcommand("dump", "Print versions; dump every packet into the temporary folder");
+void AddDumpCommand(CommandLine& tool) {
+  Command command =
+      tool.AddCommand("dump", "Print versions; dump every packet into the temporary folder");
   const auto file = std::make_shared<std::string>();
-  command->add_option("STORY", *file, "The story file; - is standard input")->required();
-  command->footer(
+  command.AddArgument("STORY", *file, "The story file; - is standard input");
+  command.SetFooter(
       "The files are mivTestXMPBufferDumpFile_Scene_N_Shot_N.txt; those of comment streams replace "
       "the\n"
       "body's of the same number. One that cannot be written is skipped without a word.\n"
       "Exit status: 0 done, 1 refused, 2 wrong usage.");
-  command->callback([file, &chosen] { chosen = [file] { return Dump(*file); }; });
+  command.SetAction([file] { return Dump(*file); });
 }
 
 }  // namespace zelstory

@@ -1,6 +1,7 @@
 #include <zelstoryparser/SceneXMP.h>
 
-#include "Command.h"
+#include "Batch.h"
+#include "Commands.h"
 #include "Console.h"
 #include "Sidecar.h"
 #include "SidecarOptions.h"
@@ -29,19 +30,17 @@ int Has(const HasOptions& options) {
 
 }  // namespace
 
-void AddHasCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command = tool.add_subcommand("has", "Say whether sidecars hold a scene's metadata");
+void AddHasCommand(CommandLine& tool) {
+  Command command = tool.AddCommand("has", "Say whether sidecars hold a scene's metadata");
   const auto options = std::make_shared<HasOptions>();
-  command
-      ->add_option("CLIP", options->mClips,
-                   "Sidecars (*.xmp) or the clips they belong to; - is standard input")
-      ->required();
-  AddSidecarNameOption(*command, options->mForm);
-  AddStrictFlag(*command, options->mIsStrict);
-  command->footer(
+  command.AddArguments("CLIP", options->mClips,
+                       "Sidecars (*.xmp) or the clips they belong to; - is standard input");
+  AddSidecarNameOption(command, options->mForm);
+  AddStrictFlag(command, options->mIsStrict);
+  command.SetFooter(
       "Prints yes or no, no for a clip without sidecar; with CLIP: in front for several clips.\n"
       "Exit status: 0 all have, 1 one or more have not or were refused, 2 wrong usage.");
-  command->callback([options, &chosen] { chosen = [options] { return Has(*options); }; });
+  command.SetAction([options] { return Has(*options); });
 }
 
 }  // namespace zelstory

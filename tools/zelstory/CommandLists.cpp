@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "Command.h"
+#include "Commands.h"
 #include "StoryFile.h"
 #include "StoryLists.h"
 
@@ -30,43 +30,41 @@ int List(const ListOptions& options, Lister lister) {
   return kDone;
 }
 
-void AddList(CLI::App& tool, ChosenCommand& chosen, const char* name, const char* description,
+void AddList(CommandLine& tool, const char* name, const char* description,
              const std::string& columns, Lister lister) {
-  CLI::App* command = tool.add_subcommand(name, description);
+  Command command = tool.AddCommand(name, description);
   const auto options = std::make_shared<ListOptions>();
-  command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
-  CLI::Option* csv =
-      command->add_flag("--csv", options->mAsCSV, "Print comma-separated values (RFC 4180)");
+  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  const Option csv =
+      command.AddFlag("--csv", options->mAsCSV, "Print comma-separated values (RFC 4180)");
   command
-      ->add_flag("--raw", options->mIsRaw,
-                 "With --csv: put no apostrophe before what a spreadsheet would run")
-      ->needs(csv);
-  command
-      ->add_flag("--bom", options->mHasMark, "With --csv: begin with a byte-order mark, for Excel")
-      ->needs(csv);
-  command->add_flag("--json", options->mAsJSON, "Print a JSON array with an object a row")
-      ->excludes(csv);
-  command->footer(columns + "\nExit status: 0 done, 1 refused, 2 wrong usage.");
-  command->callback(
-      [options, lister, &chosen] { chosen = [=] { return List(*options, lister); }; });
+      .AddFlag("--raw", options->mIsRaw,
+               "With --csv: put no apostrophe before what a spreadsheet would run")
+      .Needs(csv);
+  command.AddFlag("--bom", options->mHasMark, "With --csv: begin with a byte-order mark, for Excel")
+      .Needs(csv);
+  command.AddFlag("--json", options->mAsJSON, "Print a JSON array with an object a row")
+      .Excludes(csv);
+  command.SetFooter(columns + "\nExit status: 0 done, 1 refused, 2 wrong usage.");
+  command.SetAction([options, lister] { return List(*options, lister); });
 }
 
 }  // namespace
 
-void AddListCommands(CLI::App& tool, ChosenCommand& chosen) {
+void AddListCommands(CommandLine& tool) {
   AddList(
-      tool, chosen, "scenes", "List the scenes of the body",
+      tool, "scenes", "List the scenes of the body",
       "Columns: position (from 1), number, setting, location, time, duration (h:mm:ss), speeches,\n"
       "characters (how many speak).",
       ListScenes);
   AddList(
-      tool, chosen, "characters", "List who speaks, how much, and where",
+      tool, "characters", "List who speaks, how much, and where",
       "Columns: character, speeches, words, first and last scene, all scenes, by their numbers; "
       "#3\n"
       "is the scene at position 3, which has none. Parentheses after a name, as in ANNA (V.O.),\n"
       "make no other character.",
       ListCharacters);
-  AddList(tool, chosen, "stats", "Count scenes, paragraphs by kind, and words",
+  AddList(tool, "stats", "Count scenes, paragraphs by kind, and words",
           "Columns: what, count, words.", ListCounts);
 }
 

@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "FileReplacement.h"
 #include "ReportPage.h"
@@ -35,20 +35,19 @@ int Report(const ReportOptions& options) {
 
 }  // namespace
 
-void AddReportCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command = tool.add_subcommand("report", "Make a page to read and print, with charts");
+void AddReportCommand(CommandLine& tool) {
+  Command command = tool.AddCommand("report", "Make a page to read and print, with charts");
   const auto options = std::make_shared<ReportOptions>();
-  command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
-  command->add_option("--html", options->mPage, "The page to write; - is standard output")
-      ->type_name("FILE")
-      ->required();
-  command->footer(
+  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  command.AddText("--html", options->mPage, "FILE", "The page to write; - is standard output")
+      .Required();
+  command.SetFooter(
       "The page stands alone: the scenes as a table, charts of who speaks in which scene and of\n"
       "the scenes' lengths, and the screenplay. Any browser shows it, on a phone and in print,\n"
       "too. For example:\n"
       "  zelstory report harbour.quor --html harbour.html\n"
       "Exit status: 0 done, 1 refused (FILE is as it was), 2 wrong usage.");
-  command->callback([options, &chosen] { chosen = [options] { return Report(*options); }; });
+  command.SetAction([options] { return Report(*options); });
 }
 
 }  // namespace zelstory

@@ -11,7 +11,8 @@
 #include <zelmetadata/Path.h>
 #include <zelstoryparser/SceneXMP.h>
 
-#include "Command.h"
+#include "Batch.h"
+#include "Commands.h"
 #include "Console.h"
 #include "FileReplacement.h"
 #include "StoryFile.h"
@@ -157,16 +158,16 @@ int ShotsOfAll(const ShotOptions& options) {
 
 }  // namespace
 
-void AddShotsCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command =
-      tool.add_subcommand("shots", "Write a stand-alone XMP packet for every scene of the body");
+void AddShotsCommand(CommandLine& tool) {
+  Command command =
+      tool.AddCommand("shots", "Write a stand-alone XMP packet for every scene of the body");
   const auto options = std::make_shared<ShotOptions>();
-  command->add_option("STORY", options->mStories, "Story files; - is standard input")->required();
-  command->add_option("--out", options->mFolder, "The folder for the packets, created when absent")
-      ->type_name("DIR")
-      ->required();
-  command->add_flag("--force", options->mForce, "Replace files that no run of shots made, too");
-  command->footer(
+  command.AddArguments("STORY", options->mStories, "Story files; - is standard input");
+  command
+      .AddText("--out", options->mFolder, "DIR", "The folder for the packets, created when absent")
+      .Required();
+  command.AddFlag("--force", options->mForce, "Replace files that no run of shots made, too");
+  command.SetFooter(
       "Writes DIR/scene_0001.xmp and so on, numbered by position. Prints position, shot ID and "
       "file,\n"
       "separated by tabs, one line per scene; scenes that make no shot are left out. Several "
@@ -175,7 +176,7 @@ void AddShotsCommand(CLI::App& tool, ChosenCommand& chosen) {
       "that\n"
       "is not such a packet is never replaced without --force.\n"
       "Exit status: 0 done, 1 one or more were refused, 2 wrong usage.");
-  command->callback([options, &chosen] { chosen = [options] { return ShotsOfAll(*options); }; });
+  command.SetAction([options] { return ShotsOfAll(*options); });
 }
 
 }  // namespace zelstory

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "Command.h"
+#include "Commands.h"
 #include "SceneSelection.h"
 #include "Screenplay.h"
 #include "StoryFile.h"
@@ -39,15 +39,15 @@ int Show(const ShowOptions& options) {
 
 }  // namespace
 
-void AddShowCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command = tool.add_subcommand("show", "Print a story as a screenplay, or as JSON");
+void AddShowCommand(CommandLine& tool) {
+  Command command = tool.AddCommand("show", "Print a story as a screenplay, or as JSON");
   const auto options = std::make_shared<ShowOptions>();
-  command->add_option("STORY", options->mFile, "The story file; - is standard input")->required();
-  options->mScene.AddOptions(*command);
-  command->add_flag("--comments", options->mWithComments, "Print the comment streams, too");
-  command->add_flag("--json", options->mAsJSON, "Print the whole tree, or one scene's, as JSON");
-  command->footer("Exit status: 0 done, 1 refused, 2 wrong usage.");
-  command->callback([options, &chosen] { chosen = [options] { return Show(*options); }; });
+  command.AddArgument("STORY", options->mFile, "The story file; - is standard input");
+  options->mScene.AddOptions(command);
+  command.AddFlag("--comments", options->mWithComments, "Print the comment streams, too");
+  command.AddFlag("--json", options->mAsJSON, "Print the whole tree, or one scene's, as JSON");
+  command.SetFooter("Exit status: 0 done, 1 refused, 2 wrong usage.");
+  command.SetAction([options] { return Show(*options); });
 }
 
 }  // namespace zelstory

@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <filesystem>
 
+#include <nlohmann/json.hpp>
+
 #include "Batch.h"
 #include "ClipTable.h"
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "SidecarEdit.h"
 #include "StoryFile.h"
@@ -75,10 +77,17 @@ class Outcomes {
     JSON& changes = details["changes"] = JSON::array();
     for (const Difference& difference : change.mDifferences) {
       changes.push_back({{"path", difference.mPath},
-                         {"before", difference.mBefore},
-                         {"after", difference.mAfter}});
+                         {"before", ValueAsJSON(difference.mBefore)},
+                         {"after", ValueAsJSON(difference.mAfter)}});
     }
     return details;
+  }
+
+  // An array is the number of its items, a struct an empty object.
+  static JSON ValueAsJSON(const MetadataValue& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) return *text;
+    if (const auto* items = std::get_if<std::int64_t>(&value)) return *items;
+    return std::holds_alternative<StructValue>(value) ? JSON::object() : JSON();
   }
 
   const std::string& mTable;
@@ -133,26 +142,23 @@ int Tag(const TagOptions& options) {
 
 }  // namespace
 
-void AddTagCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command =
-      tool.add_subcommand("tag", "Write scenes into the sidecars of many clips, from a table");
+void AddTagCommand(CommandLine& tool) {
+  Command command =
+      tool.AddCommand("tag", "Write scenes into the sidecars of many clips, from a table");
   const auto options = std::make_shared<TagOptions>();
-  command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
+  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
   command
-      ->add_option("--table", options->mTable,
-                   "Which clip shows which scene, as comma-separated values; - is standard input")
-      ->type_name("FILE")
-      ->required();
-  command
-      ->add_option("--clips", options->mFolder,
-                   "The folder that names of clips start from (default: the table's)")
-      ->type_name("DIR");
-  options->mEdit.AddOptions(*command);
-  options->mEdit.AddMergeOption(*command);
-  command->add_flag("--keep-going", options->mKeepsGoing,
-                    "Write the other clips even if rows of the table have faults");
-  command->add_flag("--json", options->mAsJSON, "Print one JSON object a clip, a line each");
-  command->footer(
+      .AddText("--table", options->mTable, "FILE",
+               "Which clip shows which scene, as comma-separated values; - is standard input")
+      .Required();
+  command.AddText("--clips", options->mFolder, "DIR",
+                  "The folder that names of clips start from (default: the table's)");
+  options->mEdit.AddOptions(command);
+  options->mEdit.AddMergeOption(command);
+  command.AddFlag("--keep-going", options->mKeepsGoing,
+                  "Write the other clips even if rows of the table have faults");
+  command.AddFlag("--json", options->mAsJSON, "Print one JSON object a clip, a line each");
+  command.SetFooter(
       "The table's first line names its columns: clip, and one or more of scene (the number in "
       "the\n"
       "script), position (from 1) and id (objID); others are ignored. For example:\n"
@@ -164,7 +170,7 @@ void AddTagCommand(CLI::App& tool, ChosenCommand& chosen) {
       "clip;\n"
       "a clip that is refused does not stop the others.\n"
       "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
-  command->callback([options, &chosen] { chosen = [options] { return Tag(*options); }; });
+  command.SetAction([options] { return Tag(*options); });
 }
 
 }  // namespace zelstory

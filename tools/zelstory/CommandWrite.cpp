@@ -1,4 +1,4 @@
-#include "Command.h"
+#include "Commands.h"
 #include "Console.h"
 #include "SceneSelection.h"
 #include "SidecarEdit.h"
@@ -27,24 +27,22 @@ int Write(const WriteOptions& options) {
 
 }  // namespace
 
-void AddWriteCommand(CLI::App& tool, ChosenCommand& chosen) {
-  CLI::App* command =
-      tool.add_subcommand("write", "Write a scene into a sidecar, which is created when absent");
+void AddWriteCommand(CommandLine& tool) {
+  Command command =
+      tool.AddCommand("write", "Write a scene into a sidecar, which is created when absent");
   const auto options = std::make_shared<WriteOptions>();
-  command->add_option("STORY", options->mStory, "The story file; - is standard input")->required();
-  command
-      ->add_option("CLIP", options->mSidecar,
-                   "The sidecar (*.xmp) or the clip it belongs to; - reads standard input and\n"
-                   "writes standard output")
-      ->required();
-  options->mScene.AddOptions(*command);
-  options->mEdit.AddOptions(*command);
-  options->mEdit.AddMergeOption(*command);
-  command->footer(
+  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  command.AddArgument("CLIP", options->mSidecar,
+                      "The sidecar (*.xmp) or the clip it belongs to; - reads standard input and\n"
+                      "writes standard output");
+  options->mScene.AddOptions(command);
+  options->mEdit.AddOptions(command);
+  options->mEdit.AddMergeOption(command);
+  command.SetFooter(
       "The clip holds this scene and no other afterwards. Prints each touched metadata path on a "
       "line, or \"unchanged\".\n"
       "Exit status: 0 done, 1 refused (the sidecar is as it was), 2 wrong usage.");
-  command->callback([options, &chosen] { chosen = [options] { return Write(*options); }; });
+  command.SetAction([options] { return Write(*options); });
 }
 
 }  // namespace zelstory

@@ -109,6 +109,10 @@ void PrintJSONLine(const nlohmann::ordered_json& value) {
   std::cout << value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
 }
 
+std::string Quoted(const std::string& text) {
+  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
 std::string Coloured(Tone tone, const std::string& text) {
   return Coloured(Stream::kOutput, tone, text);
 }

@@ -32,6 +32,9 @@ void PrintResult(const std::string& subject, Tone tone, const std::string& resul
 // Prints a value as one line of JSON; bytes that are not UTF-8 become U+FFFD.
 void PrintJSONLine(const nlohmann::ordered_json& value);
 
+// A text in quotation marks, on one line, escaped as JSON has it.
+std::string Quoted(const std::string& text);
+
 // A text in the colour of standard output; the text itself where colours are not welcome.
 std::string Coloured(Tone tone, const std::string& text);
 

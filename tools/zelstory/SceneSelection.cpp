@@ -103,36 +103,30 @@ void SceneFinder::NoteMissingNumbers() const {
   PrintNote(mFile, "no scene has a number, so scenes are chosen by position");
 }
 
-void SceneSelection::AddOptions(CLI::App& command) {
-  mNumberOption =
-      command
-          .add_option("--scene", mNumber,
-                      "The scene's number as written in the script; its position where\n"
-                      "no scene has a number")
-          ->type_name("NUMBER");
+void SceneSelection::AddOptions(Command& command) {
+  mNumberOption = command.AddText(
+      "--scene", mNumber, "NUMBER",
+      "The scene's number as written in the script; its position where\nno scene has a number");
   mPositionOption =
-      command.add_option("--position", mPosition, "The scene's position in the body, from 1")
-          ->type_name("N")
-          ->check(CLI::Range(1, std::numeric_limits<int>::max()))
-          ->excludes(mNumberOption);
-  mIDOption = command.add_option("--id", mID, "The scene's identifier (objID)")
-                  ->type_name("TEXT")
-                  ->excludes(mNumberOption)
-                  ->excludes(mPositionOption);
+      command.AddCount("--position", mPosition, "N", "The scene's position in the body, from 1")
+          .Excludes(mNumberOption);
+  mIDOption = command.AddText("--id", mID, "TEXT", "The scene's identifier (objID)")
+                  .Excludes(mNumberOption)
+                  .Excludes(mPositionOption);
 }
 
 bool SceneSelection::IsGiven() const {
-  return mNumberOption->count() + mPositionOption->count() + mIDOption->count() > 0;
+  return mNumberOption.IsGiven() || mPositionOption.IsGiven() || mIDOption.IsGiven();
 }
 
 SelectedScene SceneSelection::Find(const zelstoryparser::TavroStory& story,
                                    const std::string& file) const {
   if (!IsGiven()) throw UsageError("choose a scene with --scene, --position or --id");
   const SceneFinder finder(story, file);
-  if (mPositionOption->count() > 0) {
+  if (mPositionOption.IsGiven()) {
     return finder.Find(SceneKey::kPosition, std::to_string(mPosition));
   }
-  if (mIDOption->count() > 0) return finder.Find(SceneKey::kID, mID);
+  if (mIDOption.IsGiven()) return finder.Find(SceneKey::kID, mID);
   const SelectedScene scene = finder.Find(SceneKey::kNumber, mNumber);
   if (!finder.HasNumbers()) finder.NoteMissingNumbers();
   return scene;

@@ -5,10 +5,11 @@
 #include <unordered_map>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <zelstoryparser/StoryTree.h>
+
+#include "CommandLine.h"
 
 namespace zelstory {
 
@@ -57,7 +58,7 @@ class SceneSelection {
  public:
   // Adds the options --scene, --position and --id, of which one may be given. The selection must
   // outlive the parsing.
-  void AddOptions(CLI::App& command);
+  void AddOptions(Command& command);
 
   // Whether one of them was given.
   bool IsGiven() const;
@@ -70,9 +71,9 @@ class SceneSelection {
   std::string mNumber;
   int mPosition = 0;  // from 1; 0: not given
   std::string mID;
-  CLI::Option* mNumberOption = nullptr;
-  CLI::Option* mPositionOption = nullptr;
-  CLI::Option* mIDOption = nullptr;
+  Option mNumberOption;
+  Option mPositionOption;
+  Option mIDOption;
 };
 
 }  // namespace zelstory

@@ -23,33 +23,34 @@ std::string TextOf(const Path& path) {
   return std::string(text.data(), text.size());
 }
 
-nlohmann::ordered_json KnownValue(const TXMPMeta<std::string>& metadata, const Path& path) {
+MetadataValue KnownValue(const TXMPMeta<std::string>& metadata, const Path& path) {
   const std::string schema(path.Steps().front().mNamespaceURI);
   const std::string name = TextOf(path);
   std::string value;
   XMP_OptionBits options = 0;
-  if (!metadata.GetProperty(schema.c_str(), name.c_str(), &value, &options)) return nullptr;
+  if (!metadata.GetProperty(schema.c_str(), name.c_str(), &value, &options)) return {};
   if ((options & kXMP_PropValueIsArray) != 0) {
-    return metadata.CountArrayItems(schema.c_str(), name.c_str());
+    return std::int64_t{metadata.CountArrayItems(schema.c_str(), name.c_str())};
   }
-  if ((options & kXMP_PropValueIsStruct) != 0) return nlohmann::ordered_json::object();
+  if ((options & kXMP_PropValueIsStruct) != 0) return StructValue{};
   return value;
 }
 
 // Metadata of another shape, which the toolkit will not look into for this path, has nothing there.
-nlohmann::ordered_json ValueAt(const TXMPMeta<std::string>& metadata, const Path& path) {
+MetadataValue ValueAt(const TXMPMeta<std::string>& metadata, const Path& path) {
   try {
     return KnownValue(metadata, path);
   } catch (const XMP_Error&) {
-    return nullptr;
+    return {};
   }
 }
 
-std::string DescribeValue(const nlohmann::ordered_json& value) {
-  if (value.is_null()) return "(none)";
-  if (value.is_object()) return "(struct)";
-  if (value.is_number()) return '(' + value.dump() + (value == 1 ? " item)" : " items)");
-  return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+std::string DescribeValue(const MetadataValue& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return Quoted(*text);
+  if (std::holds_alternative<StructValue>(value)) return "(struct)";
+  const auto* items = std::get_if<std::int64_t>(&value);
+  if (items == nullptr) return "(none)";
+  return '(' + std::to_string(*items) + (*items == 1 ? " item)" : " items)");
 }
 
 // The paths to compare: those that were touched, each array in front of its items.
@@ -79,7 +80,7 @@ zelcore::UTF16String WriteInPlaceOfAnother(const boost::intrusive_ptr<zelstorypa
   error = zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, changedPaths);
   std::set<Path> reported(changedPaths.begin(), changedPaths.end());
   for (const Path& path : cleared) {
-    const bool wasThere = !ValueAt(before, path).is_null();
+    const bool wasThere = !std::holds_alternative<std::monostate>(ValueAt(before, path));
     if (wasThere && reported.insert(path).second) changedPaths.push_back(path);
   }
   return error;
@@ -102,19 +103,18 @@ std::string Difference::Describe() const {
   return mPath + ": " + DescribeValue(mBefore) + " -> " + DescribeValue(mAfter);
 }
 
-void SidecarEdit::AddOptions(CLI::App& command) {
-  command.add_flag("--dry-run", mDryRun,
-                   "Print old and new values, one path per line; touch nothing");
-  command.add_flag("--force", mForce,
-                   "Change sidecars without write permission and packets marked read-only, too");
-  command.add_flag("--no-wait", mNoWait,
-                   "Refuse while another process changes files of the folder");
+void SidecarEdit::AddOptions(Command& command) {
+  command.AddFlag("--dry-run", mDryRun,
+                  "Print old and new values, one path per line; touch nothing");
+  command.AddFlag("--force", mForce,
+                  "Change sidecars without write permission and packets marked read-only, too");
+  command.AddFlag("--no-wait", mNoWait, "Refuse while another process changes files of the folder");
   AddSidecarNameOption(command, mForm);
 }
 
-void SidecarEdit::AddMergeOption(CLI::App& command) {
-  command.add_flag("--merge", mMerge,
-                   "Keep what the clip holds of another scene and this one lacks");
+void SidecarEdit::AddMergeOption(Command& command) {
+  command.AddFlag("--merge", mMerge,
+                  "Keep what the clip holds of another scene and this one lacks");
 }
 
 template <typename Change>

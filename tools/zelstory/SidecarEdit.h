@@ -1,25 +1,31 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
-#include <nlohmann/json.hpp>
 
 #include <zelstoryparser/StoryTree.h>
 
+#include "CommandLine.h"
 #include "SidecarName.h"
 
 namespace zelstory {
 
-// What stands at a metadata path before and after a change: a text; for an array, the number of its
-// items; null where nothing does.
+// What a metadata path leads to: nothing, a text, an array of so many items, or a struct.
+struct StructValue {
+  bool operator==(const StructValue&) const = default;
+};
+using MetadataValue = std::variant<std::monostate, std::string, std::int64_t, StructValue>;
+
+// A change at a metadata path.
 struct Difference {
   std::string mPath;
-  nlohmann::ordered_json mBefore;
-  nlohmann::ordered_json mAfter;
+  MetadataValue mBefore;
+  MetadataValue mAfter;
 
   std::string Describe() const;  // PATH: BEFORE -> AFTER
 };
@@ -44,8 +50,8 @@ class SidecarEdit {
  public:
   // Adds --dry-run, --force, --no-wait and --sidecar-name, and --merge for commands that write. The
   // object must outlive the parsing.
-  void AddOptions(CLI::App& command);
-  void AddMergeOption(CLI::App& command);
+  void AddOptions(Command& command);
+  void AddMergeOption(Command& command);
 
   bool IsDryRun() const { return mDryRun; }
   std::optional<SidecarForm> Form() const { return mForm; }

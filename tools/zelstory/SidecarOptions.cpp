@@ -4,21 +4,18 @@
 
 namespace zelstory {
 
-void AddSidecarNameOption(CLI::App& command, std::optional<SidecarForm>& form) {
-  command
-      .add_option_function<std::string>(
-          "--sidecar-name",
-          [&form](const std::string& name) {
-            form = name == "stem" ? SidecarForm::kStem : SidecarForm::kFull;
-          },
-          "What a clip's new sidecar is called: full (clip.mov.xmp, the default) or stem\n"
-          "(clip.xmp); stem also shares it with clip.wav")
-      ->type_name("FORM")
-      ->check(CLI::IsMember({"full", "stem"}).description(""));
+void AddSidecarNameOption(Command& command, std::optional<SidecarForm>& form) {
+  command.AddChoice(
+      "--sidecar-name", {"full", "stem"}, "FORM",
+      "What a clip's new sidecar is called: full (clip.mov.xmp, the default) or stem\n"
+      "(clip.xmp); stem also shares it with clip.wav",
+      [&form](const std::string& name) {
+        form = name == "stem" ? SidecarForm::kStem : SidecarForm::kFull;
+      });
 }
 
-void AddStrictFlag(CLI::App& command, bool& isStrict) {
-  command.add_flag("--strict", isStrict, "Refuse clips without sidecar");
+void AddStrictFlag(Command& command, bool& isStrict) {
+  command.AddFlag("--strict", isStrict, "Refuse clips without sidecar");
 }
 
 }  // namespace zelstory

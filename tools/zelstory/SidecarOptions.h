@@ -2,8 +2,7 @@
 
 #include <optional>
 
-#include <CLI/CLI.hpp>
-
+#include "CommandLine.h"
 #include "SidecarName.h"
 
 // Options of several commands that say which sidecar is meant. What they set must outlive the
@@ -11,10 +10,10 @@
 namespace zelstory {
 
 // --sidecar-name
-void AddSidecarNameOption(CLI::App& command, std::optional<SidecarForm>& form);
+void AddSidecarNameOption(Command& command, std::optional<SidecarForm>& form);
 
 // --strict, and what it makes of a clip without sidecar.
-void AddStrictFlag(CLI::App& command, bool& isStrict);
+void AddStrictFlag(Command& command, bool& isStrict);
 inline WhenAbsent WhenAbsentFor(bool isStrict) {
   return isStrict ? WhenAbsent::kRefuse : WhenAbsent::kReadEmpty;
 }
