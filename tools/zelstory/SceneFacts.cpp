@@ -89,6 +89,12 @@ std::int64_t CountWords(const std::string& text) {
   return count;
 }
 
+std::int64_t CountWords(const std::vector<SceneFacts>& scenes) {
+  std::int64_t count = 0;
+  for (const SceneFacts& scene : scenes) count += scene.mWords;
+  return count;
+}
+
 std::string DescribeDuration(std::int64_t seconds) {
   char text[40];
   std::snprintf(text, sizeof text, "%s%lld:%02lld:%02lld", seconds < 0 ? "-" : "",

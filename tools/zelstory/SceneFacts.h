@@ -51,5 +51,6 @@ std::vector<PersonFacts> ReadPersonFacts(const std::vector<SceneFacts>& scenes);
 std::string DescribeDuration(std::int64_t seconds);  // h:mm:ss
 std::string TextOf(const zelstoryparser::Paragraph& paragraph);
 std::int64_t CountWords(const std::string& text);
+std::int64_t CountWords(const std::vector<SceneFacts>& scenes);
 
 }  // namespace zelstory

@@ -36,7 +36,7 @@ _zelstory() {
       write) options="--scene --number --id --dry-run --force --sidecar-name" ;;
       tag) options="--table --clips --keep-going --dry-run --force --sidecar-name --json" ;;
       clear) options="--dry-run --force --sidecar-name" ;;
-      report) options="--html" ;;
+      report) options="--html --title" ;;
       shots) options="--out" ;;
       scenes | characters | stats) options="--csv --json" ;;
     esac
