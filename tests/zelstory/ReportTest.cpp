@@ -14,21 +14,33 @@ using testing::Not;
 
 class ReportTest : public Scratch {
  protected:
-  std::string Page(const std::string& story) {
-    const Outcome outcome = Tool({"report", story, "--html", "page.html"});
-    EXPECT_EQ(outcome.mStatus, 0) << outcome.mErrors;
-    EXPECT_EQ(outcome.mOutput, "");
+  std::string Page(const std::string& story, const std::string& title = " ") {
+    const Outcome outcome = Tool({"report", story, "--html", "page.html", "--title", title});
+    EXPECT_EQ(outcome.mErrors + outcome.mOutput, "");
     return Read("page.html");
   }
-  // The page's document as a browser has it.
-  std::string InBrowser() {
+  std::string PageOf(const std::string& body, const std::string& more = "") {
+    const std::string file = "a \"b\" <i>.quor";
+    Write(file, "<TavroStory version='1.0'><document>" + Stream("body", body) + more +
+                    "</document></TavroStory>");
+    return Page(file);
+  }
+  static std::string Stream(const std::string& name, const std::string& scenes) {
+    return "<stream name='" + name + "'><section>" + scenes + "</section></stream>";
+  }
+  // What a browser makes of a page: its document, or with another option whatever that says.
+  std::string InBrowser(const std::string& page, const std::string& option = "--dump-dom") {
     const Outcome outcome = Process(
         "chromium", {"--headless", "--no-sandbox", "--disable-gpu", "--user-data-dir=profile",
-                     "--dump-dom", "file://" + File("page.html")});
+                     "--allow-file-access-from-files", option, "file://" + File(page)});
     EXPECT_EQ(outcome.mStatus, 0) << outcome.mErrors;
     return outcome.mOutput;
   }
 };
+
+std::string Paragraph(const std::string& kind, const std::string& text) {
+  return "<paragraph element='" + kind + "'><textRun>" + text + "</textRun></paragraph>";
+}
 
 std::multiset<std::string> Matches(const std::string& text, const char* pattern) {
   const std::regex regex(pattern);
@@ -39,17 +51,23 @@ std::multiset<std::string> Matches(const std::string& text, const char* pattern)
   return found;
 }
 
+void Has(const std::string& page, const std::vector<std::string>& texts) {
+  for (const std::string& text : texts) EXPECT_THAT(page, HasSubstr(text));
+}
+
 TEST_F(ReportTest, ABrowserReadsIt) {
   if (!IsInstalled("chromium")) GTEST_SKIP() << "chromium is not installed";
   Page(Example("the_long_tide.quor"));
-  const std::string page = InBrowser();
-  EXPECT_THAT(page, HasSubstr("<span id=\"scene-count\">72</span>"));
-  EXPECT_EQ(Matches(page, "<th class=\"count\" scope=\"row\"><a href=\"#(scene-[0-9]+)\"").size(),
-            72u);
-  EXPECT_EQ(Matches(page, "<rect class=\"(bar)\"").size(), 72u);
-  // Told to who cannot see it; by their own numbers, as the table has them.
-  EXPECT_THAT(page, HasSubstr("<desc>The longest: scene 6, 196 words.</desc>"));
-  EXPECT_THAT(page, HasSubstr("<title>scene 64A: 139 words</title>"));
+  const std::string page = InBrowser("page.html");
+  Has(page, {"<h1 lang=\"\">THE LONG TIDE</h1><p class=\"file\">the_long_tide.quor</p>",
+             "<dd id=\"scene-count\">72</dd>", "<title>scene 64A: 0:02:00</title>",
+             "<desc>The longest: scene 21, 0:02:20.</desc>"});
+  EXPECT_EQ(Matches(page, "scope=\"row\"><a href=\"#(scene-[0-9]+)\"").size(), 72u);
+  EXPECT_EQ(Matches(page, "<rect class=\"(bar)\"").size(), 71u + 1u);  // and one in the legend
+  Write("phone.html",
+        "<iframe src='page.html' width='390' onload='const page = contentDocument."
+        "documentElement; title = page.scrollWidth - page.clientWidth'></iframe>");
+  EXPECT_THAT(InBrowser("phone.html"), HasSubstr("title=\"0\""));
 }
 
 TEST_F(ReportTest, EveryLinkLeadsSomewhereOnThePage) {
@@ -72,40 +90,98 @@ TEST_F(ReportTest, NoTextBecomesMarkup) {
   const std::string hostile =
       "&lt;/style>&lt;/p>&lt;script>alert(1)&lt;/script>&lt;img src=x onerror=&apos;x&apos;>"
       "&quot; onload=&quot;x&amp;lt;&#x85;&#xFFFD;]]&gt;";
-  std::string story =
-      "<TavroStory version='1.0'><document><stream name='body'><section>"
-      "<scene objID=\"" +
-      hostile + "\" sceneNumber=\"" + hostile + "\">";
+  std::string scene = "<scene objID=\"" + hostile + "\" sceneNumber=\"" + hostile + "\">";
   for (const char* kind : {"SceneHeading", "Action", "Character", "Dialog", "Parenthetical", "Shot",
                            "Transition", "Other"}) {
-    story += std::string("<paragraph element='") + kind + "'><textRun>INT. " + hostile +
-             " - DAY</textRun></paragraph>";
+    scene += Paragraph(kind, "INT. " + hostile + " - DAY");
   }
-  Write("a \"b\" <i>.quor", story + "</scene></section></stream></document></TavroStory>");
   const auto judge = [](const std::string& page) {
     for (const char* markup : {"<script", "<img", "<i>", "</style></p>"}) {
       EXPECT_THAT(page, Not(HasSubstr(markup)));
     }
     EXPECT_THAT(page, HasSubstr("&lt;script&gt;alert(1)"));
   };
-  judge(Page("a \"b\" <i>.quor"));
+  judge(PageOf(scene + "</scene>", "<metaData>Title: " + hostile + "</metaData>"));
   if (!IsInstalled("chromium")) GTEST_SKIP() << "chromium is not installed";
-  judge(InBrowser());
+  judge(InBrowser("page.html"));
 }
 
 TEST_F(ReportTest, ManyScenesAndPeopleStayReadable) {
-  std::string story = "<TavroStory version='1.0'><document><stream name='body'><section>";
+  std::string body;
   for (int scene = 0; scene < 300; ++scene) {
-    story += "<scene><paragraph element='Character'><textRun>P" + std::to_string(scene % 40) +
-             "</textRun></paragraph><paragraph element='Dialog'><textRun>Word" +
-             (scene % 40 == 7 ? " word" : "") + "</textRun></paragraph></scene>";
+    body += "<scene>" + Paragraph("Character", "P" + std::to_string(scene % 40)) +
+            Paragraph("Dialog", scene % 40 == 7 ? "Word word" : "Word") + "</scene>";
   }
-  Write("big.quor", story + "</section></stream></document></TavroStory>");
-  const std::string page = Page("big.quor");
-  EXPECT_THAT(page, HasSubstr("Another 10 who say less are left out."));
+  const std::string page = PageOf(body);
   EXPECT_EQ(Matches(page, "<rect class=\"(bar)\"").size(), 100u);
-  EXPECT_THAT(page, HasSubstr("<title>P7, scenes #7 to #9: 1 speech, 2 words</title>"));
-  EXPECT_THAT(page, HasSubstr("<title>scenes #298 to #300: 6 words</title>"));
+  EXPECT_EQ(Matches(page, "<text class=\"label\"[^>]*>(P[0-9]+)").size(), 30u);
+  Has(page, {"The chart has the first 30 of <a href=\"#characters\">40 characters</a>.",
+             "<title>P7, scenes #7 to #9: 1 speech, 2 words</title><rect class=\"cell s4\"",
+             "scope=\"row\">P39</th>", "<title>scenes #298 to #300: 6 words</title>"});
+}
+
+TEST_F(ReportTest, EstimatesAreMarked) {
+  const auto scene = [](const std::string& duration, int words) {
+    std::string text = Paragraph("SceneHeading' shotDuration='" + duration, "");
+    for (int i = 0; i < words; ++i) text += Paragraph("Action", "word");
+    return "<scene sceneNumber=' '>" + text + "</scene>";
+  };
+  // The second and third: too few words to measure a pace by, and an impossible one.
+  const std::string kCases[][4] = {
+      {scene("0:00:40", 180) + scene("", 91), "0:01:01 (of which 0:00:21 estimated)",
+       "0:00:21 (estimated)", "0:00:00 0:00:10 0:00:20 0:00:30 0:00:40 "},
+      {scene("0:04:00", 179) + scene("", 90), "0:04:30 (of which 0:00:30 estimated)",
+       "0:00:30 (estimated)", "0:00:00 0:01:00 0:02:00 0:03:00 0:04:00 "},
+      {scene("0:00:01", 180) + scene("0:-1:00", 30), "0:00:11 (of which 0:00:10 estimated)",
+       "0:00:10 (estimated)", "0:00:00 0:00:02 0:00:04 0:00:06 0:00:08 0:00:10 "},
+      {scene("9:00:00", 0) + scene("0:-1:60", 3), "9:00:00", "0:00:00",
+       "0:00:00 10:00:00 2:00:00 4:00:00 6:00:00 8:00:00 "},
+      {scene("", 7) + scene("", 11), "0:00:07 (estimated)", "11 words",
+       "0 words 10 words 15 words 5 words "}};
+  for (const auto& [body, total, last, axis] : kCases) {
+    const std::string page = PageOf(body);
+    Has(page, {"\"running-time\">" + total + "<", "<title>scene #2: " + last + "<"});
+    std::string labels;
+    for (const std::string& label : Matches(page, "\"label\"[^>]*>([^<]*)")) labels += label + ' ';
+    EXPECT_EQ(labels, axis);
+  }
+}
+
+TEST_F(ReportTest, EveryParagraphStandsOnceInItsPlace) {
+  const std::string page =
+      PageOf("<scene sceneNumber='5'>" + Paragraph("Action", "Hm.") +
+                 Paragraph("SceneHeading", "ONE") + Paragraph("SceneHeading", "TWO") +
+                 "</scene><scene>" + Paragraph("Shot", "X") + "</scene>",
+             Stream("header", "<scene>" + Paragraph("", "Top") + "</scene>") +
+                 Stream("footer", "<scene>" + Paragraph("", "End") + "</scene>"));
+  const std::string aside = "<aside><p class=\"label\" lang=\"en\">";
+  Has(page, {aside +
+                 "Header</p><p class=\"action\">Top</p></aside><article><p class=\"action\">Hm.</p>"
+                 "<h3 id=\"scene-1\">"
+                 "<span class=\"number\">5</span><span class=\"text\">ONE</span></h3>"
+                 "<p class=\"heading\">TWO</p></article><article>"
+                 "<h3 id=\"scene-2\"><span class=\"text\" lang=\"en\">(no heading)</span></h3>"
+                 "<p class=\"shot\">X</p></article>" +
+                 aside + "Footer</p><p class=\"action\">End</p></aside></div>",
+             "<a href=\"#scene-2\">#2</a>", "guess\">≈ 0:00:01"});
+  for (const char* program : {"chromium", "pdftotext"}) {
+    if (!IsInstalled(program)) GTEST_SKIP() << program << " is not installed";
+  }
+  InBrowser("page.html", "--print-to-pdf=" + File("page.pdf"));
+  EXPECT_THAT(Process("pdftotext", {"page.pdf", "-"}).mOutput,
+              testing::ContainsRegex("Scene lengths\n[^\f]*1 ?/ ?3[^\f]*\f[^\f]*\nScenes\n[^\f]*"
+                                     "2 ?/ ?3[^\f]*\f[^\f]*\nScreenplay\n[^\f]*3 ?/ ?3"));
+}
+
+TEST_F(ReportTest, TheTitleIsTheGivenOneOrTheStorysOrTheFiles) {
+  const std::string kCases[][3] = {
+      {"Title: A", "B", "B</h1><p class=\"file\">s.quor</p>"},
+      {"x\n \ttitle:  A b \r\nTitle: C", " ", "A b</h1><p class=\"file\">s.quor</p>"},
+      {"Subtitle: A\nTitle: ", " ", "s.quor</h1><dl"}};
+  for (const auto& [metaData, given, heading] : kCases) {
+    Write("s.quor", "<TavroStory version='1.0'><metaData>" + metaData + "</metaData></TavroStory>");
+    EXPECT_THAT(Page("s.quor", given), HasSubstr("<h1 lang=\"\">" + heading));
+  }
 }
 
 TEST_F(ReportTest, AnEmptyStoryHasAPageAndABadOneNone) {

@@ -1,10 +1,12 @@
 #include <filesystem>
 #include <iostream>
+#include <utility>
 
 #include "Commands.h"
 #include "Console.h"
 #include "FileReplacement.h"
 #include "ReportPage.h"
+#include "SceneFacts.h"
 #include "StoryFile.h"
 #include "ToolError.h"
 
@@ -14,17 +16,28 @@ namespace {
 struct ReportOptions {
   std::string mStory;
   std::string mPage;
+  std::string mTitle;
 };
+
+// What a reader would call the story: the title given, else the story's own, else its file's name.
+PageNames NamesOf(const ReportOptions& options, const zelstoryparser::TavroStory& story) {
+  PageNames names{options.mTitle, ""};
+  if (options.mStory != kStandardStream) {
+    names.mFile = std::filesystem::path(options.mStory).filename().string();
+  }
+  if (CountWords(names.mTitle) == 0) names.mTitle = TitleIn(story);
+  if (names.mTitle.empty()) std::swap(names.mTitle, names.mFile);
+  if (names.mTitle.empty()) names.mTitle = "Screenplay";
+  return names;
+}
 
 int Report(const ReportOptions& options) {
   // A slip of the hand must not replace the story by its page.
   if (options.mPage != kStandardStream && IsStoryItself(options.mStory, options.mPage)) {
     throw ToolError(options.mPage, "is the story itself: name another file after --html");
   }
-  const std::string name = options.mStory == kStandardStream
-                               ? "Screenplay"
-                               : std::filesystem::path(options.mStory).filename().string();
-  const std::string page = MakeReportPage(*LoadStory(options.mStory), name);
+  const auto story = LoadStory(options.mStory);
+  const std::string page = MakeReportPage(*story, NamesOf(options, *story));
   if (options.mPage == kStandardStream) {
     std::cout << page;
   } else {
@@ -41,11 +54,13 @@ void AddReportCommand(CommandLine& tool) {
   command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
   command.AddText("--html", options->mPage, "FILE", "The page to write; - is standard output")
       .Required();
+  command.AddText("--title", options->mTitle, "TEXT", "The page's title");
   command.SetFooter(
-      "The page stands alone: the scenes as a table, charts of who speaks in which scene and of\n"
-      "the scenes' lengths, and the screenplay. Any browser shows it, on a phone and in print,\n"
-      "too. For example:\n"
-      "  zelstory report harbour.quor --html harbour.html\n"
+      "The page needs no other file: charts of who speaks in which scene and of scene lengths,\n"
+      "tables of scenes and characters, and the screenplay. It suits screens, phones and print.\n"
+      "Scenes without a duration are estimated from their words. Without --title, the title is\n"
+      "what follows \"Title:\" in the story's metadata, or else the file's name. For example:\n"
+      "  zelstory report harbour.quor --html harbour.html --title \"Harbour Lights\"\n"
       "Exit status: 0 done, 1 refused (FILE is as it was), 2 wrong usage.");
   command.SetAction([options] { return Report(*options); });
 }

@@ -4,15 +4,20 @@
 
 #include <pugixml.hpp>
 
+#include "RunningTime.h"
 #include "SceneFacts.h"
 
 namespace zelstory {
 
 // Each adds a drawing (SVG) and the words that go with it. Where there are more scenes than a
-// drawing can show, neighbours share a column; where there are more people than rows, those who
-// speak most are drawn.
+// drawing can show, neighbours share a column.
+
+// `people` come those who say most first; as many as there are rows are drawn.
 void AddSpeakersChart(pugi::xml_node parent, const std::vector<SceneFacts>& scenes,
                       const std::vector<PersonFacts>& people);
-void AddLengthsChart(pugi::xml_node parent, const std::vector<SceneFacts>& scenes);
+
+// In time, estimates apart from durations; in words where no scene has a duration.
+void AddLengthsChart(pugi::xml_node parent, const std::vector<SceneFacts>& scenes,
+                     const RunningTimes& times);
 
 }  // namespace zelstory

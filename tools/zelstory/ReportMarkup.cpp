@@ -1,5 +1,7 @@
 #include "ReportMarkup.h"
 
+#include <algorithm>
+
 #include <utf8proc.h>
 
 namespace zelstory {
@@ -48,6 +50,15 @@ pugi::xml_node AddScrollingBox(pugi::xml_node parent, const std::string& label) 
   return box;
 }
 
+void AppendText(pugi::xml_node element, const std::string& text) {
+  element.append_child(pugi::node_pcdata).set_value(MarkupText(text).c_str());
+}
+
+std::string PositionNote(const std::vector<SceneFacts>& scenes) {
+  const bool areNumbered = std::all_of(scenes.begin(), scenes.end(), IsNumbered);
+  return areNumbered ? "" : " #n is the position of a scene without a number.";
+}
+
 std::string SceneAnchor(std::size_t position) {
   return "scene-" + std::to_string(position);
 }
@@ -55,6 +66,13 @@ std::string SceneAnchor(std::size_t position) {
 pugi::xml_node AddSceneLink(pugi::xml_node parent, std::size_t position, const std::string& text) {
   pugi::xml_node link = AddElement(parent, "a", "", text);
   SetAttribute(link, "href", "#" + SceneAnchor(position));
+  return link;
+}
+
+pugi::xml_node AddPointerLink(pugi::xml_node parent, std::size_t position,
+                              const std::string& text) {
+  pugi::xml_node link = AddSceneLink(parent, position, text);
+  link.append_attribute("tabindex") = "-1";
   return link;
 }
 

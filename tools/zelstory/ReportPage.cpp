@@ -1,14 +1,19 @@
 #include "ReportPage.h"
 
+#include <algorithm>
+#include <cmath>
 #include <sstream>
-#include <unordered_set>
-#include <utility>
+#include <vector>
 
 #include "Console.h"
 #include "ReportCharts.h"
 #include "ReportMarkup.h"
 #include "ReportStyle.h"
+#include "ReportTables.h"
+#include "RunningTime.h"
 #include "SceneFacts.h"
+#include "StoryFile.h"
+#include "TextLayout.h"
 
 namespace zelstory {
 namespace {
@@ -21,9 +26,6 @@ constexpr const char* kPageStart =
     "<head>\n"
     "<meta charset=\"utf-8\"/>\n"
     "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n";
-
-// The page's own words are English; a story does not tell which language it is in.
-constexpr const char* kUnknownLanguage = "";
 
 const char* ClassOf(std::int32_t kind) {
   switch (kind) {
@@ -48,81 +50,54 @@ void AddParagraph(pugi::xml_node page, const Paragraph& paragraph) {
   AddElement(page, "p", ClassOf(paragraph.mElementType), TextOf(paragraph));
 }
 
-const Paragraph* HeadingOf(const Scene& scene) {
-  for (const auto& paragraph : scene.mParagraphs) {
-    if (paragraph && paragraph->mElementType == kSceneHeading) return paragraph.get();
-  }
-  return nullptr;
-}
-
-void AddScene(pugi::xml_node page, const Scene& scene, std::size_t position) {
-  const Paragraph* const heading = HeadingOf(scene);
-  pugi::xml_node article = AddElement(page, "article");
+void AddHeading(pugi::xml_node article, const SceneFacts& scene, const Paragraph* heading) {
   pugi::xml_node title = AddElement(article, "h3");
-  SetAttribute(title, "id", SceneAnchor(position));
-  AddElement(title, "span", "number", SceneName(ToUTF8(scene.mSceneNumber), position));
-  AddElement(title, "span", "text", heading ? TextOf(*heading) : "(no heading)");
-  for (const auto& paragraph : scene.mParagraphs) {
-    if (paragraph && paragraph.get() != heading) AddParagraph(article, *paragraph);
+  SetAttribute(title, "id", SceneAnchor(scene.mPosition));
+  if (IsNumbered(scene)) AddElement(title, "span", "number", scene.mNumber);
+  pugi::xml_node text =
+      AddElement(title, "span", "text", heading ? TextOf(*heading) : "(no heading)");
+  if (!heading) text.append_attribute("lang") = "en";
+}
+
+// The first heading has the number and is where links lead; what stands above it stays there.
+void AddScene(pugi::xml_node page, const Scene& scene, const SceneFacts& facts) {
+  pugi::xml_node article = AddElement(page, "article");
+  const auto isHeading = [](const auto& paragraph) {
+    return paragraph->mElementType == kSceneHeading;
+  };
+  const auto heading = std::find_if(scene.mParagraphs.begin(), scene.mParagraphs.end(), isHeading);
+  if (heading == scene.mParagraphs.end()) AddHeading(article, facts, nullptr);
+  for (auto i = scene.mParagraphs.begin(); i != scene.mParagraphs.end(); ++i) {
+    if (i == heading) {
+      AddHeading(article, facts, i->get());
+    } else {
+      AddParagraph(article, **i);
+    }
   }
 }
 
-void AddStream(pugi::xml_node page, const boost::intrusive_ptr<Stream>& stream, bool areScenes) {
+// What stands at the edge of every sheet is no part of the script's text, so it has a box.
+void AddEdgeStream(pugi::xml_node page, const boost::intrusive_ptr<Stream>& stream,
+                   const char* label) {
   if (!stream || !stream->mSection) return;
-  std::size_t position = 0;
+  pugi::xml_node box = AddElement(page, "aside");
+  AddElement(box, "p", "label", label).append_attribute("lang") = "en";
   for (const auto& scene : stream->mSection->mScenes) {
-    if (!scene) continue;
-    if (areScenes) {
-      AddScene(page, *scene, ++position);
-      continue;
-    }
-    for (const auto& paragraph : scene->mParagraphs) {
-      if (paragraph) AddParagraph(page, *paragraph);
-    }
+    for (const auto& paragraph : scene->mParagraphs) AddParagraph(box, *paragraph);
   }
+  if (!box.first_child().next_sibling()) page.remove_child(box);
 }
 
-// The first few by appearance, and how many more.
-std::string SpeakersOf(const SceneFacts& scene) {
-  constexpr std::size_t kNamed = 6;
-  std::unordered_set<std::string> people;
-  std::string names;
-  for (const Speech& speech : scene.mSpeeches) {
-    const bool isNew = people.insert(speech.mPerson).second;
-    if (!isNew || people.size() > kNamed) continue;
-    names += (people.size() == 1 ? "" : ", ") + speech.mPerson;
-  }
-  if (people.size() > kNamed) names += " and " + std::to_string(people.size() - kNamed) + " more";
-  return names;
-}
-
-void AddSceneRow(pugi::xml_node rows, const SceneFacts& scene) {
-  pugi::xml_node row = AddElement(rows, "tr");
-  pugi::xml_node name = AddElement(row, "th", "count");
-  name.append_attribute("scope") = "row";
-  AddSceneLink(name, scene.mPosition, SceneName(scene.mNumber, scene.mPosition));
-  for (const std::string* text : {&scene.mSetting, &scene.mLocation, &scene.mTimeOfDay}) {
-    AddElement(row, "td", "", *text);
-  }
-  AddElement(row, "td", "count", scene.mSeconds ? DescribeDuration(*scene.mSeconds) : "");
-  AddElement(row, "td", "count", std::to_string(scene.mWords));
-  AddElement(row, "td", "count", std::to_string(scene.mSpeeches.size()));
-  AddElement(row, "td", "", SpeakersOf(scene));
-}
-
-void AddSceneTable(pugi::xml_node parent, const std::vector<SceneFacts>& scenes) {
-  constexpr std::pair<const char*, const char*> kColumns[] = {
-      {"Scene", "count"},    {"Setting", ""},    {"Location", ""},      {"Time", ""},
-      {"Duration", "count"}, {"Words", "count"}, {"Speeches", "count"}, {"Who speaks", ""}};
-  pugi::xml_node table = AddElement(AddScrollingBox(parent, "Scenes"), "table");
-  AddElement(table, "caption", "note", "Each number leads to its scene.");
-  pugi::xml_node names = AddElement(AddElement(table, "thead"), "tr");
-  for (const auto& [name, className] : kColumns) {
-    AddElement(names, "th", className, name).append_attribute("scope") = "col";
-  }
-  pugi::xml_node rows = AddElement(table, "tbody");
-  rows.append_attribute("lang") = kUnknownLanguage;
-  for (const SceneFacts& scene : scenes) AddSceneRow(rows, scene);
+void AddScreenplay(pugi::xml_node section, const TavroStory& story,
+                   const std::vector<SceneFacts>& facts) {
+  pugi::xml_node page = AddElement(section, "div");
+  page.append_attribute("id") = "page";
+  page.append_attribute("lang") = kUnknownLanguage;
+  if (story.mDocument) AddEdgeStream(page, story.mDocument->mHeaderStream, "Header");
+  std::size_t position = 0;
+  for (const auto& scene : BodyScenes(story)) AddScene(page, *scene, facts[position++]);
+  if (story.mDocument) AddEdgeStream(page, story.mDocument->mFooterStream, "Footer");
+  if (!page.first_child()) AddElement(page, "p", "action", "(no text)");
 }
 
 pugi::xml_node AddSection(pugi::xml_node main, const char* id, const char* title) {
@@ -132,24 +107,36 @@ pugi::xml_node AddSection(pugi::xml_node main, const char* id, const char* title
   return section;
 }
 
-void AddCount(pugi::xml_node line, const char* id, std::int64_t count, const char* what) {
-  AddElement(line, "span", "", std::to_string(count)).append_attribute("id") = id;
-  line.append_child(pugi::node_pcdata).set_value(what);
+void AddFact(pugi::xml_node summary, const char* id, const char* name, const std::string& value) {
+  pugi::xml_node fact = AddElement(summary, "div");
+  AddElement(fact, "dt", "", name);
+  AddElement(fact, "dd", "", value).append_attribute("id") = id;
 }
 
-void AddHeader(pugi::xml_node body, const std::string& name, const std::vector<SceneFacts>& scenes,
-               const std::vector<PersonFacts>& people) {
-  std::int64_t words = 0;
-  for (const SceneFacts& scene : scenes) words += scene.mWords;
-  pugi::xml_node header = AddElement(body, "header");
-  AddElement(header, "h1", "", name);
-  pugi::xml_node summary = AddElement(header, "p");
+std::string DescribeEstimate(const RunningTimes& times) {
+  const std::string rate =
+      " at " + std::to_string(std::llround(times.mWordsPerMinute)) + " words a minute";
+  if (times.mIsRateMeasured) {
+    return "Scenes without a duration are estimated" + rate +
+           ", the pace of the scenes that have one.";
+  }
+  return (times.mTotal.mHasKnown ? "Scenes without a duration are estimated"
+                                 : "No scene has a duration. The running time is estimated") +
+         rate + ", about a page of script.";
+}
+
+void AddSummary(pugi::xml_node header, const std::vector<SceneFacts>& scenes, std::size_t people,
+                const RunningTimes& times) {
+  pugi::xml_node summary = AddElement(header, "dl");
   summary.append_attribute("id") = "summary";
-  AddCount(summary, "scene-count", static_cast<std::int64_t>(scenes.size()),
-           scenes.size() == 1 ? " scene, " : " scenes, ");
-  AddCount(summary, "speaker-count", static_cast<std::int64_t>(people.size()),
-           people.size() == 1 ? " person who speaks, " : " people who speak, ");
-  AddCount(summary, "word-count", words, " words");
+  AddFact(summary, "scene-count", "Scenes", std::to_string(scenes.size()));
+  AddFact(summary, "speaker-count", "Speaking characters", std::to_string(people));
+  AddFact(summary, "word-count", "Words", std::to_string(CountWords(scenes)));
+  if (scenes.empty()) return;
+  AddFact(summary, "running-time", "Running time", times.mTotal.Describe());
+  const std::string note =
+      (times.mTotal.mHasEstimated ? DescribeEstimate(times) : "") + PositionNote(scenes);
+  if (!note.empty()) AddElement(header, "p", "note", note);
 }
 
 void AddNavigation(pugi::xml_node header, pugi::xml_node main) {
@@ -161,36 +148,64 @@ void AddNavigation(pugi::xml_node header, pugi::xml_node main) {
   }
 }
 
-void AddBody(pugi::xml_node body, const TavroStory& story, const std::string& name) {
+std::vector<PersonFacts> SortedByWords(std::vector<PersonFacts> people) {
+  std::stable_sort(people.begin(), people.end(),
+                   [](const PersonFacts& a, const PersonFacts& b) { return a.mWords > b.mWords; });
+  return people;
+}
+
+void AddBody(pugi::xml_node body, const TavroStory& story, const PageNames& names) {
   const std::vector<SceneFacts> scenes = ReadSceneFacts(story);
-  const std::vector<PersonFacts> people = ReadPersonFacts(scenes);
-  AddHeader(body, name, scenes, people);
+  const std::vector<PersonFacts> people = SortedByWords(ReadPersonFacts(scenes));
+  const RunningTimes times = ReadRunningTimes(scenes);
+  pugi::xml_node header = AddElement(body, "header");
+  AddElement(header, "h1", "", names.mTitle).append_attribute("lang") = kUnknownLanguage;
+  if (!names.mFile.empty()) AddElement(header, "p", "file", names.mFile);
+  AddSummary(header, scenes, people.size(), times);
   pugi::xml_node main = AddElement(body, "main");
-  if (!scenes.empty()) AddSceneTable(AddSection(main, "scenes", "Scenes"), scenes);
   if (!people.empty()) {
     AddSpeakersChart(AddSection(main, "speakers", "Who speaks"), scenes, people);
   }
-  if (!scenes.empty()) AddLengthsChart(AddSection(main, "lengths", "Lengths"), scenes);
-  pugi::xml_node page = AddElement(AddSection(main, "screenplay", "Screenplay"), "div");
-  page.append_attribute("id") = "page";
-  page.append_attribute("lang") = kUnknownLanguage;
-  if (story.mDocument) {
-    AddStream(page, story.mDocument->mHeaderStream, false);
-    AddStream(page, story.mDocument->mBodyStream, true);
-    AddStream(page, story.mDocument->mFooterStream, false);
+  if (!scenes.empty()) {
+    AddLengthsChart(AddSection(main, "lengths", "Scene lengths"), scenes, times);
+    AddSceneTable(AddSection(main, "scenes", "Scenes"), scenes, times);
   }
-  if (!page.first_child()) AddElement(page, "p", "action", "(no text)");
-  AddNavigation(body.child("header"), main);
+  if (!people.empty()) {
+    AddCharacterTable(AddSection(main, "characters", "Characters"), scenes, people);
+  }
+  AddScreenplay(AddSection(main, "screenplay", "Screenplay"), story, scenes);
+  AddNavigation(header, main);
+}
+
+// The text behind "Title:", in either case; empty for any other line.
+std::string TitleInLine(const std::string& line) {
+  constexpr const char* kBlanks = " \t\r";
+  const std::size_t colon = line.find(':');
+  if (colon == std::string::npos) return "";
+  std::istringstream name(InCapitals(line.substr(0, colon)));
+  std::string word;
+  if (!(name >> word) || word != "TITLE" || name >> word) return "";
+  const std::size_t from = line.find_first_not_of(kBlanks, colon + 1);
+  return from == std::string::npos ? ""
+                                   : line.substr(from, line.find_last_not_of(kBlanks) + 1 - from);
 }
 
 }  // namespace
 
-std::string MakeReportPage(const TavroStory& story, const std::string& name) {
+std::string TitleIn(const TavroStory& story) {
+  std::istringstream lines(ToUTF8(story.mMetaData));
+  for (std::string line; std::getline(lines, line);) {
+    if (std::string title = TitleInLine(line); !title.empty()) return title;
+  }
+  return "";
+}
+
+std::string MakeReportPage(const TavroStory& story, const PageNames& names) {
   // HTML takes <p/> for the beginning of a paragraph, and blanks between tags for text.
   constexpr unsigned kFormat = pugi::format_raw | pugi::format_no_empty_element_tags;
   pugi::xml_document document;
-  AddElement(document, "title", "", name);
-  AddBody(AddElement(document, "body"), story, name);
+  AddElement(document, "title", "", names.mTitle);
+  AddBody(AddElement(document, "body"), story, names);
   std::ostringstream page;
   page << kPageStart;
   document.child("title").print(page, "", kFormat);

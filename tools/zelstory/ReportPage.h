@@ -6,9 +6,19 @@
 
 namespace zelstory {
 
-// A story as one self-contained HTML page, in UTF-8: its scenes as a table with links into the
-// screenplay, a chart of who speaks in which scene, one of the scenes' lengths, and the screenplay.
-// Well-formed as XML, too. No text of the story can become markup. `name` is the page's title.
-std::string MakeReportPage(const zelstoryparser::TavroStory& story, const std::string& name);
+// What the page's head has.
+struct PageNames {
+  std::string mTitle;
+  std::string mFile;  // stands below the title, unless empty
+};
+
+// The text of the first line "Title: TEXT" in the story's metadata, in whatever case; empty if
+// there is none.
+std::string TitleIn(const zelstoryparser::TavroStory& story);
+
+// A story as one self-contained HTML page, in UTF-8: a chart of who speaks in which scene, one of
+// the scenes' lengths, tables of scenes and characters with links into the screenplay, and the
+// screenplay. Well-formed as XML, too. No text of the story can become markup.
+std::string MakeReportPage(const zelstoryparser::TavroStory& story, const PageNames& names);
 
 }  // namespace zelstory

@@ -74,8 +74,12 @@ SceneFacts FactsOf(const Scene& scene, std::size_t position) {
 
 }  // namespace
 
-std::string SceneName(const std::string& number, std::size_t position) {
-  return number.empty() ? '#' + std::to_string(position) : number;
+bool IsNumbered(const SceneFacts& scene) {
+  return CountWords(scene.mNumber) > 0;
+}
+
+std::string SceneName(const SceneFacts& scene) {
+  return IsNumbered(scene) ? scene.mNumber : '#' + std::to_string(scene.mPosition);
 }
 
 std::string TextOf(const Paragraph& paragraph) {
@@ -90,6 +94,12 @@ std::int64_t CountWords(const std::string& text) {
   std::istringstream words(text);
   std::int64_t count = 0;
   for (std::string word; words >> word;) ++count;
+  return count;
+}
+
+std::int64_t CountWords(const std::vector<SceneFacts>& scenes) {
+  std::int64_t count = 0;
+  for (const SceneFacts& scene : scenes) count += scene.mWords;
   return count;
 }
 

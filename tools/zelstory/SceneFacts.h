@@ -30,8 +30,12 @@ struct SceneFacts {
   std::int64_t mWords = 0;  // of all its paragraphs
 };
 
-// How a scene is called: by its own number, or, without one, by its position, as "#3".
-std::string SceneName(const std::string& number, std::size_t position);
+// Whether a scene has a number of its own. White space is none.
+bool IsNumbered(const SceneFacts& scene);
+
+// What lists, links and labels call a scene: its number, or "#3" for the third scene if it has
+// none.
+std::string SceneName(const SceneFacts& scene);
 
 // What a person says, over all and scene by scene.
 struct PersonFacts {
@@ -54,5 +58,6 @@ std::vector<PersonFacts> ReadPersonFacts(const std::vector<SceneFacts>& scenes);
 std::string DescribeDuration(std::int64_t seconds);  // h:mm:ss
 std::string TextOf(const zelstoryparser::Paragraph& paragraph);
 std::int64_t CountWords(const std::string& text);
+std::int64_t CountWords(const std::vector<SceneFacts>& scenes);
 
 }  // namespace zelstory

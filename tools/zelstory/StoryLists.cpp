@@ -33,8 +33,8 @@ Table ListCharacters(const TavroStory& story) {
   for (const PersonFacts& person : ReadPersonFacts(scenes)) {
     std::vector<ListedScene> listed;
     for (const PersonFacts::InScene& scene : person.mScenes) {
-      listed.push_back({static_cast<std::int64_t>(scene.mPosition),
-                        SceneName(scenes[scene.mPosition - 1].mNumber, scene.mPosition)});
+      listed.push_back(
+          {static_cast<std::int64_t>(scene.mPosition), SceneName(scenes[scene.mPosition - 1])});
     }
     table.mRows.push_back({person.mName, person.mSpeeches, person.mWords, listed.front().mName,
                            listed.back().mName, listed});

@@ -39,7 +39,7 @@ _zelstory() {
       tag) options="--table --clips --keep-going --merge $edit --json" ;;
       clear) options="$edit --strict" ;;
       has) options="--sidecar-name --strict" ;;
-      report) options="--html" ;;
+      report) options="--html --title" ;;
       shots) options="--out --force" ;;
       scenes | characters | stats) options="--csv --raw --bom --json" ;;
     esac

@@ -44,6 +44,7 @@ complete -c zelstory -n '__zelstory_command tag' -r -l table -k -a '(__fish_comp
 complete -c zelstory -n '__zelstory_command tag' -x -l clips -a '(__fish_complete_directories)' -d 'Folder of the clips'
 complete -c zelstory -n '__zelstory_command tag' -l keep-going -d 'Write the others when rows have faults'
 complete -c zelstory -n '__zelstory_command report' -r -l html -k -a '(__fish_complete_suffix .html)' -d 'The page'
+complete -c zelstory -n '__zelstory_command report' -x -l title -d 'Title of the page'
 complete -c zelstory -n '__zelstory_command shots' -x -l out -a '(__fish_complete_directories)' -d 'Folder for the packets'
 complete -c zelstory -n '__zelstory_command shots' -l force -d 'Replace other files, too'
 
