@@ -46,7 +46,7 @@ class Outcomes {
                                                    : "written";
     if (mAsJSON) return PrintJSONLine(ObjectOf(row, outcome, DetailsOf(change)));
     PrintResult(row.mClip + ": ", change.mIsChanged ? Tone::kGood : Tone::kFaint, outcome);
-    if (mIsDryRun && change.mClearsFirst) PrintLine(std::string("  ") + kClearsFirst);
+    if (mIsDryRun && change.mClearsFirst) PrintLine(std::string("  ").append(kClearsFirst));
     for (const Difference& difference : change.mDifferences) {
       PrintLine("  " + difference.Describe());
     }
