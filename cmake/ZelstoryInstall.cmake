@@ -56,7 +56,6 @@ foreach(
   header
   zelcore/Export.h
   zelcore/RefCountedObject.h
-  zelcore/SmallBlocks.h
   zelcore/String.h
   zelcore/config/Localizer.h
   zelcore/filesupport/Dir.h
@@ -102,9 +101,6 @@ if(BUILD_SHARED_LIBS)
 endif()
 set(ZELSTORY_PC_CFLAGS${private} "-DZELSTORYPARSER_STATIC -DZELPLATFORM_STATIC")
 set(ZELSTORY_PC_LIBS${private} "-lpthread")
-if(ZELSTORY_MIMALLOC)
-  string(APPEND ZELSTORY_PC_LIBS${private} " -lmimalloc")
-endif()
 configure_file(cmake/zelstoryparser.pc.in ${PROJECT_BINARY_DIR}/zelstoryparser.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zelstoryparser.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 
 #include <zelcore/Export.h>
-#include <zelcore/SmallBlocks.h>
 
 namespace zelcore::utility {
 
@@ -23,9 +21,6 @@ class ZELPLATFORM_API RefCountedObject {
   RefCountedObject& operator=(const RefCountedObject&) = delete;
 
   virtual ~RefCountedObject() = default;
-
-  static void* operator new(std::size_t bytes) { return AllocateBlock(bytes); }
-  static void operator delete(void* object) noexcept { FreeBlock(object); }
 
   std::atomic<std::int32_t> mRefCount{0};  // number of counted holders
   bool mDeleting = false;                  // set just before the object deletes itself

@@ -6,15 +6,13 @@
 #include <string_view>
 
 #include <zelcore/Export.h>
-#include <zelcore/SmallBlocks.h>
 
 // The host's string types and the conversions between them. All functions are pure and may be
 // called from any thread; the only error they know is std::bad_alloc.
 namespace zelcore {
 
 // A string of 16-bit UTF-16 code units. Sizes and positions count code units, not characters.
-using UTF16String =
-    std::basic_string<char16_t, std::char_traits<char16_t>, SmallBlockAllocator<char16_t>>;
+using UTF16String = std::u16string;
 
 // The 8-bit counterpart: sizes and positions count bytes. May become a type other than
 // std::string, so copy its bytes where a std::string is wanted.

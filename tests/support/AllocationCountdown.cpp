@@ -2,8 +2,6 @@
 
 #include <cstdlib>
 
-#include <zelcore/SmallBlocks.h>
-
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
   if (gCountdown >= 0 && gCountdown-- == 0) return nullptr;
   void* memory = std::malloc(size == 0 ? 1 : size);
@@ -25,16 +23,3 @@ void operator delete(void* memory, std::size_t) noexcept {
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
   operator delete(memory);
 }
-
-// The program's own definitions come before the platform's, so that blocks are counted, too.
-namespace zelcore {
-
-void* AllocateBlock(std::size_t bytes) {
-  return ::operator new(bytes);
-}
-
-void FreeBlock(void* block) noexcept {
-  ::operator delete(block);
-}
-
-}  // namespace zelcore

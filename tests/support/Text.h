@@ -12,6 +12,5 @@ inline zelcore::UTF16String Utf16(std::string_view text) {
 }
 
 inline std::string Utf8(const zelcore::UTF16String& text) {
-  const zelcore::UTF8String bytes = zelcore::utility::UTF16to8(text);
-  return std::string(bytes.begin(), bytes.end());
+  return zelcore::utility::UTF16to8(text);
 }

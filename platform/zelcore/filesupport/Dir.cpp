@@ -15,8 +15,7 @@ Dir Dir::TempDir() {
   return Dir(std::filesystem::temp_directory_path());
 }
 
-Dir::Dir(const Dir& parent, const UTF16String& name)
-    : Dir(parent.mPath / std::u16string(name.begin(), name.end())) {}
+Dir::Dir(const Dir& parent, const UTF16String& name) : Dir(parent.mPath / name) {}
 
 Dir::Dir(const std::filesystem::path& path)
     : mPath(WithoutEndSeparator(std::filesystem::absolute(path))) {}
