@@ -75,7 +75,7 @@ configure_package_config_file(
   cmake/zelstoryparserConfig.cmake.in ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
   INSTALL_DESTINATION ${ZELSTORY_PACKAGE_DIR})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
-                                 COMPATIBILITY SameMajorVersion)
+                                 COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
               ${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
         DESTINATION ${ZELSTORY_PACKAGE_DIR} COMPONENT development)
