@@ -76,7 +76,7 @@ configure_package_config_file(
   cmake/zelstoryparserConfig.cmake.in ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
   INSTALL_DESTINATION ${ZELSTORY_PACKAGE_DIR})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
-                                 COMPATIBILITY SameMajorVersion)
+                                 COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
               ${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
         DESTINATION ${ZELSTORY_PACKAGE_DIR} COMPONENT development)
@@ -102,7 +102,7 @@ if(BUILD_SHARED_LIBS)
 endif()
 set(ZELSTORY_PC_CFLAGS${private} "-DZELSTORYPARSER_STATIC -DZELPLATFORM_STATIC")
 set(ZELSTORY_PC_LIBS${private} "-lpthread")
-if(ZELSTORY_MIMALLOC)
+if(ZELSTORY_LIBRARY_MIMALLOC)
   string(APPEND ZELSTORY_PC_LIBS${private} " -lmimalloc")
 endif()
 configure_file(cmake/zelstoryparser.pc.in ${PROJECT_BINARY_DIR}/zelstoryparser.pc @ONLY)

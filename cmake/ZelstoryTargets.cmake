@@ -1,10 +1,12 @@
 # What our own targets share. Nothing here leaks into a project that adds this one.
 
-include(CheckCXXCompilerFlag)
-include(CheckLinkerFlag)
-check_cxx_compiler_flag(-fstack-protector-strong ZELSTORY_HAS_STACK_PROTECTOR)
-check_cxx_compiler_flag(-fcf-protection ZELSTORY_HAS_CF_PROTECTION)
-check_linker_flag(CXX "LINKER:-z,relro,-z,now" ZELSTORY_HAS_RELRO)
+if(ZELSTORY_HARDENING)
+  include(CheckCXXCompilerFlag)
+  include(CheckLinkerFlag)
+  check_cxx_compiler_flag(-fstack-protector-strong ZELSTORY_HAS_STACK_PROTECTOR)
+  check_cxx_compiler_flag(-fcf-protection ZELSTORY_HAS_CF_PROTECTION)
+  check_linker_flag(CXX "LINKER:-z,relro,-z,now" ZELSTORY_HAS_RELRO)
+endif()
 
 # Where the loader finds the shared libraries, alike in the build folder and in an installed copy: a path
 # that CMake exchanges while installing is padded with empty entries, and an empty entry is the current
@@ -16,9 +18,13 @@ if(APPLE)
 else()
   set(ZELSTORY_ORIGIN "\$ORIGIN")
 endif()
-set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
-set(CMAKE_INSTALL_RPATH ${ZELSTORY_LIBRARY_DIR})
-set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON) # dependencies outside the system's folders
+if(PROJECT_IS_TOP_LEVEL) # a host decides where its binaries lie and how they are found
+  set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${ZELSTORY_LIBRARY_DIR})
+  set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${ZELSTORY_LIBRARY_DIR})
+  set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+  set(CMAKE_INSTALL_RPATH ${ZELSTORY_LIBRARY_DIR})
+  set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON) # dependencies outside the system's folders
+endif()
 
 # What the platform offers against faults that are left. Debian's compilers make position-independent
 # programs by themselves.
@@ -83,8 +89,6 @@ function(zelstory_library target prefix)
     PROPERTIES CXX_VISIBILITY_PRESET hidden
                VISIBILITY_INLINES_HIDDEN ON
                POSITION_INDEPENDENT_CODE ON
-               ARCHIVE_OUTPUT_DIRECTORY ${ZELSTORY_LIBRARY_DIR}
-               LIBRARY_OUTPUT_DIRECTORY ${ZELSTORY_LIBRARY_DIR}
                INSTALL_RPATH ${ZELSTORY_ORIGIN}
                VERSION ${PROJECT_VERSION}
                SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
@@ -128,17 +132,26 @@ function(zelstory_quick_tests target)
   target_precompile_headers(${target} REUSE_FROM zelstory_test_headers)
 endfunction()
 
+# A program beside the library: a test, an example, a benchmark. Its file is NAME and its target, which
+# `target` becomes, zelstory_NAME, so that it clashes with none of a host's.
+macro(zelstory_add_program name)
+  string(REGEX REPLACE "^zelstory_" "" target ${name})
+  set(target zelstory_${target})
+  add_executable(${target} ${ARGN})
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME ${name})
+  zelstory_options(${target})
+endmacro()
+
 # A test program whose cases ctest runs one by one. Tests may include the headers of every folder.
-function(zelstory_add_tests target)
+function(zelstory_add_tests name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
-  add_executable(${target} ${ARG_SOURCES})
+  zelstory_add_program(${name} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES} GTest::gmock_main)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${target}
                              PRIVATE ZELSTORY_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples")
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY
                                              ${PROJECT_BINARY_DIR}/tests)
-  zelstory_options(${target})
   zelstory_quick_tests(${target})
   gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()

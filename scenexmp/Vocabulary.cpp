@@ -1,6 +1,7 @@
 #include "scenexmp/Vocabulary.h"
 
 #include <array>
+#include <type_traits>
 #include <utility>
 
 #include <xmptoolkit/XMP.h>
@@ -15,12 +16,13 @@ constexpr std::array<std::pair<const char*, const char*>, 3> kNamespaces{{
 }};
 
 // A host's 8-bit string may be of another type than the toolkit's.
-std::string ToolkitString(std::string bytes) {
-  return bytes;
-}
 template <typename Bytes>
-std::string ToolkitString(const Bytes& bytes) {
-  return std::string(bytes.data(), bytes.size());
+std::string ToolkitString(Bytes bytes) {
+  if constexpr (std::is_same_v<Bytes, std::string>) {
+    return bytes;
+  } else {
+    return std::string(bytes.data(), bytes.size());
+  }
 }
 
 }  // namespace

@@ -96,7 +96,8 @@ class ZELPLATFORM_API XMP_Error : public std::runtime_error {
 
 namespace xmptoolkit {
 class Document;
-}
+struct TreeAccess;
+}  // namespace xmptoolkit
 
 // The metadata of one resource. Copies are deep. Only std::string is supported as tStringObj.
 template <typename tStringObj>
@@ -188,11 +189,9 @@ class ZELPLATFORM_API TXMPMeta {
                          XMP_StringLen padding = 0, const char* newline = "",
                          const char* indent = "", XMP_Index baseIndent = 0) const;
 
-  // The tree itself, for code that shows or compares any metadata (XMPTree.h). Lives as long as
-  // this object; valid until the next change.
-  const xmptoolkit::Document& Tree() const { return *mDocument; }
-
  private:
+  friend struct xmptoolkit::TreeAccess;  // of XMPTree.h, which shows any metadata as a tree
+
   std::unique_ptr<xmptoolkit::Document> mDocument;
 };
 

@@ -9,6 +9,12 @@
 
 namespace xmptoolkit {
 
+struct TreeAccess {
+  static const Document& DocumentOf(const TXMPMeta<std::string>& metadata) {
+    return *metadata.mDocument;
+  }
+};
+
 namespace {
 
 class Comparison {
@@ -125,12 +131,13 @@ TreeNode TreeNode::Qualifier(std::size_t position) const {
 }
 
 TreeNode RootOf(const TXMPMeta<std::string>& metadata) {
-  return {metadata.Tree(), metadata.Tree().mRoot, false};
+  const Document& document = TreeAccess::DocumentOf(metadata);
+  return {document, document.mRoot, false};
 }
 
 bool AreEqual(const TXMPMeta<std::string>& left, const TXMPMeta<std::string>& right,
               Equality equality) {
-  return Comparison(left.Tree(), right.Tree(), equality).Run();
+  return Comparison(TreeAccess::DocumentOf(left), TreeAccess::DocumentOf(right), equality).Run();
 }
 
 }  // namespace xmptoolkit

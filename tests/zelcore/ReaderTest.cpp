@@ -17,34 +17,49 @@ using ::testing::StartsWith;
 
 // The events of a parse as a text: ^ and $ for the document, <name a='v'>, </name>, 'text' however
 // it was split, [ and ] for CDATA, !comment!. The positions of the tags stand in a text of their
-// own.
+// own. Where namespaces are wanted, (p=uri and p) stand for a mapping, and {uri}local=name follows
+// each tag, and {uri}local=name=value for its attributes.
 class EventLog : public AbstractParseHandler {
  public:
+  using Text = const UTF16String&;
   // The call behind `calls` calls throws.
   explicit EventLog(const Reader& reader, int calls = -1) : mCallsLeft(calls), mReader(reader) {}
 
+  bool WantsNamespaces() const override { return mWantsNamespaces; }
   void StartDocument() override { Add("^"); }
-  void StartElement(const UTF16String& name,
-                    const std::map<UTF16String, UTF16String>& attributes) override {
+  void StartElement(Text name, const std::map<UTF16String, UTF16String>& attributes) override {
     std::string tag = "<" + Utf8(name);
     for (const auto& [key, value] : attributes) tag += Utf8(u" " + key + u"='" + value + u"'");
     AddTag(tag + ">");
   }
-  void EndElement(const UTF16String& name) override { AddTag("</" + Utf8(name) + ">"); }
+  void StartElementWithNamespace(Text uri, Text local, Text name,
+                                 const std::vector<Attribute>& attributes) override {
+    Add(Utf8(u"{" + uri + u"}" + local + u"=" + name));
+    for (const Attribute& a : attributes) {
+      StartElementWithNamespace(a.mNamespaceURI, a.mLocalName, a.mQualifiedName + u"=" + a.mValue,
+                                {});
+    }
+  }
+  void EndElement(Text name) override { AddTag("</" + Utf8(name) + ">"); }
+  void EndElementWithNamespace(Text uri, Text local, Text name) override {
+    StartElementWithNamespace(uri, local, name, {});
+  }
+  void StartPrefixMapping(Text prefix, Text uri) override { Add("(" + Utf8(prefix + u"=" + uri)); }
+  void EndPrefixMapping(Text prefix) override { Add(Utf8(prefix + u")")); }
   void StartCDATA() override { Add("["); }
   void EndCDATA() override { Add("]"); }
-  void Characters(const UTF16String& text) override {
+  void Characters(Text text) override {
     EXPECT_FALSE(text.empty());
     const bool goesOn = mEvents.ends_with("'");
     if (goesOn) mEvents.pop_back();
     Add((goesOn ? "" : "'") + Utf8(text) + "'");
   }
-  void Comment(const UTF16String& text) override { Add("!" + Utf8(text) + "!"); }
+  void Comment(Text text) override { Add("!" + Utf8(text) + "!"); }
   void EndDocument() override { Add("$"); }
 
-  std::string mEvents;
-  std::string mPositions;
+  std::string mEvents, mPositions;
   int mCallsLeft;
+  bool mWantsNamespaces = false;
 
  private:
   void Add(const std::string& event) {
@@ -69,20 +84,19 @@ std::string ErrorText(bool isGood, const Reader& reader) {
 }
 
 struct Parsed {
-  std::string mEvents, mPositions;
+  std::string mEvents, mPositions, mError;  // the error follows the events, too
 };
 
-Parsed ParseAll(const std::string& document, bool asStream = false) {
+Parsed ParseAll(const std::string& document, bool asStream = false, bool wantsNamespaces = false) {
   Reader reader;
   EventLog log(reader);
+  log.mWantsNamespaces = wantsNamespaces;
   std::istringstream stream(document);
   const bool isGood =
       asStream ? reader.ParseStream(stream, "s", log) : reader.ParseBuffer(document, "s", log);
-  return {log.mEvents + ErrorText(isGood, reader), log.mPositions};
-}
-
-std::string Events(const std::string& document) {
-  return ParseAll(document).mEvents;
+  EXPECT_THAT(log.mEvents, ::testing::EndsWith("$"));
+  const std::string error = ErrorText(isGood, reader);
+  return {log.mEvents + error, log.mPositions, error};
 }
 
 TEST(Reader, ReportsEventsInDocumentOrder) {
@@ -93,8 +107,7 @@ TEST(Reader, ReportsEventsInDocumentOrder) {
       <r/> => <r></r> ;; <?xml version='1.0'?>\n<!-- c --><r></r>\n<?pi x?> => ! c !<r></r>
       <r b='2' a='1'/> => <r a='1' b='2'></r>
       <r xml:lang='de'> a <s> b </s>\n</r> => <r xml:lang='de'>' a '<s>' b '</s>'\n'</r>
-      <r xmlns='u' xmlns:p='v' p:a='1' a='2'><p:s/></r> => <r a='2' p:a='1' xmlns='u' xmlns:p='v'><p:s></p:s></r>
-      <p:r q:a='1'><a:b:c/></p:r> => <p:r q:a='1'><a:b:c></a:b:c></p:r> ;; <ré é='ü𝄞'>𝄞</ré> => <ré é='ü𝄞'>'𝄞'</ré>
+      <ré é='ü𝄞'>𝄞</ré> => <ré é='ü𝄞'>'𝄞'</ré>
       <r>a<![CDATA[<b>&amp;]]>c<![CDATA[]]></r> => <r>'a'['<b>&amp;']'c'[]</r>
       <r>1<![CDATA[\r\n2\r\r]]><![CDATA[\n&]]></r> => <r>'1'['\n2\n\n']['\n&']</r>
       <r><![CDATA[a]]><![CDATA[b]]></r> => <r>['a']['b']</r> ;; <r>a<!-- -c -->b<?pi?>c</r> => <r>'a'! -c !'bc'</r>
@@ -102,7 +115,17 @@ TEST(Reader, ReportsEventsInDocumentOrder) {
       <r a='x\r\ny\tz&#10;'>1\r\n2\r3\n4&#13;</r> => <r a='x y z\n'>'1\n2\n3\n4\r'</r>
       %dtd<r a='&e;&no;'>&e;&no;-&two;&e;</r> => <r a='xé' d='dflt'>'xé-xéxéxé'</r>
       %dtd<r>&m;-&m;</r> => <r d='dflt'><b>'y'</b>'-'<b>'y'</b></r>)")) {
-    EXPECT_EQ(Events(Replaced(row[0], dtd)), "^" + row[1] + "$") << row[0];
+    EXPECT_EQ(ParseAll(Replaced(row[0], dtd)).mEvents, "^" + row[1] + "$") << row[0];
+  }
+}
+
+TEST(Reader, ResolvesNamespacesWhereTheyAreWanted) {
+  for (const Row& row : Rows(R"(
+      <r b='2' a='1'>t<s/></r> => <r a='1' b='2'>{}r=r{}b=b=2{}a=a=1't'<s>{}s=s</s>{}s=s</r>{}r=r
+      <p:r xml:a='1'/> => <p:r xml:a='1'>{}r=p:r{http://www.w3.org/XML/1998/namespace}a=xml:a=1</p:r>{}r=p:r
+      <r xmlns='u'><a:b:c xmlns='' q:a=''/></r> => (=u<r xmlns='u'>{u}r=r(=<a:b:c q:a='' xmlns=''>{}b:c=a:b:c{}a=q:a=</a:b:c>{}b:c=a:b:c)</r>{u}r=r)
+      <p:r q:a='1' xmlns:p='u' a='2' xmlns:q='v'><p:s xmlns:p='w'/></p:r> => (p=u(q=v<p:r a='2' q:a='1' xmlns:p='u' xmlns:q='v'>{u}r=p:r{v}a=q:a=1{}a=a=2(p=w<p:s xmlns:p='w'>{w}s=p:s</p:s>{w}s=p:sp)</p:r>{u}r=p:rq)p))")) {
+    EXPECT_EQ(ParseAll(row[0], false, true).mEvents, "^" + row[1] + "$") << row[0];
   }
 }
 
@@ -119,14 +142,14 @@ TEST(Reader, ReadsEncodings) {
   const std::u16string wide = u"<?xml version='1.0' encoding='UTF-16'?><r>é€𝄞</r>";
   for (const std::string& document :
        {InUTF16(wide, true), InUTF16(wide, false), InUTF16(u"<r>é€𝄞</r>", false)}) {
-    EXPECT_EQ(Events(document), "^<r>'é€𝄞'</r>$") << document;
+    EXPECT_EQ(ParseAll(document).mEvents, "^<r>'é€𝄞'</r>$") << document;
   }
   for (const Row& row : Rows(R"(
       \xEF\xBB\xBF<r>é€𝄞</r> => é€𝄞 ;; <?xml version='1.0' encoding='utf-8'?><r>é€𝄞</r> => é€𝄞
       <?xml version='1.0' encoding='ISO-8859-1'?><r>\xE9\xFC</r> => éü
       <?xml version='1.0' encoding='windows-1252'?><r>\xE9\x80\x93</r> => é€“
       <?xml version='1.0' encoding='US-ASCII'?><r>&#233;</r> => é)")) {
-    EXPECT_EQ(Events(row[0]), "^<r>'" + row[1] + "'</r>$") << row[0];
+    EXPECT_EQ(ParseAll(row[0]).mEvents, "^<r>'" + row[1] + "'</r>$") << row[0];
   }
 }
 
@@ -155,7 +178,8 @@ TEST(Reader, PiecesOfLongDocumentsDoNotShow) {
   }
   for (int i = 290; i < 310; ++i) {  // sections come in pieces of their own
     const std::string filling = std::string(2 * static_cast<std::size_t>(i), 'x');
-    ASSERT_EQ(Events("<r><![CDATA[" + filling + "\r\ny]]></r>"), "^<r>['" + filling + "\ny']</r>$");
+    ASSERT_EQ(ParseAll("<r><![CDATA[" + filling + "\r\ny]]></r>").mEvents,
+              "^<r>['" + filling + "\ny']</r>$");
   }
 }
 
@@ -203,11 +227,11 @@ TEST(Reader, KnowsItsPlaceAgainAfterAnotherDocumentWithinACallback) {
 
 TEST(Reader, LimitsMarkupButNotText) {
   const std::string longText(12'000'000, 'x');
-  EXPECT_TRUE(Events("<r>" + longText + "</r>") == "^<r>'" + longText + "'</r>$");
+  EXPECT_TRUE(ParseAll("<r>" + longText + "</r>").mEvents == "^<r>'" + longText + "'</r>$");
   for (const Row& row :
        Rows("<r a=' => '/> ;; <r><![CDATA[ => ]]></r> ;; <!-- => --><r/> ;; <r><?p => ?></r>")) {
     for (const std::size_t size : {8'380'000u, 8'600'000u}) {
-      const std::string events = Events(row[0] + std::string(size, ' ') + row[1]);
+      const std::string events = ParseAll(row[0] + std::string(size, ' ') + row[1]).mEvents;
       EXPECT_EQ(events.ends_with("$"), size < (8u << 20)) << row[0] << events.substr(0, 200);
     }
   }
@@ -232,16 +256,6 @@ TEST(Reader, LetsExceptionsThroughAndCanBeUsedAgain) {
   }
 }
 
-// The error of a document, "" for a good one; `events` receives what was reported before it.
-std::string Error(const std::string& document, std::string* events = nullptr) {
-  Reader reader;
-  EventLog log(reader);
-  const bool isGood = reader.ParseBuffer(document, "s", log);
-  EXPECT_THAT(log.mEvents, ::testing::EndsWith("$"));
-  if (events != nullptr) *events = log.mEvents;
-  return ErrorText(isGood, reader);
-}
-
 TEST(ReaderErrors, NameThePlace) {  // line, and what was reported before, unless that is open
   for (const Row& row : Rows(R"(
       <r>\n <s></r> => 2 => <r>'\n '<s> ;; <r>\n\n</s> => 3 => <r>'\n\n' ;; <r/><s/> => 1 => <r></r> ;; text => 1
@@ -260,19 +274,18 @@ TEST(ReaderErrors, NameThePlace) {  // line, and what was reported before, unles
       <!DOCTYPE r SYSTEM 'http://localhost/x'>\n<r a='&e;'/> => 2 => ?
       <!DOCTYPE r [<!ENTITY a '&b;'><!ENTITY b '&a;'>]>\n<r>&a;</r> => 2 => <r>
       <!DOCTYPE r [<!ENTITY a '</r>'>]>\n<r>&a; => 2 => <r>)")) {
-    std::string events;
-    const std::string error = Error(row[0], &events);
+    const auto [events, places, error] = ParseAll(row[0]);
     EXPECT_THAT(error, StartsWith(row[1] == "?" ? "s:" : "s:" + row[1] + ":")) << row[0];
-    EXPECT_TRUE(row[2] == "?" || events == "^" + row[2] + "$") << row[0] << events;
+    EXPECT_TRUE(row[2] == "?" || events == "^" + row[2] + "$" + error) << row[0] << events;
   }
-  EXPECT_EQ(Error("<!DOCTYPE r SYSTEM 'file:///dev/zero'><r/>"), "");
+  EXPECT_EQ(ParseAll("<!DOCTYPE r SYSTEM 'file:///dev/zero'><r/>").mError, "");
 }
 
 TEST(ReaderErrors, NoPrefixOfADocumentIsGood) {
   const std::string document =
       "<?xml version='1.0'?>\n<!DOCTYPE r [<!ENTITY e 'x'>]>\n<r a='é'>\n<!--c-->té𝄞xt&e;&#233;\n"
       "<![CDATA[d]]><?p i?><b\n/></r>";
-  ASSERT_EQ(Error(document), "");
+  ASSERT_EQ(ParseAll(document).mError, "");
   for (std::size_t length = 0; length < document.size(); ++length) {
     const std::string prefix = document.substr(0, length);
     Reader reader;
@@ -303,7 +316,7 @@ std::string Bomb(int levels, const std::string& seed, const std::string& root) {
 }
 
 TEST(ReaderErrors, ExpansionIsLimited) {
-  EXPECT_EQ(Error(Bomb(2, "x", "<r a='&e2;'>&e2;</r>")), "");
+  EXPECT_EQ(ParseAll(Bomb(2, "x", "<r a='&e2;'>&e2;</r>")).mError, "");
   const std::string large(100'000, 'x');
   const std::string bombs[] = {Bomb(9, "lol", "<r>&e9;</r>"), Bomb(9, "", "<r a='&e9;'/>"),
                                Bomb(9, "<b/>", "<r>&e9;</r>"),
@@ -318,12 +331,11 @@ TEST(ReaderErrors, ExpansionIsLimited) {
 
 TEST(ReaderErrors, DepthIsLimited) {
   const auto nested = [](int depth) { return Repeated("<a>", depth) + Repeated("</a>", depth); };
-  EXPECT_EQ(Error(nested(10'000)), "");
-  std::string events;
-  EXPECT_THAT(Error("\n" + nested(10'001), &events), StartsWith("s:2:30001: "));
-  EXPECT_EQ(events, "^" + Repeated("<a>", 10'000) + "$");
+  EXPECT_EQ(ParseAll(nested(10'000)).mError, "");
+  EXPECT_THAT(ParseAll("\n" + nested(10'001)).mEvents,
+              StartsWith("^" + Repeated("<a>", 10'000) + "$s:2:30001: "));
   const std::string entity = "<!DOCTYPE r [<!ENTITY e '" + nested(100) + "'>]>";
-  EXPECT_NE(Error(entity + Repeated("<a>", 9'950) + "&e;" + Repeated("</a>", 9'950)), "");
+  EXPECT_NE(ParseAll(entity + Repeated("<a>", 9'950) + "&e;" + Repeated("</a>", 9'950)).mError, "");
 }
 
 TEST(ReaderErrors, AttributesAreLimited) {
@@ -336,16 +348,17 @@ TEST(ReaderErrors, AttributesAreLimited) {
     return "<!DOCTYPE r [<!ATTLIST b " + numbered("a", count, " CDATA '' ") + ">]>";
   };
   constexpr int kMost = 10'000;
-  EXPECT_EQ(Error("<r" + numbered(" a", kMost, "=''") + "/>"), "");
-  EXPECT_EQ(Error(defaults(kMost) + "<r><b/></r>"), "");
-  EXPECT_EQ(Error("<r" + numbered(" xmlns:n", kMost, "='u'") + "/>"), "");
+  EXPECT_EQ(ParseAll("<r" + numbered(" a", kMost, "=''") + "/>").mError, "");
+  EXPECT_EQ(ParseAll(defaults(kMost) + "<r><b/></r>").mError, "");
+  EXPECT_EQ(ParseAll("<r" + numbered(" xmlns:n", kMost, "='u'") + "/>").mError, "");
   for (const std::string& document :
        {"<r" + numbered(" a", kMost + 1, "=''") + "/>",  // in a tag
         "<r" + numbered(" a", 1'000'000, "=''") + "/>",  // which takes long to its end
         defaults(kMost + 1) + "<r/>",                    // declared
         "<r" + numbered(" xmlns:a", kMost, "='u'") + "><b xmlns='u'/></r>",
         defaults(kMost) + "<r>" + Repeated("<b/>", 100) + "</r>"}) {
-    EXPECT_THAT(Error(document), ::testing::ContainsRegex("more than 10000|default attributes"))
+    EXPECT_THAT(ParseAll(document).mError,
+                ::testing::ContainsRegex("more than 10000|default attributes"))
         << document.substr(0, 60);
   }
 }
@@ -353,17 +366,15 @@ TEST(ReaderErrors, AttributesAreLimited) {
 TEST(ReaderErrors, FilesThatCannotBeRead) {
   const ScratchFolder folder;
   const std::string path = folder.Write("bäd𝄞", "<r>").parent_path().string();
-  for (const char* name : {"/missing", "/", "/bäd𝄞", "/bäd𝄞/below"}) {
+  folder.Write("good", "<r>é</r>");
+  for (const std::string name : {"/missing", "/", "/bäd𝄞", "/bäd𝄞/below", "/good"}) {
     Reader reader;
     EventLog log(reader);
-    EXPECT_THAT(ErrorText(reader.ParseFile(path + name, log), reader),
-                StartsWith(path + name + ":1:"));
-    EXPECT_FALSE(reader.Error().mReason.empty()) << name;
+    const std::string error = ErrorText(reader.ParseFile(path + name, log), reader);
+    EXPECT_EQ(error.starts_with(path + name + ":1:"), name != "/good") << error;
+    EXPECT_EQ(reader.Error().mReason.empty(), name == "/good") << name;
+    EXPECT_EQ(log.mEvents == "^<r>'é'</r>$", name == "/good") << log.mEvents;
   }
-  Reader reader;
-  EventLog log(reader);
-  EXPECT_TRUE(reader.ParseFile(folder.Write("good", "<r>é</r>"), log));
-  EXPECT_EQ(log.mEvents, "^<r>'é'</r>$");
 }
 
 }  // namespace

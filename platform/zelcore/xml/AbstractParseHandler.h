@@ -37,7 +37,9 @@ class ZELPLATFORM_API AbstractParseHandler {
                             const std::map<UTF16String, UTF16String>& /*attributes*/) {}
 
   // A start tag with its namespace resolved: namespace URI, local name, qualified name, attributes
-  // (without namespace declarations) in document order.
+  // (without namespace declarations) in document order. Called right after StartElement, for a
+  // handler that wants namespaces. The URI is empty for a name in no namespace, and for a prefix
+  // that no declaration in force names: such a document is well-formed, and the handler decides.
   virtual void StartElementWithNamespace(const UTF16String& /*namespaceURI*/,
                                          const UTF16String& /*localName*/,
                                          const UTF16String& /*qualifiedName*/,
@@ -46,7 +48,8 @@ class ZELPLATFORM_API AbstractParseHandler {
   // The end tag of the element whose qualified name is `name`.
   virtual void EndElement(const UTF16String& /*name*/) {}
 
-  // The end tag with its namespace resolved: namespace URI, local name, qualified name.
+  // The end tag with its namespace resolved: namespace URI, local name, qualified name. Called
+  // right after EndElement, for a handler that wants namespaces.
   virtual void EndElementWithNamespace(const UTF16String& /*namespaceURI*/,
                                        const UTF16String& /*localName*/,
                                        const UTF16String& /*qualifiedName*/) {}
@@ -66,10 +69,15 @@ class ZELPLATFORM_API AbstractParseHandler {
   virtual void EndDocument() {}
 
   // A namespace declaration comes into force before the start tag that carries it (an empty prefix
-  // is the default namespace) and ends after the matching end tag.
+  // is the default namespace, an empty URI takes it back) and ends after the matching end tag; of
+  // several on one tag the last declared ends first. For a handler that wants namespaces.
   virtual void StartPrefixMapping(const UTF16String& /*prefix*/,
                                   const UTF16String& /*namespaceURI*/) {}
   virtual void EndPrefixMapping(const UTF16String& /*prefix*/) {}
+
+  // Whether a reader calls the four namespace-aware callbacks, too, besides the plain ones. Asked
+  // once per document, in front of StartDocument.
+  virtual bool WantsNamespaces() const { return false; }
 };
 
 }  // namespace zelcore::xml

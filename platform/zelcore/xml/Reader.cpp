@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <span>
 #include <system_error>
 #include <unordered_map>
@@ -111,6 +112,53 @@ class AttributeMaps {
   AttributeMap mOversize;  // so that the others do not hold on to the memory of a few huge tags
 };
 
+// Makes the namespace-aware calls, for the handlers that want them.
+class NamespaceCalls {
+ public:
+  explicit NamespaceCalls(AbstractParseHandler& handler) : mHandler(handler) {}
+
+  void StartMappings(std::span<const NamespaceView> declarations) {
+    std::vector<UTF16String>& prefixes = mOpenElements.emplace_back().mPrefixes;
+    for (const NamespaceView& declaration : declarations) {
+      prefixes.push_back(utility::UTF8to16(declaration.mPrefix));
+      mHandler.StartPrefixMapping(prefixes.back(), utility::UTF8to16(declaration.mURI));
+    }
+  }
+
+  void StartElement(const NameView& name, std::span<const AttributeView> attributes,
+                    NameTable& names) {
+    OpenElement& element = mOpenElements.back();
+    element.mURI = utility::UTF8to16(name.mURI);
+    element.mLocalName = utility::UTF8to16(name.mLocalName);
+    std::vector<Attribute> converted;
+    for (const auto& [attribute, value] : attributes) {
+      converted.push_back({utility::UTF8to16(attribute.mURI),
+                           utility::UTF8to16(attribute.mLocalName), names.QualifiedName(attribute),
+                           utility::UTF8to16(value)});
+    }
+    mHandler.StartElementWithNamespace(element.mURI, element.mLocalName, names.QualifiedName(name),
+                                       converted);
+  }
+
+  void EndElement(const UTF16String& qualifiedName) {
+    const OpenElement element = std::move(mOpenElements.back());
+    mOpenElements.pop_back();
+    mHandler.EndElementWithNamespace(element.mURI, element.mLocalName, qualifiedName);
+    std::for_each(element.mPrefixes.rbegin(), element.mPrefixes.rend(),
+                  [this](const UTF16String& prefix) { mHandler.EndPrefixMapping(prefix); });
+  }
+
+ private:
+  struct OpenElement {
+    UTF16String mURI;
+    UTF16String mLocalName;
+    std::vector<UTF16String> mPrefixes;  // that it declares
+  };
+
+  AbstractParseHandler& mHandler;
+  std::vector<OpenElement> mOpenElements;
+};
+
 // A run of text is joined before it is handed on, up to this many code units.
 constexpr std::size_t kLongestText = 65'536;
 
@@ -119,7 +167,9 @@ constexpr std::size_t kLongestText = 65'536;
 // Turns the driver's UTF-8 events into the handler's.
 class Reader::Adapter final : public SAXEvents {
  public:
-  explicit Adapter(AbstractParseHandler& handler) : mHandler(handler), mDriver(*this) {}
+  explicit Adapter(AbstractParseHandler& handler) : mHandler(handler), mDriver(*this) {
+    if (handler.WantsNamespaces()) mNamespaceCalls.emplace(handler);
+  }
 
   SAXDriver& Driver() { return mDriver; }
 
@@ -127,13 +177,16 @@ class Reader::Adapter final : public SAXEvents {
                     std::span<const AttributeView> attributes) override {
     FlushText();
     mOpenNames.push_back(&mNames.QualifiedName(name));
-    if (!declarations.empty()) attributes = Join(declarations, attributes);
-    mHandler.StartElement(*mOpenNames.back(), mMaps.Fill(name, attributes, mNames));
+    if (mNamespaceCalls) mNamespaceCalls->StartMappings(declarations);
+    const auto all = declarations.empty() ? attributes : Join(declarations, attributes);
+    mHandler.StartElement(*mOpenNames.back(), mMaps.Fill(name, all, mNames));
+    if (mNamespaceCalls) mNamespaceCalls->StartElement(name, attributes, mNames);
   }
 
   void EndElement() override {
     FlushText();
     mHandler.EndElement(*mOpenNames.back());
+    if (mNamespaceCalls) mNamespaceCalls->EndElement(*mOpenNames.back());
     mOpenNames.pop_back();
   }
 
@@ -181,6 +234,7 @@ class Reader::Adapter final : public SAXEvents {
 
   AbstractParseHandler& mHandler;
   SAXDriver mDriver;
+  std::optional<NamespaceCalls> mNamespaceCalls;
   NameTable mNames;
   std::vector<const UTF16String*> mOpenNames;  // of the open elements, in mNames
   AttributeMaps mMaps;

@@ -19,7 +19,8 @@ struct ReadError {
 };
 
 // Reads an XML document and reports it to a handler through the plain callbacks: StartDocument,
-// StartElement, EndElement, Characters, StartCDATA, EndCDATA, Comment, EndDocument.
+// StartElement, EndElement, Characters, StartCDATA, EndCDATA, Comment, EndDocument. A handler whose
+// WantsNamespaces says so also gets the namespace-aware ones.
 //
 // Understood: XML 1.0 in UTF-8, UTF-16 with a byte-order mark, and the encodings that the XML
 // declaration may name. Nothing outside the given document is ever opened. Refused: what is not

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <string_view>
+
+#include <zelcore/xml/AbstractParseHandler.h>
+
+// Reads the XML that this host exchanges: UTF-8, elements, attributes, comments, the predefined
+// entities; no DOCTYPE and no CDATA section. Returns whether all of the document was that.
+bool ReadDocument(std::string_view document, zelcore::xml::AbstractParseHandler& handler);

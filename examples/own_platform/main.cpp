@@ -1,0 +1,43 @@
+// A host with a platform of its own: reads a story, writes its first scene into a clip's metadata,
+// and prints the metadata and the paths that changed.
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include <zelstoryparser/zelstoryparser.h>
+
+#include "TinyReader.h"
+
+int main(int argc, char** argv) {
+  std::ifstream file(argc == 2 ? argv[1] : "", std::ios::binary);
+  const std::string document{std::istreambuf_iterator<char>(file), {}};
+  zelstoryparser::StoryParser parser;
+  const bool isGood = ReadDocument(document, parser);
+  const auto story = parser.GetStory();
+  if (!isGood || parser.IsParseError() || !story) return 1;
+
+  const auto body = story->mDocument ? story->mDocument->mBodyStream : nullptr;
+  if (!body || !body->mSection || body->mSection->mScenes.empty()) return 1;
+  const auto& scenes = body->mSection->mScenes;
+  TXMPMeta<std::string> clip;
+  std::vector<zelmetadata::Path> changed;
+  // Another scene first: what the next one replaces, it replaces as a whole.
+  for (const auto& scene : {scenes.back(), scenes.front()}) {
+    changed.clear();
+    const auto error = zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, changed);
+    if (!error.empty()) return 1;
+  }
+
+  std::string properties;
+  clip.SerializeToBuffer(&properties);
+  std::cout << properties;
+  for (const auto& path : changed) std::cout << "changed " << path.AsString() << '\n';
+  std::vector<zelstoryparser::ShotXMP> shots;
+  zelstoryparser::GetSceneXMP(story, scenes.front(), 1, shots);
+  for (const auto& shot : shots) {
+    std::cout << "shot " << zelcore::utility::UTF16to8(shot.mShotID).c_str() << '\n'
+              << shot.mXMPPacket;
+  }
+  zelstoryparser::ClearSceneMetadataFromXMP(clip, changed);
+  std::cout << (zelstoryparser::HasAnyStoryRelatedMetadata(clip) ? "not cleared\n" : "cleared\n");
+}
