@@ -42,7 +42,9 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS libraries)
 set(CPACK_COMPONENT_TOOL_DEPENDS libraries)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost-dev (>= 1.74), libxml2-dev")
+# libxml2-dev leaves out what pkg-config --static links of it.
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "libboost-dev (>= 1.74), libxml2-dev, zlib1g-dev, liblzma-dev")
 if(ZELSTORY_LIBRARY_MIMALLOC)
   string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libmimalloc-dev")
 endif()

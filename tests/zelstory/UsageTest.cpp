@@ -1,6 +1,3 @@
-#include <cstdlib>
-#include <filesystem>
-
 #include <gmock/gmock.h>
 
 #include "zelstory/Scratch.h"
@@ -58,35 +55,6 @@ TEST_F(UsageTest, HelpAndVersionAreResults) {
   EXPECT_THAT(Process("sh", {"-c", "\"$0\" --help >/dev/full", ZELSTORY_TOOL}).mErrors,
               HasSubstr("standard output: error: writing failed"));
   EXPECT_THAT(Tool({"--version"}).mOutput, testing::MatchesRegex("zelstory [0-9.]+\n"));
-}
-
-// Commands stand behind "$ ", what they print below; "..." leaves out the rest.
-TEST_F(UsageTest, TheReadmesTourWorksAsTyped) {
-  std::filesystem::create_symlink(ZELSTORY_EXAMPLES_DIR, File("examples"));
-  const std::string path =
-      std::filesystem::path(ZELSTORY_TOOL).parent_path().string() + ":" + std::getenv("PATH");
-  std::string command, expected;
-  int commands = 0;
-  const auto run = [&] {
-    if (command.empty()) return;
-    const Outcome outcome = Process("env", {"PATH=" + path, "sh", "-c", command});
-    ++commands;
-    const std::size_t rest = expected.find("...\n");
-    EXPECT_EQ(outcome.mStatus, 0) << command << outcome.mErrors;
-    EXPECT_EQ(outcome.mOutput.substr(0, rest), expected.substr(0, rest)) << command;
-    command.clear();
-  };
-  for (const std::string& line : Lines(ReadBytes(ZELSTORY_EXAMPLES_DIR "/../README.md"))) {
-    const bool isCommand = line.starts_with("    $ ");
-    if (isCommand || !line.starts_with("    ")) {
-      run();
-      expected.clear();
-      if (isCommand) command = line.substr(6);
-    } else {
-      expected += line.substr(4) + '\n';
-    }
-  }
-  EXPECT_GE(commands, 6);
 }
 
 TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
