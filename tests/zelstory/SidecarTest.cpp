@@ -189,6 +189,10 @@ TEST_F(SidecarTest, ASidecarIsFoundAndSharedAsPeopleNameIt) {
   EXPECT_EQ(Tool({"has", "D/b.mov.Xmp"}).mOutput, "no\n");
   EXPECT_EQ(Tool({"has", "D/c.wav", "--sidecar-name", "stem"}).mOutput, "yes\n");
   EXPECT_EQ(Tool({"has", "D/c.wav", "--sidecar-name", "full"}).mOutput, "no\n");
+  Tool({"clear", "D/c.mov", "--sidecar-name", "full"});
+  Write("D/c.mov.xmp", Tool({"clear", "-"}, Read("D/c.xmp")).mOutput);
+  EXPECT_EQ(Tool({"has", "D/c.mov", "--sidecar-name", "stem"}).mOutput, "yes\n");
+  EXPECT_EQ(Tool({"has", "D/c.mov", "--sidecar-name", "full"}).mOutput, "no\n");
   Write("t.csv", "clip,position\nD/c.mov,1\nD/c.wav,1\n");
   EXPECT_THAT(Tool({"tag", Story(), "--table", "t.csv", "--sidecar-name", "stem"}).mOutput,
               "D/c.mov: unchanged\nD/c.wav: unchanged\n");

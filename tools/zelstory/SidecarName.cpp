@@ -112,13 +112,16 @@ std::string SidecarOfClip(const fs::path& clip, std::optional<SidecarForm> form,
                           WhenAbsent whenAbsent) {
   std::vector<std::string> found;
   AddSidecarsOf(clip.string(), found);
-  const bool hasFull = !found.empty();
+  const std::size_t full = found.size();
   AddSidecarsOf(fs::path(clip).replace_extension().string(), found);
+  const std::size_t stem = found.size() - full;
+  if (form == SidecarForm::kFull && full == 1) return found.front();
+  if (form == SidecarForm::kStem && stem == 1) return found.back();
   if (found.size() > 1) {
-    throw ToolError(clip.string(),
-                    "has two sidecars, " + found[0] + " and " + found[1] + "; name one of them");
+    throw ToolError(clip.string(), "has two sidecars, " + found[0] + " and " + found[1] +
+                                       "; name one of them, or its form after --sidecar-name");
   }
-  if (hasFull) return found.front();
+  if (full == 1) return found.front();
   return found.empty() ? NewSidecar(clip, form, whenAbsent)
                        : SharedSidecar(clip, found.front(), form);
 }

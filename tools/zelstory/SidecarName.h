@@ -20,10 +20,10 @@ enum class WhenAbsent {
 
 // The sidecar that a command line means: a name that ends in .xmp, in any letter case, or "-", is
 // the sidecar itself; any other is a clip, whose sidecar is the one that exists, or, to be created,
-// has the given form. Without a form a new one is kFull, and one that another clip may share is
-// refused; kStem shares it, kFull leaves it to the other clip. Throws ToolError when there is
-// neither clip nor sidecar, when the clip is not a file or has several sidecars, and, with kRefuse,
-// when it has none.
+// has the given form. Of several, the form decides. Without a form a new one is kFull, and one that
+// another clip may share is refused; kStem shares it, kFull leaves it to the other clip. Throws
+// ToolError when there is neither clip nor sidecar, when the clip is not a file or has several
+// sidecars, and, with kRefuse, when it has none.
 std::string FindSidecar(const std::string& clipOrSidecar, std::optional<SidecarForm> form,
                         WhenAbsent whenAbsent);
 
