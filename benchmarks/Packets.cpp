@@ -10,10 +10,6 @@
 #include <zelstoryparser/zelstoryparser.h>
 
 #include "StoryGenerator.h"
-#include "scenexmp/SceneHeading.h"
-#include "scenexmp/SceneText.h"
-#include "scenexmp/ShotProperties.h"
-#include "scenexmp/Vocabulary.h"
 
 namespace {
 
@@ -46,28 +42,25 @@ void PacketTexts(benchmark::State& state) {
   for (auto _ : state) {
     for (const auto& scene : Scenes()) {
       const SceneText text = CollectSceneText(*scene);
-      UTF16String setting, location, timeOfDay;
-      ParseSceneHeading(text.mHeading, setting, location, timeOfDay);
-      for (const UTF16String& value : {setting, location, timeOfDay, text.mAction}) {
-        benchmark::DoNotOptimize(ToolkitValue(value));
+      for (const UTF16String* value :
+           {&text.mSetting, &text.mLocation, &text.mTimeOfDay, &text.mAction}) {
+        benchmark::DoNotOptimize(zelcore::utility::UTF16to8(*value));
       }
       for (const auto& [character, dialog] : text.mPairs) {
-        benchmark::DoNotOptimize(ToolkitValue(character));
-        benchmark::DoNotOptimize(ToolkitValue(dialog));
+        benchmark::DoNotOptimize(zelcore::utility::UTF16to8(character));
+        benchmark::DoNotOptimize(zelcore::utility::UTF16to8(dialog));
       }
     }
   }
 }
 
 void Append(pugi::xml_node parent, const char* name, const UTF16String& text) {
-  if (!text.empty()) parent.append_child(name).text().set(ToolkitValue(text).c_str());
+  if (!text.empty()) parent.append_child(name).text().set(zelcore::utility::UTF16to8(text).c_str());
 }
 
 // The same metadata as GetSceneXMP's, and the same room for later changes behind it.
 std::string PugixmlPacket(const Scene& scene) {
   const SceneText text = CollectSceneText(scene);
-  UTF16String setting, location, timeOfDay;
-  ParseSceneHeading(text.mHeading, setting, location, timeOfDay);
   pugi::xml_document document;
   pugi::xml_node meta = document.append_child("x:xmpmeta");
   meta.append_attribute("xmlns:x") = "adobe:ns:meta/";
@@ -77,11 +70,12 @@ std::string PugixmlPacket(const Scene& scene) {
   properties.append_attribute("rdf:about") = "";
   properties.append_attribute("xmlns:xmpScript") = zelmetadata::kScriptSchemaURI;
   properties.append_attribute("xmlns:xmpDM") = zelmetadata::kDynamicMediaSchemaURI;
-  Append(properties, "xmpScript:sceneSetting", setting);
-  Append(properties, "xmpDM:shotLocation", location);
-  Append(properties, "xmpScript:sceneTimeOfDay", timeOfDay);
+  Append(properties, "xmpScript:sceneSetting", text.mSetting);
+  Append(properties, "xmpDM:shotLocation", text.mLocation);
+  Append(properties, "xmpScript:sceneTimeOfDay", text.mTimeOfDay);
   UTF16String name;
-  for (const UTF16String& part : {setting, location, timeOfDay, scene.mSceneNumber}) {
+  for (const UTF16String& part :
+       {text.mSetting, text.mLocation, text.mTimeOfDay, scene.mSceneNumber}) {
     if (!part.empty() && !name.empty()) name += u" - ";
     name += part;
   }

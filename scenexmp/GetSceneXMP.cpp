@@ -73,7 +73,7 @@ void BuildShotXMP(const UTF16String& shotID, const UTF16String& sceneNumber,
 bool GetSceneXMP(boost::intrusive_ptr<TavroStory> /*story*/, boost::intrusive_ptr<Scene> scene,
                  std::int32_t sceneOrdinal, std::vector<ShotXMP>& shots) {
   RegisterStoryNamespaces();
-  const SceneText text = CollectSceneText(*scene);
+  const SceneText text = GatherParagraphs(*scene);
   BuildShotXMP(ShotID(*scene), SceneNumber(*scene, sceneOrdinal), scene->mShotDuration,
                text.mHeading, text.mAction, text.mPairs, shots);
   return true;

@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "scenexmp/SceneHeading.h"
+#include "scenexmp/ShotProperties.h"
+
 namespace zelstoryparser {
 
 void AppendParagraphText(boost::intrusive_ptr<Paragraph> paragraph, UTF16String& text) {
@@ -19,7 +22,7 @@ void CloseCharacterDialogPair(UTF16String& character, UTF16String& dialog,
   dialog.clear();
 }
 
-SceneText CollectSceneText(const Scene& scene) {
+SceneText GatherParagraphs(const Scene& scene) {
   SceneText text;
   UTF16String character;
   UTF16String dialog;
@@ -45,6 +48,15 @@ SceneText CollectSceneText(const Scene& scene) {
     }
   }
   CloseCharacterDialogPair(character, dialog, text.mPairs);
+  return text;
+}
+
+SceneText CollectSceneText(const Scene& scene) {
+  SceneText text = GatherParagraphs(scene);
+  if (!text.mHeading.empty()) {
+    ParseSceneHeading(text.mHeading, text.mSetting, text.mLocation, text.mTimeOfDay);
+  }
+  text.mDuration = ReadShotDuration(scene.mShotDuration);
   return text;
 }
 

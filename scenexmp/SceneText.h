@@ -1,29 +1,15 @@
 #pragma once
 
-#include <utility>
-#include <vector>
-
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <zelcore/String.h>
+#include <zelstoryparser/SceneText.h>
 #include <zelstoryparser/StoryTree.h>
 
 namespace zelstoryparser {
 
-// A character's name and the dialogue that the character speaks.
-using CharacterDialogPair = std::pair<UTF16String, UTF16String>;
-using CharacterDialogPairs = std::vector<CharacterDialogPair>;  // in script order
-
-// What a scene says.
-struct SceneText {
-  UTF16String mHeading;  // of its last heading paragraph
-  UTF16String mAction;   // all action paragraphs, joined by two spaces
-  CharacterDialogPairs mPairs;
-};
-
-// Gathers a scene's text. Null paragraphs are skipped; shots, parentheticals, transitions and
-// unknown paragraphs say nothing.
-SceneText CollectSceneText(const Scene& scene);
+// CollectSceneText without the heading's parts and the duration.
+SceneText GatherParagraphs(const Scene& scene);
 
 // Appends the text of a paragraph's runs, after two spaces when something stands there already
 // (also for a paragraph without runs). The paragraph must not be null; a null run is skipped.

@@ -19,7 +19,7 @@ std::int32_t ReadNumber(UTF16String text) {
   return stream >> number ? number : 0;
 }
 
-DurationFields ReadDuration(const UTF16String& text) {
+DurationFields ReadFields(const UTF16String& text) {
   DurationFields fields{};
   StringTokenizer pieces(text, u":", false);
   for (std::int32_t& field : fields) {
@@ -27,11 +27,6 @@ DurationFields ReadDuration(const UTF16String& text) {
     field = ReadNumber(pieces.NextToken());
   }
   return fields;
-}
-
-// In 64 bits, where no three fields can overflow.
-std::int64_t TotalSeconds(const DurationFields& fields) {
-  return (std::int64_t{fields[0]} * 60 + fields[1]) * 60 + fields[2];
 }
 
 void SetDurationField(const StoryProperty& field, const std::string& value,
@@ -52,15 +47,22 @@ bool WriteShotNameProperty(const UTF16String& shotName, TXMPMeta<std::string>& x
   return ToolkitAccepts([&] { SetUnlessEmpty(kShotName, shotName, xmp); });
 }
 
-bool WriteShotDurationProperty(const UTF16String& duration, TXMPMeta<std::string>& xmp) {
-  if (duration.empty()) return true;
-  const DurationFields fields = ReadDuration(duration);
+std::optional<std::int64_t> ReadShotDuration(const UTF16String& duration) {
+  if (duration.empty()) return std::nullopt;
+  const DurationFields fields = ReadFields(duration);
   if (std::all_of(fields.begin(), fields.end(), [](std::int32_t field) { return field == 0; })) {
-    return true;
+    return std::nullopt;
   }
+  // In 64 bits, where no three fields can overflow.
+  return (std::int64_t{fields[0]} * 60 + fields[1]) * 60 + fields[2];
+}
+
+bool WriteShotDurationProperty(const UTF16String& duration, TXMPMeta<std::string>& xmp) {
+  const std::optional<std::int64_t> seconds = ReadShotDuration(duration);
+  if (!seconds) return true;
   return ToolkitAccepts([&] {
     SetDurationField(kScaleField, "1/1", xmp);
-    SetDurationField(kValueField, std::to_string(TotalSeconds(fields)), xmp);
+    SetDurationField(kValueField, std::to_string(*seconds), xmp);
   });
 }
 

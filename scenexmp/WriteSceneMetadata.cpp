@@ -30,7 +30,7 @@ bool ReplaceDialog(const CharacterDialogPairs& pairs, TXMPMeta<std::string>& xmp
 UTF16String WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, TXMPMeta<std::string>& xmp,
                                       std::vector<zelmetadata::Path>& changedPaths) {
   RegisterStoryNamespaces();
-  const SceneText text = CollectSceneText(*scene);
+  const SceneText text = GatherParagraphs(*scene);
 
   if (!text.mHeading.empty()) {
     if (!WriteHeading(text.mHeading, xmp)) {

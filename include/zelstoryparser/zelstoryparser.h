@@ -3,6 +3,7 @@
 // The whole public interface of zelstoryparser: screenplays into the metadata of clips.
 
 #include <zelstoryparser/ObjectID.h>
+#include <zelstoryparser/SceneText.h>
 #include <zelstoryparser/SceneXMP.h>
 #include <zelstoryparser/StoryParser.h>
 #include <zelstoryparser/StoryTree.h>

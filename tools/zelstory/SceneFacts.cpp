@@ -5,9 +5,7 @@
 #include <map>
 #include <sstream>
 
-#include <xmptoolkit/XMP.h>
-#include <zelmetadata/Path.h>
-#include <zelstoryparser/SceneXMP.h>
+#include <zelstoryparser/SceneText.h>
 
 #include "Console.h"
 #include "StoryFile.h"
@@ -17,26 +15,6 @@ namespace {
 
 using zelstoryparser::Paragraph;
 using zelstoryparser::Scene;
-
-constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
-constexpr const char* kMedia = zelmetadata::kDynamicMediaSchemaURI;
-
-std::string Value(const TXMPMeta<std::string>& xmp, const char* schema, const std::string& path) {
-  std::string value;
-  xmp.GetProperty(schema, path.c_str(), &value, nullptr);
-  return value;
-}
-
-// A packet is only made of a scene that says something and whose first paragraph has an identifier.
-boost::intrusive_ptr<Scene> WithPacket(const Scene& scene) {
-  boost::intrusive_ptr<Scene> copy(new Scene(scene));
-  boost::intrusive_ptr<Paragraph> action(new Paragraph);
-  action->mObjectID = zelstoryparser::ObjectID(u"any");
-  action->mElementType = zelstoryparser::kAction;
-  action->mTextRuns.emplace_back(new zelstoryparser::TextRun)->mText = u"any";
-  copy->mParagraphs.insert(copy->mParagraphs.begin(), action);
-  return copy;
-}
 
 // The name without what stands in brackets behind it: "(O.S.)", "(V.O.) (CONT'D)".
 std::string PersonOf(std::string name) {
@@ -50,23 +28,16 @@ std::string PersonOf(std::string name) {
 }
 
 SceneFacts FactsOf(const Scene& scene, std::size_t position) {
-  std::vector<zelstoryparser::ShotXMP> shots;
-  zelstoryparser::GetSceneXMP(nullptr, WithPacket(scene), 1, shots);
-  const std::string& packet = shots.at(0).mXMPPacket;
-  const TXMPMeta<std::string> xmp(packet.data(), static_cast<XMP_StringLen>(packet.size()));
+  const zelstoryparser::SceneText text = zelstoryparser::CollectSceneText(scene);
   SceneFacts facts;
   facts.mPosition = position;
   facts.mNumber = ToUTF8(scene.mSceneNumber);
-  facts.mSetting = Value(xmp, kScript, "sceneSetting");
-  facts.mLocation = Value(xmp, kMedia, "shotLocation");
-  facts.mTimeOfDay = Value(xmp, kScript, "sceneTimeOfDay");
-  const std::string seconds = Value(xmp, kMedia, "duration/xmpDM:value");
-  if (!seconds.empty()) facts.mSeconds = std::stoll(seconds);
-  const XMP_Index count = xmp.CountArrayItems(kScript, "dialogSequence");
-  for (XMP_Index i = 1; i <= count; ++i) {
-    const std::string item = "dialogSequence[" + std::to_string(i) + "]/xmpScript:";
-    facts.mSpeeches.push_back({PersonOf(Value(xmp, kScript, item + "character")),
-                               CountWords(Value(xmp, kScript, item + "dialog"))});
+  facts.mSetting = ToUTF8(text.mSetting);
+  facts.mLocation = ToUTF8(text.mLocation);
+  facts.mTimeOfDay = ToUTF8(text.mTimeOfDay);
+  facts.mSeconds = text.mDuration;
+  for (const auto& [character, dialog] : text.mPairs) {
+    facts.mSpeeches.push_back({PersonOf(ToUTF8(character)), CountWords(ToUTF8(dialog))});
   }
   for (const auto& paragraph : scene.mParagraphs) facts.mWords += CountWords(TextOf(*paragraph));
   return facts;
