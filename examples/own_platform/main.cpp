@@ -38,6 +38,6 @@ int main(int argc, char** argv) {
     std::cout << "shot " << zelcore::utility::UTF16to8(shot.mShotID).c_str() << '\n'
               << shot.mXMPPacket;
   }
-  zelstoryparser::ClearSceneMetadataFromXMP(clip, changed);
+  if (!zelstoryparser::ClearSceneMetadataFromXMP(clip, changed).empty()) return 1;
   std::cout << (zelstoryparser::HasAnyStoryRelatedMetadata(clip) ? "not cleared\n" : "cleared\n");
 }

@@ -43,7 +43,7 @@ namespace zelstoryparser {
 // touched, the refused one may be done in part and is not reported. Throws XMP_Error when the
 // namespaces cannot be registered (nothing is written) or the sequence is no array (heading and
 // action are written and reported).
-ZELSTORYPARSER_API UTF16String
+[[nodiscard]] ZELSTORYPARSER_API UTF16String
 WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, TXMPMeta<std::string>& xmp,
                           std::vector<zelmetadata::Path>& changedPaths);
 
@@ -54,7 +54,7 @@ WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, TXMPMeta<std::strin
 // Returns an empty text, or the localised text of the step that the toolkit refused; the steps
 // before it are done and reported. Throws XMP_Error when the namespaces cannot be registered
 // (nothing is removed) or the sequence is no array (heading and action are removed and reported).
-ZELSTORYPARSER_API UTF16String
+[[nodiscard]] ZELSTORYPARSER_API UTF16String
 ClearSceneMetadataFromXMP(TXMPMeta<std::string>& xmp, std::vector<zelmetadata::Path>& changedPaths);
 
 // Whether any of these properties holds a text: a simple one that is not empty, or an item of the

@@ -104,7 +104,7 @@ TEST_F(Allocations, OperationsPassTheFailureOnAndLeaveNothing) {
   std::vector<ShotXMP> shots;
   UTF16String text;
   const std::vector<Operation> operations = {
-      {"clear", [&](Packet& p, Paths& l) { ClearSceneMetadataFromXMP(p, l); }},
+      {"clear", [&](Packet& p, Paths& l) { (void)ClearSceneMetadataFromXMP(p, l); }},
       {"has", [&](Packet& p, Paths&) { HasAnyStoryRelatedMetadata(p); }},
       {"shot", [&](Packet&, Paths&) { GetSceneXMP(story, scene, 1, shots); }},
       {"dump", [&](Packet&, Paths&) { TraverseStory(story, text); }},

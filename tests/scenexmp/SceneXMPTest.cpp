@@ -157,7 +157,8 @@ TEST_F(SceneXMP, FailedAllocationsLeaveNothingBehind) {
     EXPECT_EQ(Utf8(WriteSceneMetadataIntoXMP(scene, packet, paths)), "");
     EXPECT_EQ(PathsText(paths), " " + PathsOf("H A 2"));
   };
-  FailEachAllocation([&] { start(), WriteSceneMetadataIntoXMP(scene, packet, paths); }, check);
+  FailEachAllocation([&] { start(), (void)WriteSceneMetadataIntoXMP(scene, packet, paths); },
+                     check);
 }
 
 // setting|location|time of day, of outputs that held `initial` before.
