@@ -147,7 +147,8 @@ TEST_F(TagTest, ASceneIsMeantByItsNumber) {
     EXPECT_EQ(Read(same), Read("tag.xmp")) << same;
   }
   Write("none.quor",
-        "<TavroStory version='1.0'><document><stream name='body'><section><scene/><scene/>"
+        "<TavroStory version='1.0'><document><stream name='body'><section><scene/><scene "
+        "sceneNumber=' '/>"
         "</section></stream></document></TavroStory>");
   Write("t.csv", "clip,scene\na.xmp,1\nb.xmp,2\n");
   const std::string note =
@@ -173,8 +174,11 @@ TEST_F(TagTest, ATerminalGetsColoursAndProgress) {
   EXPECT_THAT(onTerminal("NO_COLOR=1 " + check), testing::Not(HasSubstr("\x1B")));
   const std::string slow = "(sleep 1.1; cat '" + mStory + "') | " + check + " - '" + mStory + "'";
   EXPECT_THAT(onTerminal(slow), HasSubstr("\r\x1B[K3 of 3\r\x1B[K"));
-  // Results that go elsewhere leave the progress where it is.
-  EXPECT_THAT(onTerminal(slow + " none >o; echo END"), HasSubstr("\r\x1B[K3 of 4\r\x1B[KEND"));
+  // Results that go elsewhere leave the progress where it is: the last file is a pipe, whose writer
+  // looks at the screen once it is being read.
+  EXPECT_THAT(onTerminal("mkfifo pipe; (exec 9>pipe; printf HERE >&2; cat '" + mStory +
+                         "' >&9) & " + slow + " pipe >o; wait"),
+              testing::ContainsRegex("\x1B\\[K[34] of 4HERE"));
 }
 
 // The second story is only there when the signal has come.

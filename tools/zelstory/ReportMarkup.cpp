@@ -55,7 +55,9 @@ void AppendText(pugi::xml_node element, const std::string& text) {
 }
 
 std::string PositionNote(const std::vector<SceneFacts>& scenes) {
-  const bool areNumbered = std::all_of(scenes.begin(), scenes.end(), IsNumbered);
+  const bool areNumbered = std::all_of(scenes.begin(), scenes.end(), [](const SceneFacts& scene) {
+    return IsNumber(scene.mNumber);
+  });
   return areNumbered ? "" : " #n is the position of a scene without a number.";
 }
 

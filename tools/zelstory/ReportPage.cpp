@@ -53,7 +53,7 @@ void AddParagraph(pugi::xml_node page, const Paragraph& paragraph) {
 void AddHeading(pugi::xml_node article, const SceneFacts& scene, const Paragraph* heading) {
   pugi::xml_node title = AddElement(article, "h3");
   SetAttribute(title, "id", SceneAnchor(scene.mPosition));
-  if (IsNumbered(scene)) AddElement(title, "span", "number", scene.mNumber);
+  if (IsNumber(scene.mNumber)) AddElement(title, "span", "number", scene.mNumber);
   pugi::xml_node text =
       AddElement(title, "span", "text", heading ? TextOf(*heading) : "(no heading)");
   if (!heading) text.append_attribute("lang") = "en";

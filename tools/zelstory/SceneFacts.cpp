@@ -45,12 +45,12 @@ SceneFacts FactsOf(const Scene& scene, std::size_t position) {
 
 }  // namespace
 
-bool IsNumbered(const SceneFacts& scene) {
-  return CountWords(scene.mNumber) > 0;
+bool IsNumber(const std::string& text) {
+  return CountWords(text) > 0;
 }
 
 std::string SceneName(const SceneFacts& scene) {
-  return IsNumbered(scene) ? scene.mNumber : '#' + std::to_string(scene.mPosition);
+  return IsNumber(scene.mNumber) ? scene.mNumber : '#' + std::to_string(scene.mPosition);
 }
 
 std::string TextOf(const Paragraph& paragraph) {

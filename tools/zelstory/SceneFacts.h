@@ -30,8 +30,8 @@ struct SceneFacts {
   std::int64_t mWords = 0;  // of all its paragraphs
 };
 
-// Whether a scene has a number of its own. White space is none.
-bool IsNumbered(const SceneFacts& scene);
+// Whether a text numbers a scene: white space does not.
+bool IsNumber(const std::string& text);
 
 // What lists, links and labels call a scene: its number, or "#3" for the third scene if it has
 // none.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Console.h"
+#include "SceneFacts.h"
 #include "StoryFile.h"
 #include "ToolError.h"
 
@@ -42,8 +43,8 @@ SceneFinder::SceneFinder(const zelstoryparser::TavroStory& story, std::string fi
   for (std::size_t position = 1; position <= mScenes.size(); ++position) {
     const Scene& scene = *mScenes[position - 1];
     mIDs[ToUTF8(scene.mObjectID.AsString())].push_back(position);
-    if (scene.mSceneNumber.empty()) continue;
-    mNumbers[ToUTF8(scene.mSceneNumber)].push_back(position);
+    const std::string number = ToUTF8(scene.mSceneNumber);
+    if (IsNumber(number)) mNumbers[number].push_back(position);
   }
 }
 
@@ -79,7 +80,7 @@ SelectedScene SceneFinder::FindNumber(const std::string& text) const {
   const std::string number = ToUTF8(mScenes[position - 1]->mSceneNumber);
   throw ToolError(mFile,
                   "no scene has the number \"" + text + "\"; the scene at position " + text +
-                      (number.empty() ? " has no number" : " has the number \"" + number + '"') +
+                      (!IsNumber(number) ? " has no number" : " has the number \"" + number + '"') +
                       ": name that number, or the position");
 }
 
