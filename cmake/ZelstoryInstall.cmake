@@ -12,16 +12,23 @@ if(BUILD_SHARED_LIBS)
 else()
   set(ZELSTORY_FORM Static)
 endif()
+set(ZELSTORY_LIBRARIES zelstoryparser zelplatform)
+set(ZELSTORY_HEADERS include/zelstoryparser ${PROJECT_BINARY_DIR}/include/zelstoryparser)
+if(ZELSTORY_HOST)
+  list(APPEND ZELSTORY_LIBRARIES zelstoryhost)
+  list(APPEND ZELSTORY_HEADERS include/zelstoryhost)
+endif()
 install(
-  TARGETS zelstoryparser zelplatform
+  TARGETS ${ZELSTORY_LIBRARIES}
   EXPORT zelstoryparser${ZELSTORY_FORM}Targets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT libraries
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT libraries NAMELINK_COMPONENT development
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 set(ZELSTORY_FORMS ${ZELSTORY_FORM})
 if(TARGET zelstoryparser_static)
+  list(TRANSFORM ZELSTORY_LIBRARIES APPEND _static OUTPUT_VARIABLE twins)
   install(
-    TARGETS zelstoryparser_static zelplatform_static
+    TARGETS ${twins}
     EXPORT zelstoryparserStaticTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
   list(APPEND ZELSTORY_FORMS Static)
@@ -36,7 +43,7 @@ endforeach()
 
 # An installed copy runs where it is, and may be moved; in /usr the system finds its libraries.
 if(BUILD_SHARED_LIBS AND CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-  set_target_properties(zelstoryparser PROPERTIES INSTALL_RPATH "")
+  set_target_properties(${ZELSTORY_LIBRARIES} PROPERTIES INSTALL_RPATH "")
   if(ZELSTORY_TOOL)
     set_target_properties(zelstory PROPERTIES INSTALL_RPATH "")
   endif()
@@ -46,7 +53,7 @@ elseif(BUILD_SHARED_LIBS AND ZELSTORY_TOOL)
 endif()
 
 install(
-  DIRECTORY include/zelstoryparser ${PROJECT_BINARY_DIR}/include/zelstoryparser
+  DIRECTORY ${ZELSTORY_HEADERS}
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   COMPONENT development
   FILES_MATCHING
@@ -102,12 +109,21 @@ if(BUILD_SHARED_LIBS)
 endif()
 set(ZELSTORY_PC_CFLAGS${private} "-DZELSTORYPARSER_STATIC -DZELPLATFORM_STATIC")
 set(ZELSTORY_PC_LIBS${private} "-lpthread")
+set(ZELSTORY_PC_HOST_CFLAGS${private} "-DZELSTORYHOST_STATIC")
+set(ZELSTORY_PC_HOST_LIBS${private} "-lcsv")
+set(ZELSTORY_PC_HOST_REQUIRES${private} "libutf8proc")
 if(ZELSTORY_LIBRARY_MIMALLOC)
   string(APPEND ZELSTORY_PC_LIBS${private} " -lmimalloc")
 endif()
-configure_file(cmake/zelstoryparser.pc.in ${PROJECT_BINARY_DIR}/zelstoryparser.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/zelstoryparser.pc
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+set(ZELSTORY_PC_FILES zelstoryparser.pc)
+if(ZELSTORY_HOST)
+  list(APPEND ZELSTORY_PC_FILES zelstoryhost.pc)
+endif()
+foreach(file IN LISTS ZELSTORY_PC_FILES)
+  configure_file(cmake/${file}.in ${PROJECT_BINARY_DIR}/${file} @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${file}
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endforeach()
 
 if(NOT ZELSTORY_TOOL)
   return()

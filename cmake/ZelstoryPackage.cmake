@@ -45,6 +45,9 @@ set(CPACK_COMPONENT_TOOL_DEPENDS libraries)
 # libxml2-dev leaves out what pkg-config --static links of it.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "libboost-dev (>= 1.74), libxml2-dev, zlib1g-dev, liblzma-dev")
+if(ZELSTORY_HOST)
+  string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libcsv-dev, libutf8proc-dev")
+endif()
 if(ZELSTORY_LIBRARY_MIMALLOC)
   string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libmimalloc-dev")
 endif()

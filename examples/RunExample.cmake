@@ -1,5 +1,11 @@
-# Runs PROGRAM on the file INPUT and compares what it prints with the file EXPECTED.
-execute_process(COMMAND ${PROGRAM} ${INPUT} OUTPUT_VARIABLE printed RESULT_VARIABLE status)
+# Runs PROGRAM on the file INPUT, and on a clip CLIP without sidecar where one is named, and compares what it
+# prints with the file EXPECTED.
+if(CLIP)
+  file(WRITE ${CLIP} "")
+  file(REMOVE ${CLIP}.xmp)
+  set(arguments 2 ${CLIP})
+endif()
+execute_process(COMMAND ${PROGRAM} ${INPUT} ${arguments} OUTPUT_VARIABLE printed RESULT_VARIABLE status)
 file(READ ${EXPECTED} expected)
 if(NOT status EQUAL 0 OR NOT printed STREQUAL expected)
   message(FATAL_ERROR "${PROGRAM} ended with ${status} and printed, unlike ${EXPECTED}:\n${printed}")

@@ -3,14 +3,14 @@
 #include <vector>
 
 #include <nlohmann/json.hpp>
+#include <zelstoryhost/StoryJSON.h>
 
 #include <zelcore/xml/Reader.h>
 #include <zelstoryparser/SceneXMP.h>
 #include <zelstoryparser/StoryParser.h>
 
 #include "Packets.h"
-#include "tools/zelstory/Screenplay.h"
-#include "tools/zelstory/StoryJSON.h"
+#include "tools/zelstory/terminal/Screenplay.h"
 
 // A story document on all its ways: read, shown as JSON and as a screenplay, each scene made into a
 // packet as the dump does it, written into a clip's metadata and cleared from it.
@@ -67,9 +67,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (!story) return 0;
 
   // What was built before an error is a whole tree, too.
-  const nlohmann::ordered_json json = zelstory::StoryAsJSON(*story);
-  Require(zelstory::StoryAsJSON(*copy) == json, "a stream's tree is the same");
-  Require(nlohmann::ordered_json::parse(json.dump(2)) == json, "the JSON is JSON");
+  const std::string json = zelstoryhost::StoryAsJSON(*story);
+  Require(zelstoryhost::StoryAsJSON(*copy) == json, "a stream's tree is the same");
+  Require(nlohmann::ordered_json::parse(json).dump(2) == json, "the JSON is JSON");
   std::ostringstream screenplay;
   zelstory::PrintScreenplay(*story, true, screenplay);
   if (!story->mDocument) return 0;

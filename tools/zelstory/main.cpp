@@ -4,12 +4,13 @@
 #include <iostream>
 #include <string>
 
+#include <zelstoryhost/Error.h>
+
 #include <zelstoryparser/Version.h>
 
-#include "Batch.h"
-#include "Commands.h"
-#include "Console.h"
-#include "ToolError.h"
+#include "commands/Commands.h"
+#include "terminal/Batch.h"
+#include "terminal/Console.h"
 
 namespace {
 
@@ -56,7 +57,7 @@ int Run(CommandLine& tool, int argc, char** argv) {
     std::cout.flush();
     PrintError(interrupted.what());
     std::raise(interrupted.Signal());  // so that a shell stops its loop, too
-  } catch (const ToolError& error) {
+  } catch (const zelstoryhost::Error& error) {
     PrintError(error.what());
   } catch (const std::exception& error) {
     PrintError(std::string("zelstory: error: ") + error.what());
@@ -71,7 +72,7 @@ int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is reported like a full disk
 #endif
   CommandLine tool("Writes screenplay scenes into the XMP metadata of clips.",
-                   "zelstory " ZELSTORYPARSER_VERSION, kFooter);
+                   (std::string("zelstory ") + zelstoryparser::LibraryVersion()).c_str(), kFooter);
   AddCommands(tool);
   return Run(tool, argc, argv);
 }

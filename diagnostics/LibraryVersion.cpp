@@ -1,0 +1,9 @@
+#include <zelstoryparser/Version.h>
+
+namespace zelstoryparser {
+
+const char* LibraryVersion() noexcept {
+  return ZELSTORYPARSER_VERSION;
+}
+
+}  // namespace zelstoryparser

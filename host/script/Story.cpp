@@ -1,0 +1,109 @@
+#include <cerrno>
+#include <fstream>
+#include <istream>
+#include <system_error>
+#include <utility>
+
+#include <zelstoryhost/Story.h>
+#include <zelstoryhost/Text.h>
+
+#include <zelcore/xml/Reader.h>
+#include <zelstoryparser/StoryParser.h>
+
+#include "script/StoryPlace.h"
+
+namespace zelstoryhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+using zelcore::xml::Position;
+using zelstoryparser::Scene;
+using zelstoryparser::TavroStory;
+using zelstoryparser::UTF16String;
+
+// A parser that notes where the first structural error was found.
+class LocatingParser : public zelstoryparser::StoryParser {
+ public:
+  LocatingParser(const zelcore::xml::Reader& reader, std::string name)
+      : mReader(reader), mName(std::move(name)) {}
+
+  void StartElement(const UTF16String& name, const Attributes& attributes) override {
+    const bool failedBefore = IsParseError();
+    StoryParser::StartElement(name, attributes);
+    if (!failedBefore && IsParseError()) NoteFault();
+    if (!IsParseError()) mPlace.Enter(name, attributes);
+  }
+
+  void EndElement(const UTF16String& name) override {
+    const bool failedBefore = IsParseError();
+    StoryParser::EndElement(name);
+    if (!failedBefore && IsParseError()) NoteFault();
+    if (!IsParseError()) mPlace.Leave(name);
+  }
+
+  // The tree, or the first fault. A structural error comes before whatever ended the reading later.
+  StoryResult Result(bool wellFormed) {
+    if (mFault) return {nullptr, mFault};
+    if (!wellFormed) return {nullptr, ReadingError()};
+    if (const auto story = GetStory()) return {story, std::nullopt};
+    return {nullptr, Error(mName, Position{}, "the document has no TavroStory element")};
+  }
+
+ private:
+  void NoteFault() {
+    mFault.emplace(mName, mReader.CurrentPosition(), ToUTF8(GetErrorString()), mPlace.Describe());
+  }
+
+  Error ReadingError() const {
+    const auto& error = mReader.Error();
+    return Error(mName, error.mPosition, error.mReason, mPlace.Describe());
+  }
+
+  const zelcore::xml::Reader& mReader;
+  const std::string mName;
+  StoryPlace mPlace;
+  std::optional<Error> mFault;
+};
+
+// Returns why a file cannot be opened, which is at no place of a document.
+std::optional<std::string> Open(const fs::path& file, std::ifstream& stream) {
+  std::error_code error;
+  const fs::file_status status = fs::status(file, error);
+  if (error) return error.message();
+  if (fs::is_directory(status)) return "is a directory";
+  stream.open(file, std::ios::binary);
+  if (!stream) return std::generic_category().message(errno);
+  return std::nullopt;
+}
+
+}  // namespace
+
+StoryResult ReadStory(const fs::path& file) {
+  std::ifstream stream;
+  const std::optional<std::string> reason = Open(file, stream);
+  if (reason) return {nullptr, Error(file.string(), *reason)};
+  return ReadStory(stream, file.string());
+}
+
+StoryResult ReadStory(std::istream& stream, const std::string& name) {
+  zelcore::xml::Reader reader;
+  LocatingParser parser(reader, name);
+  const bool wellFormed = reader.ParseStream(stream, name, parser);
+  return parser.Result(wellFormed);
+}
+
+boost::intrusive_ptr<TavroStory> LoadStory(const fs::path& file) {
+  const StoryResult result = ReadStory(file);
+  if (!result) throw *result.mFault;
+  return result.mStory;
+}
+
+std::vector<boost::intrusive_ptr<Scene>> BodyScenes(const TavroStory& story) {
+  const bool hasBody =
+      story.mDocument && story.mDocument->mBodyStream && story.mDocument->mBodyStream->mSection;
+  if (!hasBody) return {};
+  return story.mDocument->mBodyStream->mSection->mScenes;
+}
+
+}  // namespace zelstoryhost

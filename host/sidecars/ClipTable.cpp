@@ -1,0 +1,168 @@
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include <zelstoryhost/ClipTable.h>
+#include <zelstoryhost/Error.h>
+
+#include "sidecars/CSV.h"
+
+namespace zelstoryhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string LowerCase(std::string text) {
+  for (char& c : text) {
+    if ('A' <= c && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+// Where the columns are that matter.
+struct Columns {
+  struct Scene {
+    SceneKey mKey;
+    std::size_t mIndex;
+  };
+  std::size_t mClip = 0;
+  std::vector<Scene> mScenes;
+};
+
+Columns FindColumns(const CSVRow& names, const std::string& table) {
+  const zelcore::xml::Position place{static_cast<std::int64_t>(names.mLine), 0};
+  static const std::map<std::string, SceneKey> kSceneKeys{{"scene", SceneKey::kNumber},
+                                                          {"number", SceneKey::kNumber},
+                                                          {"position", SceneKey::kPosition},
+                                                          {"id", SceneKey::kID}};
+  Columns columns;
+  std::map<std::string, std::size_t> seen;
+  for (std::size_t i = 0; i < names.mCells.size(); ++i) {
+    const std::string name = LowerCase(names.mCells[i]);
+    const auto key = kSceneKeys.find(name);
+    if (name != "clip" && key == kSceneKeys.end()) continue;
+    if (!seen.emplace(name, i).second) throw Error(table, place, "two columns are called " + name);
+    if (key != kSceneKeys.end()) columns.mScenes.push_back({key->second, i});
+  }
+  if (!seen.contains("clip") || columns.mScenes.empty()) {
+    throw Error(table, place,
+                "the first line names the columns: clip, and one or more of scene (the "
+                "number in the script), position (from 1) and id");
+  }
+  columns.mClip = seen["clip"];
+  return columns;
+}
+
+class TableReader {
+ public:
+  TableReader(const ClipTableSource& source, const SceneFinder& scenes)
+      : mSource(source), mScenes(scenes) {}
+
+  ClipTable Read(const std::vector<CSVRow>& rows, const Columns& columns) const {
+    std::vector<ClipRow> clips;
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+      if (!IsEmpty(rows[i])) clips.push_back(ReadRow(rows[i], columns));
+    }
+    RefuseSharedSidecars(clips);
+    const bool asksForNumbers =
+        std::any_of(columns.mScenes.begin(), columns.mScenes.end(),
+                    [](const auto& column) { return column.mKey == SceneKey::kNumber; });
+    const bool isAsked = asksForNumbers && !clips.empty();
+    return {std::move(clips), isAsked};
+  }
+
+ private:
+  // As spreadsheets leave them below a table.
+  static bool IsEmpty(const CSVRow& row) {
+    return std::all_of(row.mCells.begin(), row.mCells.end(),
+                       [](const std::string& cell) { return cell.empty(); });
+  }
+
+  ClipRow ReadRow(const CSVRow& cells, const Columns& columns) const {
+    ClipRow row;
+    row.mLine = cells.mLine;
+    const auto cell = [&](std::size_t i) {
+      return i < cells.mCells.size() ? cells.mCells[i] : std::string();
+    };
+    row.mClip = cell(columns.mClip);
+    row.mFile = row.mClip.empty() ? "" : (fs::path(mSource.mFolder) / row.mClip).string();
+    try {
+      if (row.mClip.empty()) throw Error("", "the row names no clip");
+      FindClip(row);
+      for (const Columns::Scene& column : columns.mScenes) {
+        AddScene(row, column.mKey, cell(column.mIndex));
+      }
+      if (!row.mScene.mScene) throw Error("", "the row names no scene");
+    } catch (const Error& error) {
+      row.mFault = error.Reason();
+      row.mScene = {};
+    }
+    return row;
+  }
+
+  void FindClip(ClipRow& row) const {
+    if (row.mFile == "-") throw Error("", "a table names clips by their files");
+    row.mSidecar = FindSidecar(row.mFile, mSource.mForm, WhenAbsent::kCreate);
+    const fs::path folder = fs::path(row.mSidecar).parent_path();
+    std::error_code error;
+    if (!folder.empty() && !fs::is_directory(folder, error)) {
+      throw Error("", "there is no folder " + folder.string());
+    }
+    if (fs::is_directory(row.mSidecar, error)) throw Error("", "is a directory");
+  }
+
+  void AddScene(ClipRow& row, SceneKey key, const std::string& text) const {
+    if (text.empty()) return;
+    const SelectedScene scene = mScenes.Find(key, text);
+    if (row.mScene.mScene && row.mScene.mPosition != scene.mPosition) {
+      throw Error("", "the row names two scenes, at the positions " +
+                          std::to_string(row.mScene.mPosition) + " and " +
+                          std::to_string(scene.mPosition));
+    }
+    row.mScene = scene;
+  }
+
+  // Under whatever names the same file is meant.
+  void RefuseSharedSidecars(std::vector<ClipRow>& clips) const {
+    std::map<fs::path, std::vector<ClipRow*>> rowsOfSidecar;
+    for (ClipRow& row : clips) {
+      if (row.mSidecar.empty()) continue;
+      std::error_code error;
+      rowsOfSidecar[fs::weakly_canonical(fs::absolute(row.mSidecar), error)].push_back(&row);
+    }
+    for (const auto& [sidecar, rows] : rowsOfSidecar) {
+      if (rows.size() < 2 || AgreeOnShared(rows)) continue;
+      std::string lines;
+      for (const ClipRow* row : rows) {
+        lines += (lines.empty() ? "" : ", ") + std::to_string(row->mLine);
+      }
+      for (ClipRow* row : rows) {
+        if (row->mFault.empty()) row->mFault = "several lines mean its sidecar: " + lines;
+      }
+    }
+  }
+
+  // Picture and sound of one take share a sidecar where the user says so.
+  bool AgreeOnShared(const std::vector<ClipRow*>& rows) const {
+    return mSource.mForm == SidecarForm::kStem &&
+           std::all_of(rows.begin(), rows.end(), [&](const ClipRow* row) {
+             return row->mFault.empty() && row->mScene.mPosition == rows[0]->mScene.mPosition;
+           });
+  }
+
+  const ClipTableSource& mSource;
+  const SceneFinder& mScenes;
+};
+
+}  // namespace
+
+ClipTable ReadClipTable(std::string_view text, const ClipTableSource& source,
+                        const SceneFinder& scenes) {
+  const std::vector<CSVRow> rows = ReadCSV(text, source.mName);
+  if (rows.empty()) throw Error(source.mName, "is empty; its first line names the columns");
+  return TableReader(source, scenes).Read(rows, FindColumns(rows[0], source.mName));
+}
+
+}  // namespace zelstoryhost

@@ -1,0 +1,156 @@
+#include <set>
+#include <utility>
+
+#include <zelstoryhost/Error.h>
+#include <zelstoryhost/SidecarEdit.h>
+#include <zelstoryhost/Text.h>
+
+#include <zelstoryparser/SceneXMP.h>
+
+namespace zelstoryhost {
+namespace {
+
+using Clip = TXMPMeta<std::string>;
+using zelmetadata::Path;
+
+std::string PathText(const Path& path) {
+  const zelmetadata::UTF8String text = path.AsString();
+  return std::string(text.data(), text.size());
+}
+
+MetadataValue KnownValue(const Clip& metadata, const Path& path) {
+  const std::string schema(path.Steps().front().mNamespaceURI);
+  const std::string name = PathText(path);
+  std::string value;
+  XMP_OptionBits options = 0;
+  if (!metadata.GetProperty(schema.c_str(), name.c_str(), &value, &options)) return {};
+  if ((options & kXMP_PropValueIsArray) != 0) {
+    return std::int64_t{metadata.CountArrayItems(schema.c_str(), name.c_str())};
+  }
+  if ((options & kXMP_PropValueIsStruct) != 0) return StructValue{};
+  return value;
+}
+
+// If a property has another shape than the path says, the toolkit refuses the path: nothing is
+// there.
+MetadataValue ValueAt(const Clip& metadata, const Path& path) {
+  try {
+    return KnownValue(metadata, path);
+  } catch (const XMP_Error&) {
+    return {};
+  }
+}
+
+// The paths to compare: those that were touched, each array before its items.
+std::vector<Path> WithArrays(const std::vector<Path>& touchedPaths) {
+  std::vector<Path> paths;
+  std::set<Path> seen;
+  for (const Path& path : touchedPaths) {
+    zelmetadata::PathStep array = path.Steps().front();
+    const bool isInArray = std::exchange(array.mItem, 0) > 0;
+    const Path whole({array});
+    if (isInArray && seen.insert(whole).second) paths.push_back(whole);
+    if (seen.insert(path).second) paths.push_back(path);
+  }
+  return paths;
+}
+
+// Clearing reports its properties whether or not they were there. Beside what writing reports, only
+// those that were there are of interest.
+zelcore::UTF16String WriteInPlaceOfAnother(const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
+                                           Clip& clip, std::vector<Path>& touchedPaths) {
+  const Clip before(clip);
+  std::vector<Path> cleared;
+  zelcore::UTF16String error = zelstoryparser::ClearSceneMetadataFromXMP(clip, cleared);
+  if (!error.empty()) return error;
+  error = zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, touchedPaths);
+  std::set<Path> reported(touchedPaths.begin(), touchedPaths.end());
+  for (const Path& path : cleared) {
+    const bool wasThere = !std::holds_alternative<std::monostate>(ValueAt(before, path));
+    if (wasThere && reported.insert(path).second) touchedPaths.push_back(path);
+  }
+  return error;
+}
+
+// Runs an operation of the library on a sidecar's metadata.
+template <typename Operation>
+SidecarChange Change(Sidecar& sidecar, Operation operation) {
+  SidecarChange change;
+  change.mSidecar = sidecar.File();
+  try {
+    const zelcore::UTF16String error = operation(sidecar.Metadata(), change.mTouchedPaths);
+    if (!error.empty()) throw Error(sidecar.File(), ToUTF8(error));
+  } catch (const XMP_Error& error) {
+    throw Error(sidecar.File(), error.GetErrMsg());
+  }
+  change.mIsChanged = sidecar.IsChanged();
+  return change;
+}
+
+// From the file through a change back to the file.
+template <typename Make>
+SidecarChange Edit(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
+                   const EditSettings& settings, Make make) {
+  const std::string file = FindSidecar(clipOrSidecar, settings.mForm, whenAbsent);
+  std::optional<FolderLock> lock;
+  if (!settings.mIsDryRun) lock.emplace(file, settings.mWaiting, settings.mNote);
+  Sidecar sidecar(file, whenAbsent);
+  SidecarChange change = make(sidecar);
+  if (change.mIsChanged && !settings.mForce) sidecar.RefuseReadOnly();
+  if (settings.mIsDryRun) {
+    change.mDifferences = DifferencesOf(sidecar, change);
+  } else {
+    sidecar.Save();
+  }
+  return change;
+}
+
+}  // namespace
+
+std::vector<std::string> SidecarChange::PathTexts() const {
+  std::vector<std::string> texts;
+  for (const Path& path : mTouchedPaths) texts.push_back(PathText(path));
+  return texts;
+}
+
+SidecarChange WriteScene(const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
+                         OldScene oldScene, Sidecar& sidecar) {
+  bool heldScene = false;
+  SidecarChange change = Change(sidecar, [&](Clip& clip, std::vector<Path>& touchedPaths) {
+    if (oldScene == OldScene::kMerge) {
+      return zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, touchedPaths);
+    }
+    heldScene = zelstoryparser::HasAnyStoryRelatedMetadata(clip);
+    return WriteInPlaceOfAnother(scene, clip, touchedPaths);
+  });
+  change.mClearsFirst = heldScene && change.mIsChanged;
+  return change;
+}
+
+SidecarChange ClearScene(Sidecar& sidecar) {
+  return Change(sidecar, zelstoryparser::ClearSceneMetadataFromXMP);
+}
+
+std::vector<Difference> DifferencesOf(const Sidecar& sidecar, const SidecarChange& change) {
+  std::vector<Difference> differences;
+  for (const Path& path : WithArrays(change.mTouchedPaths)) {
+    Difference difference{PathText(path), ValueAt(sidecar.MetadataBefore(), path),
+                          ValueAt(sidecar.Metadata(), path)};
+    if (difference.mBefore != difference.mAfter) differences.push_back(std::move(difference));
+  }
+  return differences;
+}
+
+SidecarChange WriteSceneToClip(const std::string& clipOrSidecar,
+                               const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
+                               OldScene oldScene, const EditSettings& settings) {
+  return Edit(clipOrSidecar, WhenAbsent::kCreate, settings,
+              [&](Sidecar& sidecar) { return WriteScene(scene, oldScene, sidecar); });
+}
+
+SidecarChange ClearSceneFromClip(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
+                                 const EditSettings& settings) {
+  return Edit(clipOrSidecar, whenAbsent, settings, ClearScene);
+}
+
+}  // namespace zelstoryhost

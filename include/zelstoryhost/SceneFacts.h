@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <zelstoryhost/Export.h>
+
+#include <zelstoryparser/StoryTree.h>
+
+// What lists and reports say about the scenes of a story's body and about who speaks in them. All
+// texts are UTF-8. All functions may be called from several threads at once.
+namespace zelstoryhost {
+
+// One speech. Parentheses after a name are dropped: ANNA (V.O.) is ANNA.
+struct Speech {
+  std::string mCharacter;
+  std::int64_t mWords = 0;
+};
+
+// One scene. Setting, location, time of day and duration are what GetSceneXMP would write, so that
+// lists and metadata agree.
+struct SceneFacts {
+  std::size_t mPosition = 0;  // from 1
+  std::string mNumber;        // as the script has it; may be empty
+  std::string mSetting;
+  std::string mLocation;
+  std::string mTimeOfDay;
+  std::optional<std::int64_t> mSeconds;  // none without a duration; may be below zero
+  std::vector<Speech> mSpeeches;         // in order
+  std::int64_t mWords = 0;               // of all its paragraphs
+};
+
+// What one character says, in all and scene by scene.
+struct CharacterFacts {
+  struct InScene {
+    std::size_t mPosition = 0;  // of the scene, from 1
+    std::int64_t mSpeeches = 0;
+    std::int64_t mWords = 0;
+  };
+  std::string mName;
+  std::int64_t mSpeeches = 0;
+  std::int64_t mWords = 0;
+  std::vector<InScene> mScenes;  // those with a speech, in order
+};
+
+// The scenes of the body, in order.
+ZELSTORYHOST_API std::vector<SceneFacts> ReadSceneFacts(const zelstoryparser::TavroStory& story);
+
+// Who speaks in these scenes, in order of appearance.
+ZELSTORYHOST_API std::vector<CharacterFacts> ReadCharacterFacts(
+    const std::vector<SceneFacts>& scenes);
+
+// Whether a text numbers a scene: white space alone does not.
+ZELSTORYHOST_API bool IsNumber(const std::string& text);
+
+// What lists, links and labels call a scene: its number, or "#3" for the third scene if it has no
+// number.
+ZELSTORYHOST_API std::string SceneName(const SceneFacts& scene);
+
+// The words of all these scenes.
+ZELSTORYHOST_API std::int64_t CountWords(const std::vector<SceneFacts>& scenes);
+
+}  // namespace zelstoryhost

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include <zelstoryhost/Export.h>
+#include <zelstoryhost/SidecarName.h>
+
+#include <xmptoolkit/XMP.h>
+
+namespace zelstoryhost {
+
+// The XMP of one sidecar, or of any file whose bytes hold a packet: read, changed in memory, and
+// written back. Belongs to one thread at a time. All texts are UTF-8.
+class ZELSTORYHOST_API Sidecar {
+ public:
+  // Reads a sidecar file. An absent one is empty metadata, or refused with kRefuse. Throws Error,
+  // with line and column, for what cannot be read and for what is not XMP.
+  Sidecar(const std::filesystem::path& file, WhenAbsent whenAbsent);
+
+  // Takes the bytes of a sidecar from elsewhere; `name` stands for it in errors. Throws Error as
+  // above. Do not call Save.
+  static Sidecar FromBytes(std::string bytes, const std::string& name);
+
+  const std::string& File() const { return mFile; }
+  TXMPMeta<std::string>& Metadata() { return mMetadata; }
+  const TXMPMeta<std::string>& Metadata() const { return mMetadata; }
+  const TXMPMeta<std::string>& MetadataBefore() const { return mBefore; }  // as it was read
+
+  // Whether the metadata differs from what was read; a sidecar to be created always does.
+  bool IsChanged() const;
+
+  // Throws Error when the file has no write permission, or the packet is marked read-only.
+  void RefuseReadOnly() const;
+
+  // What the file would hold after Save: the bytes as they were read where nothing has changed,
+  // else with a new packet in place of the old one. What surrounds the packet stays, and so do its
+  // encoding and its wrapper. The length stays where the packet's padding allows; otherwise the
+  // padding is renewed. Throws Error for metadata that could not be read again, such as a URI
+  // beyond the limit of a tag.
+  std::string NewBytes() const;
+
+  // Writes these bytes to the file, whole or not at all, if the metadata has changed. Throws Error.
+  void Save() const;
+
+ private:
+  Sidecar(std::string name, std::optional<std::string> bytes, bool isCreated);
+
+  std::string NewPacket() const;  // throws Error
+  std::string Serialized() const;
+  void RefuseUnlessReadable(const std::string& bytes) const;
+
+  std::string mFile;
+  bool mIsFile = false;               // rather than bytes from elsewhere
+  bool mIsCreated;                    // when absent
+  std::optional<std::string> mBytes;  // of the file as it was; none when it was absent
+  XMP_PacketInfo mPacket;             // where the packet lies in them
+  TXMPMeta<std::string> mMetadata;
+  TXMPMeta<std::string> mBefore;
+};
+
+}  // namespace zelstoryhost

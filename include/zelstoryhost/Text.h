@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include <zelstoryhost/Export.h>
+
+#include <zelstoryparser/StoryTree.h>
+
+// Story text for hosts that work in UTF-8. All functions may be called from several threads at
+// once.
+namespace zelstoryhost {
+
+// Story text (UTF-16) as UTF-8. A surrogate without its partner becomes U+FFFD.
+ZELSTORYHOST_API std::string ToUTF8(std::u16string_view text);
+
+// What a paragraph says: the texts of its runs, joined, as UTF-8.
+ZELSTORYHOST_API std::string TextOf(const zelstoryparser::Paragraph& paragraph);
+
+// The number of words in a text, which white space separates.
+ZELSTORYHOST_API std::int64_t CountWords(const std::string& text);
+
+}  // namespace zelstoryhost

@@ -1,0 +1,81 @@
+#include <iostream>
+
+#include <zelstoryhost/StoryLists.h>
+#include <zelstoryhost/Table.h>
+
+#include "commands/Commands.h"
+#include "terminal/Input.h"
+#include "terminal/TableColumns.h"
+
+namespace zelstory {
+
+using zelstoryhost::ListCharacters;
+using zelstoryhost::ListCounts;
+using zelstoryhost::ListScenes;
+using zelstoryhost::Table;
+
+namespace {
+
+using Lister = Table (*)(const zelstoryparser::TavroStory& story);
+
+struct ListOptions {
+  std::string mStory;
+  bool mAsCSV = false;
+  bool mIsRaw = false;
+  bool mHasMark = false;
+  bool mAsJSON = false;
+};
+
+int List(const ListOptions& options, Lister lister) {
+  const Table table = lister(*LoadStory(options.mStory));
+  if (options.mAsJSON) {
+    WriteJSON(table, std::cout);
+  } else if (options.mAsCSV) {
+    using zelstoryhost::Formulas;
+    if (options.mHasMark) std::cout << "\xEF\xBB\xBF";
+    WriteCSV(table, options.mIsRaw ? Formulas::kAsTheyAre : Formulas::kDisarmed, std::cout);
+  } else {
+    PrintColumns(table, std::cout);
+  }
+  return kDone;
+}
+
+void AddList(CommandLine& tool, const char* name, const char* description,
+             const std::string& columns, Lister lister) {
+  Command command = tool.AddCommand(name, description);
+  const auto options = std::make_shared<ListOptions>();
+  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  const Option csv =
+      command.AddFlag("--csv", options->mAsCSV, "Print comma-separated values (RFC 4180)");
+  command
+      .AddFlag("--raw", options->mIsRaw,
+               "With --csv: put no apostrophe before what a spreadsheet would run")
+      .Needs(csv);
+  command.AddFlag("--bom", options->mHasMark, "With --csv: begin with a byte-order mark, for Excel")
+      .Needs(csv);
+  command.AddFlag("--json", options->mAsJSON, "Print a JSON array with an object a row")
+      .Excludes(csv);
+  command.SetFooter(columns + "\nExit status: 0 done, 1 refused, 2 wrong usage.");
+  command.SetAction([options, lister] { return List(*options, lister); });
+}
+
+}  // namespace
+
+void AddListCommands(CommandLine& tool) {
+  AddList(
+      tool, "scenes", "List the scenes of the body",
+      "Columns: position (from 1), number, setting, location, time, duration (h:mm:ss), speeches,\n"
+      "characters (how many speak).",
+      ListScenes);
+  AddList(
+      tool, "characters", "List who speaks, how much, and where",
+      "Columns: character, speeches, words, first and last scene, all scenes, by their numbers; "
+      "#3\n"
+      "is the scene at position 3, which has none. Parentheses after a name, as in ANNA (V.O.),\n"
+      "make no other character.",
+      ListCharacters);
+  AddList(tool, "stats", "Count scenes, paragraphs by kind, and words",
+          "Columns: what, count, words.", ListCounts);
+}
+
+}  // namespace zelstory

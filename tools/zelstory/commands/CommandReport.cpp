@@ -1,0 +1,74 @@
+#include <filesystem>
+#include <iostream>
+#include <utility>
+
+#include <zelstoryhost/Error.h>
+#include <zelstoryhost/Files.h>
+#include <zelstoryhost/Text.h>
+
+#include "commands/Commands.h"
+#include "report/ReportPage.h"
+#include "terminal/Console.h"
+#include "terminal/Input.h"
+
+namespace zelstory {
+
+using zelstoryhost::CountWords;
+using zelstoryhost::Error;
+using zelstoryhost::ReplaceFile;
+
+namespace {
+
+struct ReportOptions {
+  std::string mStory;
+  std::string mPage;
+  std::string mTitle;
+};
+
+// What a reader would call the story: the title given, else the story's own, else its file's name.
+PageNames NamesOf(const ReportOptions& options, const zelstoryparser::TavroStory& story) {
+  PageNames names{options.mTitle, ""};
+  if (options.mStory != kStandardStream) {
+    names.mFile = std::filesystem::path(options.mStory).filename().string();
+  }
+  if (CountWords(names.mTitle) == 0) names.mTitle = TitleIn(story);
+  if (names.mTitle.empty()) std::swap(names.mTitle, names.mFile);
+  if (names.mTitle.empty()) names.mTitle = "Screenplay";
+  return names;
+}
+
+int Report(const ReportOptions& options) {
+  // A slip of the hand must not replace the story by its page.
+  if (options.mPage != kStandardStream && IsStoryItself(options.mStory, options.mPage)) {
+    throw Error(options.mPage, "is the story itself: name another file after --html");
+  }
+  const auto story = LoadStory(options.mStory);
+  const std::string page = MakeReportPage(*story, NamesOf(options, *story));
+  if (options.mPage == kStandardStream) {
+    std::cout << page;
+  } else {
+    ReplaceFile(options.mPage, page);
+  }
+  return kDone;
+}
+
+}  // namespace
+
+void AddReportCommand(CommandLine& tool) {
+  Command command = tool.AddCommand("report", "Make a page to read and print, with charts");
+  const auto options = std::make_shared<ReportOptions>();
+  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  command.AddText("--html", options->mPage, "FILE", "The page to write; - is standard output")
+      .Required();
+  command.AddText("--title", options->mTitle, "TEXT", "The page's title");
+  command.SetFooter(
+      "The page needs no other file: charts of who speaks in which scene and of scene lengths,\n"
+      "tables of scenes and characters, and the screenplay. It suits screens, phones and print.\n"
+      "Scenes without a duration are estimated from their words. Without --title, the title is\n"
+      "what follows \"Title:\" in the story's metadata, or else the file's name. For example:\n"
+      "  zelstory report harbour.quor --html harbour.html --title \"Harbour Lights\"\n"
+      "Exit status: 0 done, 1 refused (FILE is as it was), 2 wrong usage.");
+  command.SetAction([options] { return Report(*options); });
+}
+
+}  // namespace zelstory

@@ -1,0 +1,60 @@
+#include <iostream>
+
+#include <zelstoryhost/SceneFinder.h>
+#include <zelstoryhost/StoryJSON.h>
+
+#include "commands/Commands.h"
+#include "options/SceneOptions.h"
+#include "terminal/Input.h"
+#include "terminal/Screenplay.h"
+
+namespace zelstory {
+
+using zelstoryhost::SceneAsJSON;
+using zelstoryhost::SelectedScene;
+using zelstoryhost::StoryAsJSON;
+
+namespace {
+
+using zelstoryparser::TavroStory;
+
+struct ShowOptions {
+  std::string mFile;
+  SceneOptions mScene;
+  bool mAsJSON = false;
+  bool mWithComments = false;
+};
+
+int Show(const ShowOptions& options) {
+  const boost::intrusive_ptr<TavroStory> story = LoadStory(options.mFile);
+  if (!options.mScene.IsGiven()) {
+    if (options.mAsJSON) {
+      std::cout << StoryAsJSON(*story) << '\n';
+    } else {
+      PrintScreenplay(*story, options.mWithComments, std::cout);
+    }
+    return kDone;
+  }
+  const SelectedScene selected = options.mScene.Find(*story, options.mFile);
+  if (options.mAsJSON) {
+    std::cout << SceneAsJSON(*selected.mScene) << '\n';
+  } else {
+    PrintScene(*selected.mScene, std::cout);
+  }
+  return kDone;
+}
+
+}  // namespace
+
+void AddShowCommand(CommandLine& tool) {
+  Command command = tool.AddCommand("show", "Print a story as a screenplay, or as JSON");
+  const auto options = std::make_shared<ShowOptions>();
+  command.AddArgument("STORY", options->mFile, "The story file; - is standard input");
+  options->mScene.AddTo(command);
+  command.AddFlag("--comments", options->mWithComments, "Print the comment streams, too");
+  command.AddFlag("--json", options->mAsJSON, "Print the whole tree, or one scene's, as JSON");
+  command.SetFooter("Exit status: 0 done, 1 refused, 2 wrong usage.");
+  command.SetAction([options] { return Show(*options); });
+}
+
+}  // namespace zelstory

@@ -1,0 +1,199 @@
+#include <algorithm>
+#include <filesystem>
+
+#include <nlohmann/json.hpp>
+#include <zelstoryhost/ClipTable.h>
+#include <zelstoryhost/Error.h>
+#include <zelstoryhost/SidecarEdit.h>
+#include <zelstoryhost/Text.h>
+
+#include "commands/Commands.h"
+#include "options/EditOptions.h"
+#include "options/SceneOptions.h"
+#include "terminal/Batch.h"
+#include "terminal/Console.h"
+#include "terminal/Input.h"
+
+namespace zelstory {
+
+using zelstoryhost::ClipRow;
+using zelstoryhost::ClipTable;
+using zelstoryhost::Difference;
+using zelstoryhost::Error;
+using zelstoryhost::MetadataValue;
+using zelstoryhost::ReadClipTable;
+using zelstoryhost::SceneFinder;
+using zelstoryhost::SidecarChange;
+using zelstoryhost::StructValue;
+using zelstoryhost::ToUTF8;
+
+namespace {
+
+struct TagOptions {
+  std::string mStory;
+  std::string mTable;
+  std::string mFolder;  // empty: the table's
+  EditOptions mEdit;
+  bool mKeepsGoing = false;
+  bool mAsJSON = false;
+};
+
+std::string FolderOf(const TagOptions& options) {
+  if (!options.mFolder.empty() || options.mTable == kStandardStream) return options.mFolder;
+  return std::filesystem::path(options.mTable).parent_path().string();
+}
+
+// Prints what became of each clip.
+class Outcomes {
+ public:
+  explicit Outcomes(const TagOptions& options)
+      : mTable(options.mTable), mIsDryRun(options.mEdit.IsDryRun()), mAsJSON(options.mAsJSON) {}
+
+  void PrintRefused(const ClipRow& row, const std::string& reason) const {
+    if (mAsJSON) return PrintJSONLine(ObjectOf(row, "refused", {{"reason", reason}}));
+    const std::string line = mTable + ':' + std::to_string(row.mLine);
+    PrintResult((row.mClip.empty() ? line : row.mClip) + ": ", Tone::kBad, "refused: " + reason);
+  }
+
+  void PrintDone(const ClipRow& row, const SidecarChange& change) const {
+    const char* const outcome = !change.mIsChanged ? "unchanged"
+                                : mIsDryRun        ? "would be written"
+                                                   : "written";
+    if (mAsJSON) return PrintJSONLine(ObjectOf(row, outcome, DetailsOf(change)));
+    PrintResult(row.mClip + ": ", change.mIsChanged ? Tone::kGood : Tone::kFaint, outcome);
+    if (mIsDryRun && change.mClearsFirst) PrintLine(std::string("  ").append(kClearsFirst));
+    for (const Difference& difference : change.mDifferences) {
+      PrintLine("  " + Describe(difference));
+    }
+  }
+
+ private:
+  using JSON = nlohmann::ordered_json;
+
+  static JSON ObjectOf(const ClipRow& row, const char* outcome, const JSON& details) {
+    JSON object{{"clip", row.mClip}, {"line", row.mLine}, {"outcome", outcome}};
+    if (row.mScene.mScene) {
+      const std::string number = ToUTF8(row.mScene.mScene->mSceneNumber);
+      object["scene"] = number.empty() ? JSON() : JSON(number);
+      object["position"] = row.mScene.mPosition;
+    }
+    object.update(details);
+    return object;
+  }
+
+  JSON DetailsOf(const SidecarChange& change) const {
+    JSON details{{"sidecar", change.mSidecar}};
+    if (!change.mIsChanged) return details;
+    if (!mIsDryRun) {
+      details["paths"] = change.PathTexts();
+      return details;
+    }
+    details["clearsFirst"] = change.mClearsFirst;
+    JSON& changes = details["changes"] = JSON::array();
+    for (const Difference& difference : change.mDifferences) {
+      changes.push_back({{"path", difference.mPath},
+                         {"before", ValueAsJSON(difference.mBefore)},
+                         {"after", ValueAsJSON(difference.mAfter)}});
+    }
+    return details;
+  }
+
+  // An array is the number of its items, a struct an empty object.
+  static JSON ValueAsJSON(const MetadataValue& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) return *text;
+    if (const auto* items = std::get_if<std::int64_t>(&value)) return *items;
+    return std::holds_alternative<StructValue>(value) ? JSON::object() : JSON();
+  }
+
+  const std::string& mTable;
+  const bool mIsDryRun;
+  const bool mAsJSON;
+};
+
+std::string ReasonOf(const Error& error, const ClipRow& row) {
+  const std::string place = error.Place();
+  const bool isKnown = place.empty() || place == row.mFile;
+  return isKnown ? error.Reason() : place + ": " + error.Reason();
+}
+
+// What else a table with a fault says may be wrong, too.
+int RefuseTable(const TagOptions& options, const std::vector<ClipRow>& rows, std::size_t faults) {
+  const Outcomes outcomes(options);
+  for (const ClipRow& row : rows) {
+    outcomes.PrintRefused(row, row.mFault.empty() ? "other lines have faults" : row.mFault);
+  }
+  PrintError(options.mTable + ": error: " + std::to_string(faults) + " of " +
+             std::to_string(rows.size()) +
+             " rows have faults, so nothing was written (--keep-going writes the others)");
+  return kRefused;
+}
+
+std::vector<ClipRow> ReadRows(const TagOptions& options, const zelstoryparser::TavroStory& story) {
+  const SceneFinder scenes(story, options.mStory);
+  const ClipTable table = ReadClipTable(
+      ReadText(options.mTable), {options.mTable, FolderOf(options), options.mEdit.Form()}, scenes);
+  if (table.mAsksForNumbers && !scenes.HasNumbers()) NoteMissingNumbers(options.mStory);
+  return table.mRows;
+}
+
+int Tag(const TagOptions& options) {
+  if (options.mStory == kStandardStream && options.mTable == kStandardStream) {
+    throw UsageError("only one of STORY and the table can be standard input");
+  }
+  const auto story = LoadStory(options.mStory);
+  const std::vector<ClipRow> rows = ReadRows(options, *story);
+  const auto faults = static_cast<std::size_t>(std::count_if(
+      rows.begin(), rows.end(), [](const ClipRow& row) { return !row.mFault.empty(); }));
+  if (rows.empty()) PrintNote(options.mTable, "the table has no rows, so there is nothing to do");
+  if (faults > 0 && !options.mKeepsGoing) return RefuseTable(options, rows, faults);
+
+  const Outcomes outcomes(options);
+  int status = faults > 0 ? kRefused : kDone;
+  Batch batch(rows.size());
+  for (const ClipRow& row : rows) {
+    batch.Next();
+    try {
+      if (!row.mFault.empty()) throw Error("", row.mFault);
+      outcomes.PrintDone(row, options.mEdit.Write(row.mFile, row.mScene.mScene));
+    } catch (const Error& error) {
+      outcomes.PrintRefused(row, ReasonOf(error, row));
+      status = kRefused;
+    }
+  }
+  return status;
+}
+
+}  // namespace
+
+void AddTagCommand(CommandLine& tool) {
+  Command command =
+      tool.AddCommand("tag", "Write scenes into the sidecars of many clips, from a table");
+  const auto options = std::make_shared<TagOptions>();
+  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  command
+      .AddText("--table", options->mTable, "FILE",
+               "Which clip shows which scene, as comma-separated values; - is standard input")
+      .Required();
+  command.AddText("--clips", options->mFolder, "DIR",
+                  "The folder that names of clips start from (default: the table's)");
+  options->mEdit.AddTo(command);
+  options->mEdit.AddMergeOption(command);
+  command.AddFlag("--keep-going", options->mKeepsGoing,
+                  "Write the other clips even if rows of the table have faults");
+  command.AddFlag("--json", options->mAsJSON, "Print one JSON object a clip, a line each");
+  command.SetFooter(
+      "The table's first line names its columns: clip, and one or more of scene (the number in "
+      "the\n"
+      "script), position (from 1) and id (objID); others are ignored. For example:\n"
+      "  clip,scene\n"
+      "  A001_C003.mov,1\n"
+      "  A001_C004.mov,2\n"
+      "All rows are checked before anything is written. Each clip holds its scene and no other\n"
+      "afterwards. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one line per "
+      "clip;\n"
+      "a clip that is refused does not stop the others.\n"
+      "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
+  command.SetAction([options] { return Tag(*options); });
+}
+
+}  // namespace zelstory

@@ -1,0 +1,52 @@
+#include <zelstoryhost/SceneFinder.h>
+
+#include "commands/Commands.h"
+#include "options/EditOptions.h"
+#include "options/SceneOptions.h"
+#include "terminal/Console.h"
+#include "terminal/Input.h"
+
+namespace zelstory {
+
+using zelstoryhost::SelectedScene;
+
+namespace {
+
+struct WriteOptions {
+  std::string mStory;
+  std::string mSidecar;
+  SceneOptions mScene;
+  EditOptions mEdit;
+};
+
+int Write(const WriteOptions& options) {
+  if (options.mSidecar == kStandardStream && options.mStory == kStandardStream) {
+    throw UsageError("only one of STORY and CLIP can be standard input");
+  }
+  const auto story = LoadStory(options.mStory);
+  const SelectedScene selected = options.mScene.Find(*story, options.mStory);
+  options.mEdit.Print(options.mEdit.Write(options.mSidecar, selected.mScene), "");
+  return kDone;
+}
+
+}  // namespace
+
+void AddWriteCommand(CommandLine& tool) {
+  Command command =
+      tool.AddCommand("write", "Write a scene into a sidecar, which is created when absent");
+  const auto options = std::make_shared<WriteOptions>();
+  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  command.AddArgument("CLIP", options->mSidecar,
+                      "The sidecar (*.xmp) or the clip it belongs to; - reads standard input and\n"
+                      "writes standard output");
+  options->mScene.AddTo(command);
+  options->mEdit.AddTo(command);
+  options->mEdit.AddMergeOption(command);
+  command.SetFooter(
+      "The clip holds this scene and no other afterwards. Prints each touched metadata path on a "
+      "line, or \"unchanged\".\n"
+      "Exit status: 0 done, 1 refused (the sidecar is as it was), 2 wrong usage.");
+  command.SetAction([options] { return Write(*options); });
+}
+
+}  // namespace zelstory

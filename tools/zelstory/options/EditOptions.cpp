@@ -1,0 +1,100 @@
+#include "options/EditOptions.h"
+
+#include <iostream>
+
+#include <zelstoryhost/Files.h>
+
+#include "options/SidecarOptions.h"
+#include "terminal/Console.h"
+#include "terminal/Input.h"
+
+namespace zelstory {
+
+using zelstoryhost::Difference;
+using zelstoryhost::EditSettings;
+using zelstoryhost::MetadataValue;
+using zelstoryhost::OldScene;
+using zelstoryhost::Sidecar;
+using zelstoryhost::SidecarChange;
+using zelstoryhost::WhenAbsent;
+
+namespace {
+
+std::string DescribeValue(const MetadataValue& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return Quoted(*text);
+  if (std::holds_alternative<zelstoryhost::StructValue>(value)) return "(struct)";
+  const auto* items = std::get_if<std::int64_t>(&value);
+  if (items == nullptr) return "(none)";
+  return '(' + std::to_string(*items) + (*items == 1 ? " item)" : " items)");
+}
+
+}  // namespace
+
+std::string Describe(const Difference& difference) {
+  return difference.mPath + ": " + DescribeValue(difference.mBefore) + " -> " +
+         DescribeValue(difference.mAfter);
+}
+
+void EditOptions::AddTo(Command& command) {
+  mSettings.mNote = PrintNote;
+  command.AddFlag("--dry-run", mSettings.mIsDryRun,
+                  "Print old and new values, one path per line; touch nothing");
+  command.AddFlag("--force", mSettings.mForce,
+                  "Change sidecars without write permission and packets marked read-only, too");
+  command.AddFlag("--no-wait", mNeverWaits,
+                  "Refuse while another process changes files of the folder");
+  AddSidecarNameOption(command, mSettings.mForm);
+}
+
+void EditOptions::AddMergeOption(Command& command) {
+  command.AddFlag("--merge", mMerges,
+                  "Keep what the clip holds of another scene and this one lacks");
+}
+
+template <typename Make>
+SidecarChange EditOptions::EditStandardInput(Make make) const {
+  const std::string name(kStandardStream);
+  Sidecar sidecar = Sidecar::FromBytes(zelstoryhost::ReadStream(std::cin, name), name);
+  SidecarChange change = make(sidecar);
+  if (change.mIsChanged && !mSettings.mForce) sidecar.RefuseReadOnly();
+  if (mSettings.mIsDryRun) {
+    change.mDifferences = DifferencesOf(sidecar, change);
+  } else {
+    std::cout << sidecar.NewBytes();
+  }
+  return change;
+}
+
+SidecarChange EditOptions::Write(const std::string& clipOrSidecar,
+                                 const boost::intrusive_ptr<zelstoryparser::Scene>& scene) const {
+  const OldScene oldScene = mMerges ? OldScene::kMerge : OldScene::kClear;
+  if (clipOrSidecar == kStandardStream) {
+    return EditStandardInput(
+        [&](Sidecar& sidecar) { return WriteScene(scene, oldScene, sidecar); });
+  }
+  return WriteSceneToClip(clipOrSidecar, scene, oldScene, Settings());
+}
+
+SidecarChange EditOptions::Clear(const std::string& clipOrSidecar, WhenAbsent whenAbsent) const {
+  if (clipOrSidecar == kStandardStream) return EditStandardInput(zelstoryhost::ClearScene);
+  return ClearSceneFromClip(clipOrSidecar, whenAbsent, Settings());
+}
+
+EditSettings EditOptions::Settings() const {
+  EditSettings settings = mSettings;
+  if (mNeverWaits) settings.mWaiting = zelstoryhost::FolderLock::Waiting::kNever;
+  return settings;
+}
+
+void EditOptions::Print(const SidecarChange& change, const std::string& label) const {
+  if (change.mSidecar == kStandardStream && !IsDryRun()) return;
+  if (!change.mIsChanged) return PrintResult(label, Tone::kFaint, "unchanged");
+  if (!IsDryRun()) {
+    for (const std::string& path : change.PathTexts()) PrintLine(label + path);
+    return;
+  }
+  if (change.mClearsFirst) PrintLine(label + kClearsFirst);
+  for (const Difference& difference : change.mDifferences) PrintLine(label + Describe(difference));
+}
+
+}  // namespace zelstory

@@ -1,0 +1,143 @@
+#include "report/ReportTables.h"
+
+#include <unordered_set>
+#include <utility>
+
+#include <zelstoryhost/RunningTime.h>
+#include <zelstoryhost/SceneFacts.h>
+
+#include "report/ReportMarkup.h"
+
+namespace zelstory {
+
+using zelstoryhost::CharacterFacts;
+using zelstoryhost::DescribeDuration;
+using zelstoryhost::RunningTime;
+using zelstoryhost::RunningTimes;
+using zelstoryhost::SceneFacts;
+using zelstoryhost::SceneName;
+using zelstoryhost::Speech;
+
+namespace {
+
+// A column's name and class.
+using TableColumns = std::vector<std::pair<const char*, const char*>>;
+
+// Adds a table without rows and returns where they go.
+pugi::xml_node AddTable(pugi::xml_node parent, const std::string& label, const std::string& caption,
+                        const TableColumns& columns) {
+  AddElement(parent, "p", "note", caption);
+  pugi::xml_node table = AddElement(AddScrollingBox(parent, label), "table");
+  pugi::xml_node names = AddElement(AddElement(table, "thead"), "tr");
+  for (const auto& [name, className] : columns) {
+    AddElement(names, "th", className, name).append_attribute("scope") = "col";
+  }
+  pugi::xml_node rows = AddElement(table, "tbody");
+  rows.append_attribute("lang") = kUnknownLanguage;
+  return rows;
+}
+
+pugi::xml_node AddRowName(pugi::xml_node row, const char* className, const std::string& text = "") {
+  pugi::xml_node name = AddElement(row, "th", className, text);
+  name.append_attribute("scope") = "row";
+  return name;
+}
+
+void AddCount(pugi::xml_node row, const char* className, std::int64_t count) {
+  AddElement(row, "td", className, std::to_string(count));
+}
+
+// The first few by appearance, and how many more.
+std::string SpeakersOf(const SceneFacts& scene) {
+  constexpr std::size_t kNamed = 6;
+  std::unordered_set<std::string> people;
+  std::string names;
+  for (const Speech& speech : scene.mSpeeches) {
+    const bool isNew = people.insert(speech.mCharacter).second;
+    if (!isNew || people.size() > kNamed) continue;
+    names += (people.size() == 1 ? "" : ", ") + speech.mCharacter;
+  }
+  if (people.size() > kNamed) names += " and " + std::to_string(people.size() - kNamed) + " more";
+  return names;
+}
+
+void AddSceneRow(pugi::xml_node rows, const SceneFacts& scene, const RunningTime& time) {
+  pugi::xml_node row = AddElement(rows, "tr");
+  AddSceneLink(AddRowName(row, "count"), scene.mPosition, SceneName(scene));
+  AddElement(row, "td", "", scene.mSetting);
+  AddElement(row, "td", "location", scene.mLocation);
+  AddElement(row, "td", "", scene.mTimeOfDay);
+  const std::string seconds = DescribeDuration(time.Seconds());
+  AddElement(row, "td", time.mHasKnown ? "count duration" : "count duration guess",
+             time.mHasKnown ? seconds : "\xE2\x89\x88 " + seconds);  // "almost equal to"
+  AddCount(row, "count words", scene.mWords);
+  AddCount(row, "count speeches", static_cast<std::int64_t>(scene.mSpeeches.size()));
+  AddElement(row, "td", "who", SpeakersOf(scene));
+}
+
+void AddSceneCell(pugi::xml_node row, const char* className, const SceneFacts& scene) {
+  AddSceneLink(AddElement(row, "td", className), scene.mPosition, SceneName(scene));
+}
+
+// "1-4, 7": neighbouring scenes are put together.
+void AddSceneRanges(pugi::xml_node cell, const std::vector<SceneFacts>& scenes,
+                    const CharacterFacts& person) {
+  for (auto first = person.mScenes.begin(); first != person.mScenes.end();) {
+    const std::size_t from = first->mPosition;
+    std::size_t to = from;
+    for (++first; first != person.mScenes.end() && first->mPosition == to + 1; ++first) ++to;
+    if (cell.first_child()) AppendText(cell, ", ");
+    const std::string name = SceneName(scenes[from - 1]);
+    AddPointerLink(cell, from,
+                   from == to ? name : name + "\xE2\x80\x93" + SceneName(scenes[to - 1]));
+  }
+}
+
+void AddCharacterRow(pugi::xml_node rows, const std::vector<SceneFacts>& scenes,
+                     const CharacterFacts& person) {
+  pugi::xml_node row = AddElement(rows, "tr");
+  AddRowName(row, "", person.mName);
+  AddCount(row, "count speeches", person.mSpeeches);
+  AddCount(row, "count words", person.mWords);
+  AddSceneCell(row, "count first", scenes[person.mScenes.front().mPosition - 1]);
+  AddSceneCell(row, "count last", scenes[person.mScenes.back().mPosition - 1]);
+  AddCount(row, "count scenes", static_cast<std::int64_t>(person.mScenes.size()));
+  AddSceneRanges(AddElement(row, "td", "ranges"), scenes, person);
+}
+
+}  // namespace
+
+void AddSceneTable(pugi::xml_node parent, const std::vector<SceneFacts>& scenes,
+                   const RunningTimes& times) {
+  std::string caption = "Select a number to jump to its scene." + PositionNote(scenes);
+  if (times.mTotal.mHasEstimated) caption += " \xE2\x89\x88 marks an estimated duration.";
+  pugi::xml_node rows = AddTable(parent, "Scenes", caption,
+                                 {{"Scene", "count"},
+                                  {"Setting", ""},
+                                  {"Location", ""},
+                                  {"Time", ""},
+                                  {"Duration", "count"},
+                                  {"Words", "count"},
+                                  {"Speeches", "count"},
+                                  {"Characters", ""}});
+  for (const SceneFacts& scene : scenes) {
+    AddSceneRow(rows, scene, times.mScenes[scene.mPosition - 1]);
+  }
+}
+
+void AddCharacterTable(pugi::xml_node parent, const std::vector<SceneFacts>& scenes,
+                       const std::vector<CharacterFacts>& people) {
+  pugi::xml_node rows =
+      AddTable(parent, "Characters",
+               "Everyone who speaks, sorted by number of words, with the scenes they speak in.",
+               {{"Character", ""},
+                {"Speeches", "count"},
+                {"Words", "count"},
+                {"First", "count"},
+                {"Last", "count"},
+                {"Scenes", "count"},
+                {"Speaks in", ""}});
+  for (const CharacterFacts& person : people) AddCharacterRow(rows, scenes, person);
+}
+
+}  // namespace zelstory

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <vector>
+
+#include <pugixml.hpp>
+#include <zelstoryhost/RunningTime.h>
+#include <zelstoryhost/SceneFacts.h>
+
+namespace zelstory {
+
+// A row for each scene, with a link to it in the screenplay.
+void AddSceneTable(pugi::xml_node parent, const std::vector<zelstoryhost::SceneFacts>& scenes,
+                   const zelstoryhost::RunningTimes& times);
+
+// A row for each person, in the order given.
+void AddCharacterTable(pugi::xml_node parent, const std::vector<zelstoryhost::SceneFacts>& scenes,
+                       const std::vector<zelstoryhost::CharacterFacts>& people);
+
+}  // namespace zelstory

@@ -1,0 +1,141 @@
+#include "terminal/Console.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <string_view>
+
+#if __has_include(<unistd.h>)
+#include <unistd.h>
+#endif
+
+#include <nlohmann/json.hpp>
+#include <zelstoryhost/Error.h>
+
+namespace zelstory {
+
+using zelstoryhost::Error;
+
+namespace {
+
+enum class Stream { kOutput = 1, kError = 2 };  // as POSIX numbers them
+
+bool IsTerminal([[maybe_unused]] Stream stream) {
+#if __has_include(<unistd.h>)
+  return isatty(static_cast<int>(stream)) == 1;
+#else
+  return false;
+#endif
+}
+
+std::string_view Environment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? std::string_view() : value;
+}
+
+bool HasColours(Stream stream) {
+  return IsTerminal(stream) && Environment("NO_COLOR").empty() && Environment("TERM") != "dumb";
+}
+
+const char* CodeOf(Tone tone) {
+  switch (tone) {
+    case Tone::kPlain:
+      return "";
+    case Tone::kGood:
+      return "\x1B[32m";
+    case Tone::kBad:
+      return "\x1B[1;31m";
+    case Tone::kFaint:
+      return "\x1B[2m";
+    case Tone::kStrong:
+      return "\x1B[1m";
+  }
+  return "";
+}
+
+std::string Coloured(Stream stream, Tone tone, const std::string& text) {
+  static const bool hasColours[] = {HasColours(Stream::kOutput), HasColours(Stream::kError)};
+  if (tone == Tone::kPlain || !hasColours[stream == Stream::kError ? 1 : 0]) return text;
+  return CodeOf(tone) + text + "\x1B[0m";
+}
+
+std::string Printable(std::string line) {
+  std::replace_if(
+      line.begin(), line.end(),
+      [](char byte) {
+        return (static_cast<unsigned char>(byte) < 0x20 && byte != '\t') || byte == 0x7F;
+      },
+      '?');
+  return line;
+}
+
+bool theProgressIsShown = false;
+
+// Results that go elsewhere do not get in the way of the progress.
+void MakeWayForResult() {
+  static const bool isTerminal = IsTerminal(Stream::kOutput);
+  if (isTerminal) HideProgress();
+}
+
+}  // namespace
+
+void PrintError(const std::string& line) {
+  constexpr std::string_view kMark = "error:";
+  HideProgress();
+  const std::string text = Printable(line);
+  const std::size_t mark = text.find(": error: ");
+  if (mark == std::string::npos) {
+    std::cerr << text << '\n';
+    return;
+  }
+  std::cerr << text.substr(0, mark + 2) << Coloured(Stream::kError, Tone::kBad, std::string(kMark))
+            << text.substr(mark + 2 + kMark.size()) << '\n';
+}
+
+void PrintNote(const std::string& place, const std::string& text) {
+  HideProgress();
+  std::cerr << Printable(place + ": note: " + text) << '\n';
+}
+
+void PrintLine(const std::string& line) {
+  MakeWayForResult();
+  std::cout << Printable(line) << '\n';
+}
+
+void PrintResult(const std::string& subject, Tone tone, const std::string& result) {
+  MakeWayForResult();
+  std::cout << Printable(subject) << Coloured(tone, Printable(result)) << '\n';
+}
+
+void PrintJSONLine(const nlohmann::ordered_json& value) {
+  MakeWayForResult();
+  std::cout << value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+std::string Quoted(const std::string& text) {
+  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+std::string Coloured(Tone tone, const std::string& text) {
+  return Coloured(Stream::kOutput, tone, text);
+}
+
+void ShowProgress(const std::string& line) {
+  if (!IsTerminal(Stream::kError)) return;
+  std::cout.flush();
+  std::cerr << "\r\x1B[K" << line << std::flush;
+  theProgressIsShown = true;
+}
+
+void HideProgress() {
+  if (!theProgressIsShown) return;
+  std::cerr << "\r\x1B[K" << std::flush;
+  theProgressIsShown = false;
+}
+
+void FlushOutput() {
+  std::cout.flush();
+  if (!std::cout) throw zelstoryhost::Error("standard output", "writing failed");
+}
+
+}  // namespace zelstory

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+#include <zelstoryhost/Sidecar.h>
+#include <zelstoryhost/Story.h>
+
+// Files as a command line names them: "-" is standard input.
+namespace zelstory {
+
+// The name that stands for standard input or output.
+inline constexpr std::string_view kStandardStream = "-";
+
+// As the functions of the host library.
+zelstoryhost::StoryResult ReadStory(const std::string& file);
+boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file);
+
+// A whole file. Throws Error, also when there is none.
+std::string ReadText(const std::string& file);
+
+// The sidecar of a clip, to be read. Throws Error.
+zelstoryhost::Sidecar ReadSidecar(const std::string& clipOrSidecar,
+                                  std::optional<zelstoryhost::SidecarForm> form,
+                                  zelstoryhost::WhenAbsent whenAbsent);
+
+// Whether a story is read from `file`, under whatever name. Where the system cannot tell what
+// standard input was opened from, it is no file.
+bool IsStoryItself(const std::string& story, const std::filesystem::path& file);
+
+}  // namespace zelstory

@@ -1,0 +1,114 @@
+#include "terminal/TextLayout.h"
+
+#include <algorithm>
+
+#include <utf8proc.h>
+
+namespace zelstory {
+namespace {
+
+// Hands each character of well-formed UTF-8 text to `use`.
+template <typename Use>
+void ForEachCharacter(std::string_view text, Use use) {
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  auto left = static_cast<utf8proc_ssize_t>(text.size());
+  while (left > 0) {
+    utf8proc_int32_t character = 0;
+    const utf8proc_ssize_t length =
+        std::max<utf8proc_ssize_t>(utf8proc_iterate(bytes, left, &character), 1);
+    use(character < 0 ? 0xFFFD : character);
+    bytes += length;
+    left -= length;
+  }
+}
+
+void Append(utf8proc_int32_t character, std::string& text) {
+  utf8proc_uint8_t bytes[4];
+  const utf8proc_ssize_t length = utf8proc_encode_char(character, bytes);
+  text.append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));
+}
+
+std::size_t Columns(utf8proc_int32_t character) {
+  return static_cast<std::size_t>(std::max(utf8proc_charwidth(character), 0));
+}
+
+// Fills lines character by character. A word goes to a new line as a whole when it would pass the
+// line's end.
+class Wrapper {
+ public:
+  explicit Wrapper(std::size_t columns) : mColumns(std::max<std::size_t>(columns, 2)) {}
+
+  void Add(utf8proc_int32_t character) {
+    if (character == '\n') {
+      EndWord();
+      EndLine();
+    } else if (character == ' ' || character == '\t') {
+      EndWord();
+      if (!mLine.empty()) mSpaces.push_back(' ');
+    } else {
+      AddToWord(utf8proc_category(character) == UTF8PROC_CATEGORY_CC ? 0xFFFD : character);
+    }
+  }
+
+  std::vector<std::string> Finish() {
+    EndWord();
+    EndLine();
+    return std::move(mLines);
+  }
+
+ private:
+  void AddToWord(utf8proc_int32_t character) {
+    if (mWordColumns + Columns(character) > mColumns) EndWord();
+    Append(character, mWord);
+    mWordColumns += Columns(character);
+  }
+
+  void EndWord() {
+    if (mWord.empty()) return;
+    if (!mLine.empty() && mLineColumns + mSpaces.size() + mWordColumns > mColumns) EndLine();
+    mLine += mSpaces + mWord;
+    mLineColumns += mSpaces.size() + mWordColumns;
+    mSpaces.clear();
+    mWord.clear();
+    mWordColumns = 0;
+  }
+
+  void EndLine() {
+    mLines.push_back(std::move(mLine));
+    mLine.clear();
+    mSpaces.clear();
+    mLineColumns = 0;
+  }
+
+  std::size_t mColumns;
+  std::vector<std::string> mLines;
+  std::string mLine;
+  std::string mSpaces;  // seen behind the line's last word
+  std::string mWord;
+  std::size_t mLineColumns = 0;
+  std::size_t mWordColumns = 0;
+};
+
+}  // namespace
+
+std::size_t ColumnsOf(std::string_view text) {
+  std::size_t columns = 0;
+  ForEachCharacter(text, [&columns](utf8proc_int32_t character) { columns += Columns(character); });
+  return columns;
+}
+
+std::string InCapitals(std::string_view text) {
+  std::string capitals;
+  ForEachCharacter(text, [&capitals](utf8proc_int32_t character) {
+    Append(utf8proc_toupper(character), capitals);
+  });
+  return capitals;
+}
+
+std::vector<std::string> WrapText(std::string_view text, std::size_t columns) {
+  Wrapper wrapper(columns);
+  ForEachCharacter(text, [&wrapper](utf8proc_int32_t character) { wrapper.Add(character); });
+  return wrapper.Finish();
+}
+
+}  // namespace zelstory
