@@ -1,5 +1,6 @@
 #include <sstream>
 
+#include <utf8proc.h>
 #include <zelstoryhost/Text.h>
 
 #include <zelcore/String.h>
@@ -24,6 +25,15 @@ std::int64_t CountWords(const std::string& text) {
   std::int64_t count = 0;
   for (std::string word; words >> word;) ++count;
   return count;
+}
+
+Character FirstCharacter(std::string_view text) {
+  utf8proc_int32_t character = 0;
+  const utf8proc_ssize_t length =
+      utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                       static_cast<utf8proc_ssize_t>(text.size()), &character);
+  if (length <= 0) return {};
+  return {static_cast<char32_t>(character), static_cast<std::size_t>(length), true};
 }
 
 }  // namespace zelstoryhost

@@ -6,30 +6,23 @@
 #include <utility>
 
 #include <csv.h>
-#include <utf8proc.h>
 #include <zelstoryhost/Error.h>
+#include <zelstoryhost/Text.h>
 
 namespace zelstoryhost {
 namespace {
-
-std::size_t LineOf(std::string_view text, std::size_t offset) {
-  return 1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + offset, '\n'));
-}
 
 zelcore::xml::Position WholeLine(std::size_t line) {
   return {static_cast<std::int64_t>(line), 0};
 }
 
 void RefuseUnlessUTF8(std::string_view text, const std::string& file) {
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  for (std::size_t i = 0; i < text.size();) {
-    utf8proc_int32_t character = 0;
-    const utf8proc_ssize_t length =
-        utf8proc_iterate(bytes + i, static_cast<utf8proc_ssize_t>(text.size() - i), &character);
-    if (length <= 0) {
-      throw Error(file, WholeLine(LineOf(text, i)), "the text is not UTF-8");
-    }
-    i += static_cast<std::size_t>(length);
+  std::size_t line = 1;
+  while (!text.empty()) {
+    const Character character = FirstCharacter(text);
+    if (!character.mIsWellFormed) throw Error(file, WholeLine(line), "the text is not UTF-8");
+    if (character.mValue == '\n') ++line;
+    text.remove_prefix(character.mLength);
   }
 }
 

@@ -7,19 +7,13 @@
 #include <zelstoryhost/ClipTable.h>
 #include <zelstoryhost/Error.h>
 
+#include "LowerCase.h"
 #include "sidecars/CSV.h"
 
 namespace zelstoryhost {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string LowerCase(std::string text) {
-  for (char& c : text) {
-    if ('A' <= c && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
 
 // Where the columns are that matter.
 struct Columns {

@@ -10,6 +10,8 @@
 
 #include <xmptoolkit/XMPTree.h>
 
+#include "LowerCase.h"
+
 namespace zelstoryhost {
 namespace {
 
@@ -27,9 +29,8 @@ void CorrectDeclaration(std::string& front) {
   const std::size_t open = key == npos ? npos : declaration.find_first_of("\"'", key);
   const std::size_t close = open == npos ? npos : declaration.find(declaration[open], open + 1);
   if (close == npos) return;
-  std::string name(declaration.substr(open + 1, close - open - 1));
-  for (char& c : name) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-  if (name != "US-ASCII" && name != "ASCII") return;
+  const std::string name = LowerCase(std::string(declaration.substr(open + 1, close - open - 1)));
+  if (name != "us-ascii" && name != "ascii") return;
   const std::string blanks(name.size() - kName.size(), ' ');
   front.replace(open + 1, name.size() + 1, std::string(kName) + front[open] + blanks);
 }

@@ -7,6 +7,7 @@
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/SidecarName.h>
 
+#include "LowerCase.h"
 #include "files/FileTarget.h"
 
 namespace zelstoryhost {
@@ -22,11 +23,7 @@ constexpr std::array<std::string_view, 34> kClipExtensions{
     ".png", ".r3d", ".tif",  ".tiff", ".wav",  ".webm", ".wmv"};
 
 std::string ExtensionOf(const fs::path& file) {
-  std::string extension = file.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  return extension;
+  return LowerCase(file.extension().string());
 }
 
 bool Exists(const fs::path& file) {

@@ -1,9 +1,10 @@
 #include "report/ReportMarkup.h"
 
 #include <algorithm>
+#include <string_view>
 
-#include <utf8proc.h>
 #include <zelstoryhost/SceneFacts.h>
+#include <zelstoryhost/Text.h>
 
 namespace zelstory {
 
@@ -13,23 +14,18 @@ using zelstoryhost::SceneFacts;
 std::string MarkupText(const std::string& text) {
   std::string clean;
   clean.reserve(text.size());
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  for (std::size_t i = 0; i < text.size();) {
-    utf8proc_int32_t character = 0;
-    const utf8proc_ssize_t length =
-        utf8proc_iterate(bytes + i, static_cast<utf8proc_ssize_t>(text.size() - i), &character);
-    const bool isControl = (character < 0x20 && character != '\t' && character != '\n') ||
-                           (character >= 0x7F && character < 0xA0) ||
-                           (character & 0xFFFE) == 0xFFFE;
-    const std::size_t count = length > 0 ? static_cast<std::size_t>(length) : 1;
-    if (character == '\r') {
+  for (std::string_view rest = text; !rest.empty();) {
+    const auto [value, length, isWellFormed] = zelstoryhost::FirstCharacter(rest);
+    const bool isControl = (value < 0x20 && value != '\t' && value != '\n') ||
+                           (value >= 0x7F && value < 0xA0) || (value & 0xFFFE) == 0xFFFE;
+    if (value == '\r') {
       clean += '\n';
-    } else if (length <= 0 || isControl) {
+    } else if (!isWellFormed || isControl) {
       clean += "\xEF\xBF\xBD";
     } else {
-      clean.append(text, i, count);
+      clean += rest.substr(0, length);
     }
-    i += count;
+    rest.remove_prefix(length);
   }
   return clean;
 }

@@ -3,22 +3,18 @@
 #include <algorithm>
 
 #include <utf8proc.h>
+#include <zelstoryhost/Text.h>
 
 namespace zelstory {
 namespace {
 
-// Hands each character of well-formed UTF-8 text to `use`.
+// Hands each character to `use`, with U+FFFD in place of what is ill-formed.
 template <typename Use>
 void ForEachCharacter(std::string_view text, Use use) {
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  auto left = static_cast<utf8proc_ssize_t>(text.size());
-  while (left > 0) {
-    utf8proc_int32_t character = 0;
-    const utf8proc_ssize_t length =
-        std::max<utf8proc_ssize_t>(utf8proc_iterate(bytes, left, &character), 1);
-    use(character < 0 ? 0xFFFD : character);
-    bytes += length;
-    left -= length;
+  while (!text.empty()) {
+    const zelstoryhost::Character character = zelstoryhost::FirstCharacter(text);
+    use(static_cast<utf8proc_int32_t>(character.mValue));
+    text.remove_prefix(character.mLength);
   }
 }
 
@@ -83,7 +79,7 @@ class Wrapper {
   std::size_t mColumns;
   std::vector<std::string> mLines;
   std::string mLine;
-  std::string mSpaces;  // seen behind the line's last word
+  std::string mSpaces;  // after the line's last word
   std::string mWord;
   std::size_t mLineColumns = 0;
   std::size_t mWordColumns = 0;
