@@ -7,7 +7,7 @@
 namespace zelstoryhost {
 namespace {
 
-// Neighbouring scenes as FIRST-LAST.
+// Runs of neighbouring scenes as FIRST-LAST.
 std::string Runs(const std::vector<ListedScene>& scenes) {
   std::string text;
   for (std::size_t i = 0; i < scenes.size(); ++i) {
@@ -27,7 +27,7 @@ std::string CSVField(const std::string& text) {
   return field + '"';
 }
 
-// Spreadsheets run what begins with one of these, some of them after blanks, too.
+// Spreadsheets run text that begins with one of these; some skip blanks before it.
 bool IsFormula(const std::string& text) {
   const std::size_t begin = text.find_first_not_of(" \t\r\n");
   return begin != std::string::npos &&

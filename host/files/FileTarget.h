@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <string>
 
-// What reading, replacing and locking files have in common.
+// Shared by reading, replacing and locking files.
 namespace zelstoryhost {
 
-// Throws Error: FILE: error: WHAT: the system's message for the error number.
+// Throws Error with WHAT and the system's message for the error number.
 [[noreturn]] void FailOn(const std::filesystem::path& file, const std::string& what, int error);
 
 // Throws Error for a directory, a device and anything else that exists but is no regular file.

@@ -7,11 +7,11 @@
 namespace zelstoryhost {
 namespace {
 
-// By custom a page of a screenplay runs for a minute, and it holds about this many words.
+// A page of a screenplay customarily runs for a minute; it has about this many words.
 constexpr std::int64_t kWordsPerPage = 180;
 
-// Scripts differ in pace, so their own durations set the rate. Rates outside this range come from
-// durations that are placeholders or slips.
+// A script's own durations set the rate, since scripts differ in pace. Rates outside this range
+// come from placeholders or mistakes.
 constexpr double kSlowestRate = 10;
 constexpr double kFastestRate = 1000;
 
@@ -19,7 +19,7 @@ bool HasDuration(const SceneFacts& scene) {
   return scene.mSeconds.value_or(-1) >= 0;
 }
 
-// Words a minute, or 0 where less than a page has durations: too little to measure a pace.
+// Words per minute, or 0 if less than a page has durations, too little to measure.
 double MeasuredRate(const std::vector<SceneFacts>& scenes) {
   std::int64_t words = 0;
   std::int64_t seconds = 0;

@@ -15,7 +15,7 @@ namespace {
 
 using zelstoryparser::Scene;
 
-// A whole text of decimal digits; beyond 64 bits the largest number.
+// A text of decimal digits only; the largest number beyond 64 bits.
 std::optional<std::size_t> ReadCount(const std::string& text) {
   std::size_t count = 0;
   const char* const end = text.data() + text.size();

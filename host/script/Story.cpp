@@ -66,7 +66,7 @@ class LocatingParser : public zelstoryparser::StoryParser {
   std::optional<Error> mFault;
 };
 
-// Returns why a file cannot be opened, which is at no place of a document.
+// Returns why a file cannot be opened, if it cannot.
 std::optional<std::string> Open(const fs::path& file, std::ifstream& stream) {
   std::error_code error;
   const fs::file_status status = fs::status(file, error);

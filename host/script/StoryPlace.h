@@ -6,8 +6,8 @@
 
 namespace zelstoryhost {
 
-// Follows the tags of a document to say where in the story the reader is. Tags of a document that
-// the parser has refused are not to be reported.
+// Follows the tags of a document to describe the reader's place in the story. Do not report tags
+// after the parser's first error.
 class StoryPlace {
  public:
   void Enter(const zelstoryparser::UTF16String& element,

@@ -37,7 +37,7 @@ unsigned char SeparatorOf(std::string_view text) {
   return ',';
 }
 
-// Gathers what the parser reports. Nothing may be thrown through the parser, which is C.
+// Collects the rows that the parser reports. No exception may pass through the parser, which is C.
 class Rows {
  public:
   static void OnCell(void* bytes, std::size_t size, void* rows) {

@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Where the columns are that matter.
+// The places of the columns that are used.
 struct Columns {
   struct Scene {
     SceneKey mKey;
@@ -68,7 +68,7 @@ class TableReader {
   }
 
  private:
-  // As spreadsheets leave them below a table.
+  // Spreadsheets leave such rows below a table.
   static bool IsEmpty(const CSVRow& row) {
     return std::all_of(row.mCells.begin(), row.mCells.end(),
                        [](const std::string& cell) { return cell.empty(); });
@@ -118,7 +118,7 @@ class TableReader {
     row.mScene = scene;
   }
 
-  // Under whatever names the same file is meant.
+  // Different names can mean the same file.
   void RefuseSharedSidecars(std::vector<ClipRow>& clips) const {
     std::map<fs::path, std::vector<ClipRow*>> rowsOfSidecar;
     for (ClipRow& row : clips) {
@@ -138,7 +138,7 @@ class TableReader {
     }
   }
 
-  // Picture and sound of one take share a sidecar where the user says so.
+  // Picture and sound of one take may share a sidecar if the user says so.
   bool AgreeOnShared(const std::vector<ClipRow*>& rows) const {
     return mSource.mForm == SidecarForm::kStem &&
            std::all_of(rows.begin(), rows.end(), [&](const ClipRow* row) {

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-// Has an XML declaration in front of a packet say UTF-8 where it said ASCII, which would not be
-// true of the new packet. What stands behind the declaration does not move.
+// Changes ASCII in an XML declaration before the packet to UTF-8, since the new packet may not be
+// ASCII. Nothing after the declaration moves.
 void CorrectDeclaration(std::string& front) {
   constexpr std::string_view kName = "UTF-8";
   const std::string_view declaration = std::string_view(front).substr(0, front.find("?>"));
@@ -35,13 +35,13 @@ void CorrectDeclaration(std::string& front) {
   front.replace(open + 1, name.size() + 1, std::string(kName) + front[open] + blanks);
 }
 
-// Bytes of a line feed.
+// The size of a line feed, in bytes.
 std::size_t CharacterSize(XMP_OptionBits encoding) {
   if (encoding == kXMP_EncodeUTF8) return 1;
   return encoding == kXMP_EncodeUTF16Big || encoding == kXMP_EncodeUTF16Little ? 2 : 4;
 }
 
-// A number at the front of a text, which is taken off; nothing where there is none.
+// Removes a number from the start of a text and returns it; nothing if there is none.
 std::optional<std::int64_t> TakeNumber(std::string_view& text) {
   std::int64_t number = 0;
   const auto [rest, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -50,7 +50,7 @@ std::optional<std::int64_t> TakeNumber(std::string_view& text) {
   return number;
 }
 
-// The toolkit's message for a packet begins with the place in it, LINE:COLUMN, where it has one.
+// The toolkit's message begins with the place in the packet, LINE:COLUMN, if it knows one.
 Error PacketError(const std::string& file, const XMP_Error& error) {
   const std::string message = error.GetErrMsg();
   std::string_view rest = message;
@@ -120,7 +120,7 @@ std::string Sidecar::Serialized() const {
   }
   if (!mPacket.mHasWrapper) {
     mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding | kXMP_OmitPacketWrapper);
-    // Without its last line end: the white space that ended the old packet stands behind it still.
+    // Without its last line end: the white space after the old packet stays.
     packet.erase(packet.size() - CharacterSize(mPacket.mEncoding));
     return packet;
   }

@@ -55,8 +55,8 @@ std::vector<Path> WithArrays(const std::vector<Path>& touchedPaths) {
   return paths;
 }
 
-// Clearing reports its properties whether or not they were there. Beside what writing reports, only
-// those that were there are of interest.
+// Clearing reports all its properties, even absent ones. Of these, only those that were present are
+// added to what writing reports.
 zelcore::UTF16String WriteInPlaceOfAnother(const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
                                            Clip& clip, std::vector<Path>& touchedPaths) {
   const Clip before(clip);
@@ -87,7 +87,7 @@ SidecarChange Change(Sidecar& sidecar, Operation operation) {
   return change;
 }
 
-// From the file through a change back to the file.
+// Reads the file, applies a change and writes the file back.
 template <typename Make>
 SidecarChange Edit(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
                    const EditSettings& settings, Make make) {

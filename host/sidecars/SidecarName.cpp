@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What counts as another clip beside one: the files that people keep sidecars for.
+// The extensions of clips: files that commonly have sidecars.
 constexpr std::array<std::string_view, 34> kClipExtensions{
     ".3gp", ".aif", ".aiff", ".ari",  ".avi",  ".braw", ".bwf",  ".cr2", ".dng",
     ".dpx", ".exr", ".flac", ".heic", ".jpeg", ".jpg",  ".m2ts", ".m4a", ".m4v",
@@ -31,10 +31,10 @@ bool Exists(const fs::path& file) {
   return fs::exists(fs::symlink_status(file, error));
 }
 
-// The name of another clip that has the same name but for its extension; empty when there is none.
+// Another clip whose name differs only in its extension; empty if there is none.
 std::string OtherClipOfStem(const fs::path& clip) {
   std::error_code error;
-  std::string other;  // the first by name, so that the message is the same each time
+  std::string other;  // the first by name, so that the message is always the same
   for (const auto& entry : fs::directory_iterator(FolderOf(clip), error)) {
     const fs::path& file = entry.path();
     if (file.stem() != clip.stem() || file.filename() == clip.filename()) continue;
@@ -46,7 +46,7 @@ std::string OtherClipOfStem(const fs::path& clip) {
   return other;
 }
 
-// The extension .xmp in all its letter cases, as cameras and other systems write it.
+// The extension .xmp in every letter case, as some cameras and systems write it.
 std::array<std::string, 8> SidecarExtensions() {
   std::array<std::string, 8> extensions;
   for (std::size_t cases = 0; cases < extensions.size(); ++cases) {
@@ -58,7 +58,7 @@ std::array<std::string, 8> SidecarExtensions() {
   return extensions;
 }
 
-// Adds the sidecars BASE.xmp. Where letter case makes no difference, several names are one file.
+// Adds the sidecars BASE.xmp. On file systems that ignore case, several names mean one file.
 void AddSidecarsOf(const std::string& base, std::vector<std::string>& found) {
   static const auto kExtensions = SidecarExtensions();
   for (const std::string& extension : kExtensions) {
@@ -92,7 +92,7 @@ std::string NewSidecar(const fs::path& clip, std::optional<SidecarForm> form,
   return form == SidecarForm::kStem ? stem : full;
 }
 
-// `stem` is a sidecar that only the clip's extension sets apart from those of other clips.
+// `stem` is a sidecar that other clips of the same stem could mean as well.
 std::string SharedSidecar(const fs::path& clip, const std::string& stem,
                           std::optional<SidecarForm> form) {
   const std::string other = OtherClipOfStem(clip);

@@ -56,7 +56,7 @@ int Run(CommandLine& tool, int argc, char** argv) {
   } catch (const Interrupted& interrupted) {
     std::cout.flush();
     PrintError(interrupted.what());
-    std::raise(interrupted.Signal());  // so that a shell stops its loop, too
+    std::raise(interrupted.Signal());  // so that a shell loop stops, too
   } catch (const zelstoryhost::Error& error) {
     PrintError(error.what());
   } catch (const std::exception& error) {

@@ -7,13 +7,13 @@
 
 #include "files/FileTarget.h"
 
-// Whole or not at all as far as the standard library can promise it.
+// Whole or not at all, as far as the standard library can guarantee it.
 namespace zelstoryhost {
 namespace {
 
 namespace fs = std::filesystem;
 
-// A name in the target's folder that nothing has.
+// An unused name in the target's folder.
 fs::path FreeName(const fs::path& target) {
   std::random_device random;
   fs::path name;

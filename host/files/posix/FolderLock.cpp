@@ -18,7 +18,7 @@ FolderLock::FolderLock(const std::filesystem::path& file, Waiting waiting, const
   constexpr std::chrono::seconds kQuietTime(1);
   const std::filesystem::path folder = FolderOf(TargetOf(file));
   mDescriptor = open(folder.c_str(), O_RDONLY | O_CLOEXEC);
-  if (mDescriptor < 0) return;  // whoever reads or writes the file next says why
+  if (mDescriptor < 0) return;  // reading or writing the file will report why
   const Clock::time_point start = Clock::now();
   for (bool isNoted = false; flock(mDescriptor, LOCK_EX | LOCK_NB) != 0;) {
     if (errno == EINTR) continue;

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Keeps the signals that end a process waiting.
+// Blocks the signals that would end the process.
 class SignalsHeld {
  public:
   SignalsHeld() {
@@ -33,8 +33,9 @@ class SignalsHeld {
   sigset_t mBefore;
 };
 
-// A new file beside the target. Where the system offers it, it has no name until it is complete, so
-// that not even a kill leaves it behind; otherwise, and from then on, it is removed unless renamed.
+// A new file in the target's folder. Where the system supports it, the file has no name until it is
+// complete, so that even a kill leaves nothing; otherwise, and from then on, it is removed unless
+// renamed.
 class NewFile {
  public:
   explicit NewFile(const fs::path& target) : mTarget(target) {
@@ -66,7 +67,7 @@ class NewFile {
     }
   }
 
-  // Takes mode and owner of the file that will be replaced, or the mode that a new file would get.
+  // Takes over mode and owner of the old file, or the mode of a new file if there is none.
   void TakeOver() {
     struct stat old {};
     if (stat(mTarget.c_str(), &old) != 0) {
@@ -75,7 +76,7 @@ class NewFile {
       if (fchmod(mDescriptor, 0666 & ~mask) != 0) FailOn(mTarget, "cannot set the mode", errno);
       return;
     }
-    // Another's file may be replaced without the right to give the new one away: that is no error.
+    // Without the right to change the owner, the file becomes this user's. That is not an error.
     if (fchown(mDescriptor, old.st_uid, old.st_gid) != 0) errno = 0;
     if (fchmod(mDescriptor, old.st_mode & 07777) != 0)
       FailOn(mTarget, "cannot set the mode", errno);
@@ -102,7 +103,7 @@ class NewFile {
   void GiveName() {
 #if defined(O_TMPFILE)
     const std::string self = "/proc/self/fd/" + std::to_string(mDescriptor);
-    // mkstemp finds a free name; its empty file makes way at once.
+    // mkstemp finds a free name; its empty file is removed at once.
     for (int tries = 0; tries < 100; ++tries) {
       std::string name = NamePattern();
       const int placeholder = mkstemp(name.data());

@@ -25,7 +25,7 @@ struct ReportOptions {
   std::string mTitle;
 };
 
-// What a reader would call the story: the title given, else the story's own, else its file's name.
+// The title: the one given, else the story's own, else the file's name.
 PageNames NamesOf(const ReportOptions& options, const zelstoryparser::TavroStory& story) {
   PageNames names{options.mTitle, ""};
   if (options.mStory != kStandardStream) {
@@ -38,7 +38,7 @@ PageNames NamesOf(const ReportOptions& options, const zelstoryparser::TavroStory
 }
 
 int Report(const ReportOptions& options) {
-  // A slip of the hand must not replace the story by its page.
+  // A typing error must not replace the story with its page.
   if (options.mPage != kStandardStream && IsStoryItself(options.mStory, options.mPage)) {
     throw Error(options.mPage, "is the story itself: name another file after --html");
   }

@@ -33,14 +33,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Numbered by position alone: no name is ever made from a document's text.
+// File names come from the position, never from a document's text.
 std::string PacketName(std::size_t position) {
   char name[40];
   std::snprintf(name, sizeof name, "scene_%04zu.xmp", position);
   return name;
 }
 
-// Returns whether there was none.
+// Returns whether the folder was created.
 bool MakeFolder(const fs::path& folder) {
   std::error_code error;
   const bool isNew = fs::create_directories(folder, error);
@@ -51,7 +51,7 @@ bool MakeFolder(const fs::path& folder) {
   return isNew;
 }
 
-// Whether a file holds a packet with what a shot has and nothing else, and so was made here.
+// Whether a file is a packet that holds a shot's properties and no others, as this command writes.
 bool IsShotPacket(const fs::path& file) {
   constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
   constexpr const char* kMedia = zelmetadata::kDynamicMediaSchemaURI;
@@ -79,12 +79,12 @@ struct ShotOptions {
   bool mForce = false;
 };
 
-// The shots of one story, on their way into a folder.
+// Writes the shots of one story into a folder.
 class Shots {
  public:
   Shots(const std::string& file, fs::path folder) : mFile(file), mFolder(std::move(folder)) {}
 
-  // Looks at every file that would be replaced before the first one is.
+  // Checks every file that would be replaced before any is replaced.
   void RefuseForeignFiles() const {
     ForEach([](const fs::path& packet, std::size_t, const auto& shot) {
       if (!fs::exists(packet) || IsShotPacket(packet) || !shot()) return;
@@ -135,13 +135,13 @@ void WriteShots(const std::string& file, const fs::path& folder, const std::stri
     if (!force) shots.RefuseForeignFiles();
     shots.Write(label);
   } catch (...) {
-    std::error_code isFilled;  // then it stays
+    std::error_code isFilled;  // a folder with files in it stays
     if (isNew) fs::remove(folder, isFilled);
     throw;
   }
 }
 
-// Several stories get a folder each, under the story's name.
+// Several stories get one folder each, named after the story.
 std::vector<fs::path> FoldersOf(const std::vector<std::string>& stories, const fs::path& folder) {
   if (stories.size() == 1) return {folder};
   std::vector<fs::path> folders;

@@ -43,7 +43,7 @@ std::string FolderOf(const TagOptions& options) {
   return std::filesystem::path(options.mTable).parent_path().string();
 }
 
-// Prints what became of each clip.
+// Prints the outcome of each clip.
 class Outcomes {
  public:
   explicit Outcomes(const TagOptions& options)
@@ -98,7 +98,7 @@ class Outcomes {
     return details;
   }
 
-  // An array is the number of its items, a struct an empty object.
+  // An array becomes the number of its items, a struct an empty object.
   static JSON ValueAsJSON(const MetadataValue& value) {
     if (const auto* text = std::get_if<std::string>(&value)) return *text;
     if (const auto* items = std::get_if<std::int64_t>(&value)) return *items;
@@ -116,7 +116,7 @@ std::string ReasonOf(const Error& error, const ClipRow& row) {
   return isKnown ? error.Reason() : place + ": " + error.Reason();
 }
 
-// What else a table with a fault says may be wrong, too.
+// A fault in one row suggests that the others are wrong, too, so nothing is written.
 int RefuseTable(const TagOptions& options, const std::vector<ClipRow>& rows, std::size_t faults) {
   const Outcomes outcomes(options);
   for (const ClipRow& row : rows) {

@@ -2,7 +2,7 @@
 
 #include "options/CommandLine.h"
 
-// The tool's commands, one source each. Each function adds one command with its options.
+// The tool's commands, one source per command. Each function adds a command with its options.
 namespace zelstory {
 
 void AddCheckCommand(CommandLine& tool);

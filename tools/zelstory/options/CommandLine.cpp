@@ -12,7 +12,7 @@
 namespace zelstory {
 namespace {
 
-// The parser misses a command before it says which word is none.
+// The parser reports a missing command before it names an unknown word.
 std::string ReasonOf(const CLI::App& tool, const CLI::ParseError& error) {
   if (!tool.get_subcommands().empty()) return error.what();
   const std::vector<std::string> unknown = tool.remaining();

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// The tool's command line. One source alone knows the library that parses it, whose headers take
-// long to compile.
+// The tool's command line. Only one source includes the library that parses it, whose headers are
+// slow to compile.
 namespace CLI {
 class App;
 class Option;
@@ -26,7 +26,7 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// An option of a command; a handle, to be passed by value.
+// An option of a command. A handle: pass it by value.
 class Option {
  public:
   Option() = default;  // none
@@ -41,16 +41,17 @@ class Option {
   CLI::Option* mOption = nullptr;
 };
 
-// A command under construction; a handle. Values that its options set must live until it has run.
+// A command under construction. A handle. The variables that its options set must live until the
+// command has run.
 class Command {
  public:
   explicit Command(CLI::App& app, std::function<int()>& chosen) : mApp(app), mChosen(chosen) {}
 
-  // A required argument; several of them are taken in the order in which they are added.
+  // Adds a required argument. Arguments are taken in the order in which they are added.
   void AddArgument(const char* name, std::string& value, const char* help);
   void AddArguments(const char* name, std::vector<std::string>& values, const char* help);
 
-  // Options by their names ("--json"); `type` stands for the value in the help.
+  // Add an option by its name ("--json"); `type` names its value in the help.
   Option AddFlag(const char* name, bool& value, const char* help);
   Option AddText(const char* name, std::string& value, const char* type, const char* help);
   Option AddCount(const char* name, int& value, const char* type, const char* help);  // from 1
@@ -59,8 +60,8 @@ class Command {
 
   void SetFooter(const std::string& text);
 
-  // What the command does. It returns an exit status, and throws UsageError or what the libraries
-  // throw, all of which main reports.
+  // Sets what the command does. The action returns an exit status. It may throw UsageError and
+  // whatever the libraries throw; main reports them.
   void SetAction(std::function<int()> action);
 
  private:
@@ -77,7 +78,7 @@ class CommandLine {
 
   Command AddCommand(const char* name, const char* description);
 
-  // The action of the command that was chosen, or one that prints the help or the version. Throws
+  // Returns the action of the chosen command, or one that prints the help or the version. Throws
   // UsageError.
   std::function<int()> Parse(int argc, const char* const* argv);
 

@@ -20,8 +20,8 @@ class SceneOptions {
   // Whether one of them was given.
   bool IsGiven() const;
 
-  // The scene. Throws UsageError when none was asked for, and Error, naming `file`, when there is
-  // no such scene or more than one.
+  // Returns the scene. Throws UsageError when no option was given, and Error, naming `file`, when
+  // no scene or more than one matches.
   zelstoryhost::SelectedScene Find(const zelstoryparser::TavroStory& story,
                                    const std::string& file) const;
 

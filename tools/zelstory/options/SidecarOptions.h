@@ -6,14 +6,14 @@
 
 #include "options/CommandLine.h"
 
-// Options of several commands that say which sidecar is meant. What they set must outlive the
-// parsing.
+// Options of several commands that select a sidecar. The variables that they set must outlive
+// the parsing.
 namespace zelstory {
 
 // --sidecar-name
 void AddSidecarNameOption(Command& command, std::optional<zelstoryhost::SidecarForm>& form);
 
-// --strict, and what it makes of a clip without sidecar.
+// --strict, and what it means for a clip without a sidecar.
 void AddStrictFlag(Command& command, bool& isStrict);
 inline zelstoryhost::WhenAbsent WhenAbsentFor(bool isStrict) {
   return isStrict ? zelstoryhost::WhenAbsent::kRefuse : zelstoryhost::WhenAbsent::kReadEmpty;

@@ -8,14 +8,14 @@
 
 namespace zelstory {
 
-// Each adds a drawing (SVG) and the words that go with it. Where there are more scenes than a
-// drawing can show, neighbours share a column.
+// Each adds a drawing (SVG) and its text. If a drawing cannot show all scenes, neighbours share a
+// column.
 
-// `people` come those who say most first; as many as there are rows are drawn.
-void AddSpeakersChart(pugi::xml_node parent, const std::vector<zelstoryhost::SceneFacts>& scenes,
-                      const std::vector<zelstoryhost::CharacterFacts>& people);
+// `characters` are sorted by their words, most first; the chart shows as many as it has rows.
+void AddCharactersChart(pugi::xml_node parent, const std::vector<zelstoryhost::SceneFacts>& scenes,
+                        const std::vector<zelstoryhost::CharacterFacts>& characters);
 
-// In time, estimates apart from durations; in words where no scene has a duration.
+// In time, with estimates set apart from durations; in words if no scene has a duration.
 void AddLengthsChart(pugi::xml_node parent, const std::vector<zelstoryhost::SceneFacts>& scenes,
                      const zelstoryhost::RunningTimes& times);
 

@@ -9,7 +9,7 @@
 #include <pugixml.hpp>
 #include <zelstoryhost/SceneFacts.h>
 
-// What the charts of a report have in common. Lengths are in pixels.
+// Shared parts of the report's charts. Lengths are in pixels.
 namespace zelstory {
 
 inline constexpr int kLabelDistance = 8;
@@ -28,10 +28,10 @@ struct Drawing {
   pugi::xml_node mPlot;
 };
 
-// How scenes stand side by side in a drawing: one to a column, or several.
+// The columns of a drawing, with one or several scenes each.
 class Columns {
  public:
-  // Refers to the scenes. The labels stand left of the columns.
+  // Keeps a reference to the scenes. The labels are left of the columns.
   Columns(const std::vector<zelstoryhost::SceneFacts>& scenes,
           const std::vector<std::string>& labels);
 
@@ -45,15 +45,15 @@ class Columns {
 
   std::string Name(std::size_t column) const;  // "scene 12A", "scenes #3 to #5"
 
-  // What to say about columns of several scenes; empty where there are none.
+  // A note about columns of several scenes; empty if there are none.
   std::string Note() const;
 
-  // Adds a drawing (SVG) that all columns and the axis below them fit into. Title and description
-  // serve readers who cannot see it.
+  // Adds a drawing (SVG) with room for all columns and the axis below them. Screen readers announce
+  // the title and description.
   Drawing AddDrawing(pugi::xml_node parent, int height, const std::string& title,
                      const std::string& description) const;
 
-  // Adds the names of as many scenes as fit.
+  // Adds as many scene names as fit.
   void AddAxis(pugi::xml_node svg, int y) const;
 
   // Adds a link to the column's first scene, with a text for the pointer.
@@ -68,7 +68,7 @@ class Columns {
   std::size_t mCount;
   int mLeft;
   int mWidth;
-  int mFirst = 0;      // where the first column stands
+  int mFirst = 0;      // left edge of the first column
   int mTickWidth = 0;  // of the widest
 };
 
@@ -77,7 +77,7 @@ pugi::xml_node AddBox(pugi::xml_node parent, const char* className, int x, int y
                       int height);
 void AddLine(pugi::xml_node svg, int left, int right, int y);
 
-// Adds a line of boxes of the given classes, each with its meaning.
+// Adds a legend: a line of boxes of the given classes, each with its meaning.
 void AddLegend(pugi::xml_node parent,
                const std::vector<std::pair<const char*, std::string>>& entries);
 

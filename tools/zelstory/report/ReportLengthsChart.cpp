@@ -24,7 +24,7 @@ constexpr int kTopMargin = 12;
 constexpr int kBarsHeight = 160;
 constexpr std::int64_t kMostSteps = 5;
 
-// A column's length: words or seconds, and how to put it.
+// A column's length in words or seconds, and its text.
 struct Bar {
   std::int64_t mSolid = 0;
   std::int64_t mEstimated = 0;
@@ -33,7 +33,7 @@ struct Bar {
   std::int64_t Length() const { return mSolid + mEstimated; }
 };
 
-// Step by step up an axis: the smallest round step that needs few of them.
+// The smallest round step that divides the axis into few parts.
 std::int64_t AxisStep(std::int64_t most, bool isTime) {
   constexpr std::array<std::int64_t, 11> kTimes{1, 2, 5, 10, 30, 60, 120, 300, 600, 1800, 3600};
   const std::int64_t least = std::max<std::int64_t>(1, (most + kMostSteps - 1) / kMostSteps);
@@ -67,7 +67,7 @@ std::vector<Bar> BarsOfWords(const std::vector<SceneFacts>& scenes, const Column
   return bars;
 }
 
-// Stripes, which stay apart from solid bars in grey print, too.
+// Stripes can be told from solid bars in grey print, too.
 void AddHatching(pugi::xml_node svg) {
   pugi::xml_node pattern = AddElement(AddElement(svg, "defs"), "pattern");
   pattern.append_attribute("id") = "hatch";

@@ -9,11 +9,11 @@
 
 namespace zelstory {
 
-// The page's own words are English; a story does not say which language it is in.
+// The page's own words are English; the language of a story is unknown.
 inline constexpr const char* kUnknownLanguage = "";
 
-// A text as markup can hold it: control characters, which no page may carry, become U+FFFD. What
-// would be markup is escaped when the page is written.
+// A text that markup can hold: control characters, which no page may contain, become U+FFFD.
+// Markup characters are escaped when the page is written.
 std::string MarkupText(const std::string& text);
 
 // Adds an element with an optional class and text, and returns it.
@@ -22,21 +22,21 @@ pugi::xml_node AddElement(pugi::xml_node parent, const char* name, const char* c
 
 void SetAttribute(pugi::xml_node element, const char* name, const std::string& value);
 
-// A box whose content scrolls sideways where the page is narrower, by the keyboard, too.
+// A box whose content scrolls sideways on a narrow page, with the keyboard as well.
 pugi::xml_node AddScrollingBox(pugi::xml_node parent, const std::string& label);
 
-// Adds text behind what the element holds.
+// Appends text to an element.
 void AppendText(pugi::xml_node element, const std::string& text);
 
 // A sentence that explains such names, with a blank before it; empty if every scene has a number.
 std::string PositionNote(const std::vector<zelstoryhost::SceneFacts>& scenes);
 
-// "scene-12", where the screenplay has the scene; and a link to it. Positions count from 1.
+// The anchor of a scene in the screenplay, "scene-12", and a link to it. Positions count from 1.
 std::string SceneAnchor(std::size_t position);
 pugi::xml_node AddSceneLink(pugi::xml_node parent, std::size_t position,
                             const std::string& text = "");
 
-// For the pointer only: the keyboard reaches the same scenes in the table of scenes, without
+// Only for the pointer: the keyboard reaches the same scenes through the table of scenes, without
 // thousands of stops.
 pugi::xml_node AddPointerLink(pugi::xml_node parent, std::size_t position,
                               const std::string& text = "");

@@ -74,7 +74,7 @@ void AddHeading(pugi::xml_node article, const SceneFacts& scene, const Paragraph
   if (!heading) text.append_attribute("lang") = "en";
 }
 
-// The first heading has the number and is where links lead; what stands above it stays there.
+// The first heading gets the number and is the target of links; paragraphs above it stay there.
 void AddScene(pugi::xml_node page, const Scene& scene, const SceneFacts& facts) {
   pugi::xml_node article = AddElement(page, "article");
   const auto isHeading = [](const auto& paragraph) {
@@ -91,7 +91,7 @@ void AddScene(pugi::xml_node page, const Scene& scene, const SceneFacts& facts) 
   }
 }
 
-// What stands at the edge of every sheet is no part of the script's text, so it has a box.
+// Headers and footers of the sheet are not part of the script's text, so they get a box.
 void AddEdgeStream(pugi::xml_node page, const boost::intrusive_ptr<Stream>& stream,
                    const char* label) {
   if (!stream || !stream->mSection) return;
@@ -140,12 +140,12 @@ std::string DescribeEstimate(const RunningTimes& times) {
          rate + ", about a page of script.";
 }
 
-void AddSummary(pugi::xml_node header, const std::vector<SceneFacts>& scenes, std::size_t people,
-                const RunningTimes& times) {
+void AddSummary(pugi::xml_node header, const std::vector<SceneFacts>& scenes,
+                std::size_t characters, const RunningTimes& times) {
   pugi::xml_node summary = AddElement(header, "dl");
   summary.append_attribute("id") = "summary";
   AddFact(summary, "scene-count", "Scenes", std::to_string(scenes.size()));
-  AddFact(summary, "speaker-count", "Speaking characters", std::to_string(people));
+  AddFact(summary, "speaker-count", "Speaking characters", std::to_string(characters));
   AddFact(summary, "word-count", "Words", std::to_string(CountWords(scenes)));
   if (scenes.empty()) return;
   AddFact(summary, "running-time", "Running time", times.mTotal.Describe());
@@ -163,37 +163,37 @@ void AddNavigation(pugi::xml_node header, pugi::xml_node main) {
   }
 }
 
-std::vector<CharacterFacts> SortedByWords(std::vector<CharacterFacts> people) {
+std::vector<CharacterFacts> SortedByWords(std::vector<CharacterFacts> characters) {
   std::stable_sort(
-      people.begin(), people.end(),
+      characters.begin(), characters.end(),
       [](const CharacterFacts& a, const CharacterFacts& b) { return a.mWords > b.mWords; });
-  return people;
+  return characters;
 }
 
 void AddBody(pugi::xml_node body, const TavroStory& story, const PageNames& names) {
   const std::vector<SceneFacts> scenes = ReadSceneFacts(story);
-  const std::vector<CharacterFacts> people = SortedByWords(ReadCharacterFacts(scenes));
+  const std::vector<CharacterFacts> characters = SortedByWords(ReadCharacterFacts(scenes));
   const RunningTimes times = ReadRunningTimes(scenes);
   pugi::xml_node header = AddElement(body, "header");
   AddElement(header, "h1", "", names.mTitle).append_attribute("lang") = kUnknownLanguage;
   if (!names.mFile.empty()) AddElement(header, "p", "file", names.mFile);
-  AddSummary(header, scenes, people.size(), times);
+  AddSummary(header, scenes, characters.size(), times);
   pugi::xml_node main = AddElement(body, "main");
-  if (!people.empty()) {
-    AddSpeakersChart(AddSection(main, "speakers", "Who speaks"), scenes, people);
+  if (!characters.empty()) {
+    AddCharactersChart(AddSection(main, "speakers", "Who speaks"), scenes, characters);
   }
   if (!scenes.empty()) {
     AddLengthsChart(AddSection(main, "lengths", "Scene lengths"), scenes, times);
     AddSceneTable(AddSection(main, "scenes", "Scenes"), scenes, times);
   }
-  if (!people.empty()) {
-    AddCharacterTable(AddSection(main, "characters", "Characters"), scenes, people);
+  if (!characters.empty()) {
+    AddCharacterTable(AddSection(main, "characters", "Characters"), scenes, characters);
   }
   AddScreenplay(AddSection(main, "screenplay", "Screenplay"), story, scenes);
   AddNavigation(header, main);
 }
 
-// The text behind "Title:", in either case; empty for any other line.
+// The text after "Title:", in any letter case; empty for any other line.
 std::string TitleInLine(const std::string& line) {
   constexpr const char* kBlanks = " \t\r";
   const std::size_t colon = line.find(':');
@@ -217,7 +217,7 @@ std::string TitleIn(const TavroStory& story) {
 }
 
 std::string MakeReportPage(const TavroStory& story, const PageNames& names) {
-  // HTML takes <p/> for the beginning of a paragraph, and blanks between tags for text.
+  // HTML reads <p/> as the start of a paragraph, and blanks between tags as text.
   constexpr unsigned kFormat = pugi::format_raw | pugi::format_no_empty_element_tags;
   pugi::xml_document document;
   AddElement(document, "title", "", names.mTitle);

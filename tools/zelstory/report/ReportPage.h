@@ -6,14 +6,14 @@
 
 namespace zelstory {
 
-// What the page's head has.
+// The names at the top of the page.
 struct PageNames {
   std::string mTitle;
-  std::string mFile;  // stands below the title, unless empty
+  std::string mFile;  // shown below the title, unless empty
 };
 
-// The text of the first line "Title: TEXT" in the story's metadata, in whatever case; empty if
-// there is none.
+// The text of the first line "Title: TEXT" in the story's metadata, in any letter case; empty
+// if there is none.
 std::string TitleIn(const zelstoryparser::TavroStory& story);
 
 // A story as one self-contained HTML page, in UTF-8: a chart of who speaks in which scene, one of

@@ -2,7 +2,7 @@
 
 namespace zelstory {
 
-// The page's style sheet. Without "<", ">" and "&": it is read as HTML and as XML.
+// The page's style sheet. It has no "<", ">" and "&", since it is read as HTML and as XML.
 inline constexpr const char* kReportStyle = R"css(
 :root {
   color-scheme: light dark;

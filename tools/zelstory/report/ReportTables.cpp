@@ -47,17 +47,18 @@ void AddCount(pugi::xml_node row, const char* className, std::int64_t count) {
   AddElement(row, "td", className, std::to_string(count));
 }
 
-// The first few by appearance, and how many more.
-std::string SpeakersOf(const SceneFacts& scene) {
+// The first few in order of appearance, and how many more.
+std::string CharactersOf(const SceneFacts& scene) {
   constexpr std::size_t kNamed = 6;
-  std::unordered_set<std::string> people;
+  std::unordered_set<std::string> characters;
   std::string names;
   for (const Speech& speech : scene.mSpeeches) {
-    const bool isNew = people.insert(speech.mCharacter).second;
-    if (!isNew || people.size() > kNamed) continue;
-    names += (people.size() == 1 ? "" : ", ") + speech.mCharacter;
+    const bool isNew = characters.insert(speech.mCharacter).second;
+    if (!isNew || characters.size() > kNamed) continue;
+    names += (characters.size() == 1 ? "" : ", ") + speech.mCharacter;
   }
-  if (people.size() > kNamed) names += " and " + std::to_string(people.size() - kNamed) + " more";
+  if (characters.size() > kNamed)
+    names += " and " + std::to_string(characters.size() - kNamed) + " more";
   return names;
 }
 
@@ -72,20 +73,20 @@ void AddSceneRow(pugi::xml_node rows, const SceneFacts& scene, const RunningTime
              time.mHasKnown ? seconds : "\xE2\x89\x88 " + seconds);  // "almost equal to"
   AddCount(row, "count words", scene.mWords);
   AddCount(row, "count speeches", static_cast<std::int64_t>(scene.mSpeeches.size()));
-  AddElement(row, "td", "who", SpeakersOf(scene));
+  AddElement(row, "td", "who", CharactersOf(scene));
 }
 
 void AddSceneCell(pugi::xml_node row, const char* className, const SceneFacts& scene) {
   AddSceneLink(AddElement(row, "td", className), scene.mPosition, SceneName(scene));
 }
 
-// "1-4, 7": neighbouring scenes are put together.
+// "1-4, 7": runs of neighbouring scenes.
 void AddSceneRanges(pugi::xml_node cell, const std::vector<SceneFacts>& scenes,
-                    const CharacterFacts& person) {
-  for (auto first = person.mScenes.begin(); first != person.mScenes.end();) {
+                    const CharacterFacts& character) {
+  for (auto first = character.mScenes.begin(); first != character.mScenes.end();) {
     const std::size_t from = first->mPosition;
     std::size_t to = from;
-    for (++first; first != person.mScenes.end() && first->mPosition == to + 1; ++first) ++to;
+    for (++first; first != character.mScenes.end() && first->mPosition == to + 1; ++first) ++to;
     if (cell.first_child()) AppendText(cell, ", ");
     const std::string name = SceneName(scenes[from - 1]);
     AddPointerLink(cell, from,
@@ -94,15 +95,15 @@ void AddSceneRanges(pugi::xml_node cell, const std::vector<SceneFacts>& scenes,
 }
 
 void AddCharacterRow(pugi::xml_node rows, const std::vector<SceneFacts>& scenes,
-                     const CharacterFacts& person) {
+                     const CharacterFacts& character) {
   pugi::xml_node row = AddElement(rows, "tr");
-  AddRowName(row, "", person.mName);
-  AddCount(row, "count speeches", person.mSpeeches);
-  AddCount(row, "count words", person.mWords);
-  AddSceneCell(row, "count first", scenes[person.mScenes.front().mPosition - 1]);
-  AddSceneCell(row, "count last", scenes[person.mScenes.back().mPosition - 1]);
-  AddCount(row, "count scenes", static_cast<std::int64_t>(person.mScenes.size()));
-  AddSceneRanges(AddElement(row, "td", "ranges"), scenes, person);
+  AddRowName(row, "", character.mName);
+  AddCount(row, "count speeches", character.mSpeeches);
+  AddCount(row, "count words", character.mWords);
+  AddSceneCell(row, "count first", scenes[character.mScenes.front().mPosition - 1]);
+  AddSceneCell(row, "count last", scenes[character.mScenes.back().mPosition - 1]);
+  AddCount(row, "count scenes", static_cast<std::int64_t>(character.mScenes.size()));
+  AddSceneRanges(AddElement(row, "td", "ranges"), scenes, character);
 }
 
 }  // namespace
@@ -126,7 +127,7 @@ void AddSceneTable(pugi::xml_node parent, const std::vector<SceneFacts>& scenes,
 }
 
 void AddCharacterTable(pugi::xml_node parent, const std::vector<SceneFacts>& scenes,
-                       const std::vector<CharacterFacts>& people) {
+                       const std::vector<CharacterFacts>& characters) {
   pugi::xml_node rows =
       AddTable(parent, "Characters",
                "Everyone who speaks, sorted by number of words, with the scenes they speak in.",
@@ -137,7 +138,7 @@ void AddCharacterTable(pugi::xml_node parent, const std::vector<SceneFacts>& sce
                 {"Last", "count"},
                 {"Scenes", "count"},
                 {"Speaks in", ""}});
-  for (const CharacterFacts& person : people) AddCharacterRow(rows, scenes, person);
+  for (const CharacterFacts& character : characters) AddCharacterRow(rows, scenes, character);
 }
 
 }  // namespace zelstory

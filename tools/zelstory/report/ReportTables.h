@@ -8,12 +8,12 @@
 
 namespace zelstory {
 
-// A row for each scene, with a link to it in the screenplay.
+// One row per scene, with a link to it in the screenplay.
 void AddSceneTable(pugi::xml_node parent, const std::vector<zelstoryhost::SceneFacts>& scenes,
                    const zelstoryhost::RunningTimes& times);
 
-// A row for each person, in the order given.
+// One row per character, in the order given.
 void AddCharacterTable(pugi::xml_node parent, const std::vector<zelstoryhost::SceneFacts>& scenes,
-                       const std::vector<zelstoryhost::CharacterFacts>& people);
+                       const std::vector<zelstoryhost::CharacterFacts>& characters);
 
 }  // namespace zelstory

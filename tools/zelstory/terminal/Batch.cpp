@@ -34,7 +34,7 @@ constexpr std::chrono::milliseconds kRenewal(100);
 
 }  // namespace
 
-// Leaves alone what was ignored before, as nohup does.
+// Signals that were ignored before, as under nohup, stay ignored.
 class Batch::Signals {
  public:
   Signals() {
@@ -75,7 +75,7 @@ void Batch::Next() {
   if (!mSignals) return;
   if (theSignal != 0) throw Interrupted(theSignal, mStarted, mCount);
   ++mStarted;
-  std::cout.flush();  // whoever reads along sees each file's result when it is there
+  std::cout.flush();  // so that a reader sees each result as soon as it exists
   const auto now = std::chrono::steady_clock::now();
   if (now - mShownLast < kRenewal) return;
   mShownLast = now;

@@ -10,7 +10,7 @@
 
 namespace zelstory {
 
-// Ends a command between two files because a signal asked for it.
+// A signal ended the command after a file was completed.
 class Interrupted : public std::runtime_error {
  public:
   Interrupted(int signal, std::size_t done, std::size_t count);
@@ -21,10 +21,10 @@ class Interrupted : public std::runtime_error {
   int mSignal;
 };
 
-// A run over several files. While it lives, the first Ctrl-C (or request to terminate) waits for
-// the file in work; a second one ends the tool at once. A run that takes longer than a second shows
-// its progress on standard error when that is a terminal. With one file it does nothing. One run at
-// a time, on the main thread.
+// A run over several files. During the run, the first Ctrl-C (or request to terminate) waits until
+// the current file is done; a second one ends the tool at once. A run that takes longer than a
+// second shows its progress on standard error when that is a terminal. A run over one file does
+// nothing. One run at a time, on the main thread.
 class Batch {
  public:
   explicit Batch(std::size_t count);
@@ -32,8 +32,7 @@ class Batch {
   Batch(const Batch&) = delete;
   Batch& operator=(const Batch&) = delete;
 
-  // To be called before each file. Throws Interrupted when the files in front of it were the last
-  // to be done.
+  // Call this before each file. Throws Interrupted when a signal has asked for the end.
   void Next();
 
  private:
@@ -45,10 +44,10 @@ class Batch {
   std::unique_ptr<Signals> mSignals;
 };
 
-// Runs `work` on each file with the label that its results begin with: "FILE: " for several files,
-// empty for one. The refusal of one file is printed and does not stop the others. Returns kDone, or
-// kRefused when any was refused. Shows progress, and ends between two files when a signal asks for
-// it.
+// Calls `work` with each file and the label to print before its results: "FILE: " for several
+// files, empty for one. An Error for one file is printed and does not stop the others. Returns
+// kDone, or kRefused if any file failed. Shows progress, and stops after the current file when a
+// signal asks for it.
 int ForEachFile(const std::vector<std::string>& files,
                 const std::function<void(const std::string& file, const std::string& label)>& work);
 

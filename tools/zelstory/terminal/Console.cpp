@@ -71,7 +71,7 @@ std::string Printable(std::string line) {
 
 bool theProgressIsShown = false;
 
-// Results that go elsewhere do not get in the way of the progress.
+// Only results on the same terminal would run into the progress line.
 void MakeWayForResult() {
   static const bool isTerminal = IsTerminal(Stream::kOutput);
   if (isTerminal) HideProgress();

@@ -6,30 +6,30 @@
 
 namespace zelstory {
 
-// How a result is coloured where colours are welcome: on a terminal, unless the environment
-// variable NO_COLOR is set and not empty, or TERM is "dumb".
+// The colour of a result. Colours are used on a terminal, unless the environment variable NO_COLOR
+// is set and not empty, or TERM is "dumb".
 enum class Tone { kPlain, kGood, kBad, kFaint, kStrong };
 
-// Prints one line on standard error, of the form PLACE: error: REASON mostly. Control characters,
-// which a file name may hold, become "?".
+// Prints one line on standard error, usually PLACE: error: REASON. Control characters, which a file
+// name may contain, become "?".
 void PrintError(const std::string& line);
 
-// The same for what the user should know although nothing is refused: PLACE: note: TEXT.
+// The same for information that is not an error: PLACE: note: TEXT.
 void PrintNote(const std::string& place, const std::string& text);
 
-// Prints a result line on standard output, control characters as above.
+// Prints a result on one line of standard output, with control characters as above.
 void PrintLine(const std::string& line);
 
-// The same, its end coloured: the subject, then the result.
+// Prints the subject, then the result in colour, on one line.
 void PrintResult(const std::string& subject, Tone tone, const std::string& result);
 
 // Prints a value as one line of JSON; bytes that are not UTF-8 become U+FFFD.
 void PrintJSONLine(const nlohmann::ordered_json& value);
 
-// A text in quotation marks, on one line, escaped as JSON has it.
+// A text in quotation marks, on one line, with JSON's escapes.
 std::string Quoted(const std::string& text);
 
-// A text in the colour of standard output; the text itself where colours are not welcome.
+// A text in colour for standard output, or unchanged where colours are off.
 std::string Coloured(Tone tone, const std::string& text);
 
 // Shows a line on standard error, if that is a terminal, until HideProgress, or until something

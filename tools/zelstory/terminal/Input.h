@@ -15,20 +15,20 @@ namespace zelstory {
 // The name that stands for standard input or output.
 inline constexpr std::string_view kStandardStream = "-";
 
-// As the functions of the host library.
+// Like the functions of the host library.
 zelstoryhost::StoryResult ReadStory(const std::string& file);
 boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file);
 
-// A whole file. Throws Error, also when there is none.
+// Reads a whole file. Throws Error, also when it does not exist.
 std::string ReadText(const std::string& file);
 
-// The sidecar of a clip, to be read. Throws Error.
+// Reads the sidecar of a clip. Throws Error.
 zelstoryhost::Sidecar ReadSidecar(const std::string& clipOrSidecar,
                                   std::optional<zelstoryhost::SidecarForm> form,
                                   zelstoryhost::WhenAbsent whenAbsent);
 
-// Whether a story is read from `file`, under whatever name. Where the system cannot tell what
-// standard input was opened from, it is no file.
+// Whether a story is read from `file`, under whatever name. On a system that cannot tell
+// which file standard input was opened from, false for "-".
 bool IsStoryItself(const std::string& story, const std::filesystem::path& file);
 
 }  // namespace zelstory

@@ -21,7 +21,7 @@ using namespace zelstoryparser;
 
 enum class Alignment { kLeft, kRight };
 
-// Where a kind of paragraph stands on the page, in columns from 0.
+// The place of a kind of paragraph on the page, in columns from 0.
 struct Layout {
   std::int32_t mKind;
   std::size_t mIndent;
@@ -57,7 +57,7 @@ std::string Spaces(std::size_t count) {
   return std::string(count, ' ');
 }
 
-// The scene's number stands on both sides of its heading's first line.
+// The scene's number goes on both sides of its heading's first line.
 std::string NumberedLine(const std::string& number, const std::string& line) {
   const std::size_t used = ColumnsOf(number);
   const std::string left = number + Spaces(used < kLeftMargin ? kLeftMargin - used : 1);

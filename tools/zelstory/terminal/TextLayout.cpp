@@ -8,7 +8,7 @@
 namespace zelstory {
 namespace {
 
-// Hands each character to `use`, with U+FFFD in place of what is ill-formed.
+// Passes each character to `use`, with U+FFFD in place of ill-formed bytes.
 template <typename Use>
 void ForEachCharacter(std::string_view text, Use use) {
   while (!text.empty()) {
@@ -28,8 +28,8 @@ std::size_t Columns(utf8proc_int32_t character) {
   return static_cast<std::size_t>(std::max(utf8proc_charwidth(character), 0));
 }
 
-// Fills lines character by character. A word goes to a new line as a whole when it would pass the
-// line's end.
+// Fills lines character by character. A word that would not fit moves to a new line as
+// a whole.
 class Wrapper {
  public:
   explicit Wrapper(std::size_t columns) : mColumns(std::max<std::size_t>(columns, 2)) {}

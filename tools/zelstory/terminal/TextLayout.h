@@ -7,10 +7,10 @@
 // UTF-8 text on a page of fixed-width columns.
 namespace zelstory {
 
-// The columns that a terminal gives the text: two for wide characters, none for combining ones.
+// The columns that the text takes on a terminal: two for wide characters, none for combining ones.
 std::size_t ColumnsOf(std::string_view text);
 
-// The text in capitals, letter by letter as Unicode's simple case mapping has them.
+// The text in capitals, by Unicode's simple case mapping of each letter.
 std::string InCapitals(std::string_view text);
 
 // Cuts a text into lines of at most `columns` at white space, keeping its own line ends; a longer

@@ -12,7 +12,7 @@ namespace {
 using xmptoolkit::TreeNode;
 using JSON = nlohmann::ordered_json;
 
-// The most specific kind comes first: alternatives are ordered arrays, too.
+// Most specific kind first: an alternative array is also an ordered one.
 const char* KindOf(const TreeNode& node) {
   const XMP_OptionBits options = node.Options();
   if ((options & kXMP_PropArrayIsAlternate) != 0) return "alt";

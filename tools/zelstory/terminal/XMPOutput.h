@@ -9,9 +9,8 @@
 
 namespace zelstory {
 
-// Prints any metadata as an indented tree: a property a line, its kind in brackets (struct, bag,
-// seq, alt), values in quotation marks, items under their numbers, qualifiers under a question
-// mark.
+// Prints any metadata as an indented tree: one property per line, its kind in parentheses (struct,
+// bag, seq, alt), values in quotation marks, items by number, qualifiers with a question mark.
 void PrintXMP(const TXMPMeta<std::string>& metadata, std::ostream& output);
 
 // The same as JSON: {"properties": [NODE...]}, where a node has "name" (not in items), "namespace",

@@ -14,11 +14,11 @@ using zelstoryhost::SceneFacts;
 
 namespace {
 
-constexpr std::size_t kMostPeople = 30;
+constexpr std::size_t kMostCharacters = 30;
 constexpr std::size_t kLabelColumns = 19;
 constexpr int kRowHeight = 20;
 
-// The more words, the stronger. The steps grow, which keeps short speeches apart.
+// More words, stronger colour. The steps grow, so that short speeches differ.
 struct Shade {
   const char* mClass;
   std::int64_t mSixteenths;  // of the most words in any one place, at most
@@ -53,9 +53,9 @@ struct Share {
   std::int64_t mWords = 0;
 };
 
-std::vector<Share> SharesOf(const CharacterFacts& person, const Columns& columns) {
+std::vector<Share> SharesOf(const CharacterFacts& character, const Columns& columns) {
   std::vector<Share> shares(columns.Count());
-  for (const CharacterFacts::InScene& scene : person.mScenes) {
+  for (const CharacterFacts::InScene& scene : character.mScenes) {
     Share& share = shares[columns.ColumnOf(scene.mPosition)];
     share.mSpeeches += scene.mSpeeches;
     share.mWords += scene.mWords;
@@ -63,38 +63,39 @@ std::vector<Share> SharesOf(const CharacterFacts& person, const Columns& columns
   return shares;
 }
 
-void AddPersonRow(const Drawing& drawing, const CharacterFacts& person, const Columns& columns,
-                  int y, std::int64_t mostWords) {
+void AddCharacterRow(const Drawing& drawing, const CharacterFacts& character,
+                     const Columns& columns, int y, std::int64_t mostWords) {
   AddText(drawing.mLabels, columns.Left() - kLabelDistance, y + kRowHeight - 6, "label",
-          Shortened(person.mName, kLabelColumns));
+          Shortened(character.mName, kLabelColumns));
   AddLine(drawing.mPlot, columns.Left(), columns.Right(), y + kRowHeight);
-  const std::vector<Share> shares = SharesOf(person, columns);
+  const std::vector<Share> shares = SharesOf(character, columns);
   for (std::size_t column = 0; column < shares.size(); ++column) {
     const Share& share = shares[column];
     if (share.mSpeeches == 0) continue;
     const std::string text =
-        person.mName + ", " + columns.Name(column) + ": " + std::to_string(share.mSpeeches) +
+        character.mName + ", " + columns.Name(column) + ": " + std::to_string(share.mSpeeches) +
         (share.mSpeeches == 1 ? " speech, " : " speeches, ") + Counted(share.mWords, "word");
     AddBox(columns.AddLink(drawing.mPlot, column, text), ShadeOf(share.mWords, mostWords),
            columns.X(column), y + 2, columns.Width() - 1, kRowHeight - 4);
   }
 }
 
-std::int64_t MostWords(const std::vector<CharacterFacts>& people, const Columns& columns) {
+std::int64_t MostWords(const std::vector<CharacterFacts>& characters, const Columns& columns) {
   std::int64_t most = 0;
-  for (const CharacterFacts& person : people) {
-    for (const Share& share : SharesOf(person, columns)) most = std::max(most, share.mWords);
+  for (const CharacterFacts& character : characters) {
+    for (const Share& share : SharesOf(character, columns)) most = std::max(most, share.mWords);
   }
   return most;
 }
 
-std::string DescribeSpeakers(const std::vector<CharacterFacts>& shown) {
+std::string DescribeCharacters(const std::vector<CharacterFacts>& shown) {
   constexpr std::size_t kDescribed = 3;
   std::string description = "Most words: ";
   for (std::size_t i = 0; i < std::min(shown.size(), kDescribed); ++i) {
-    const CharacterFacts& person = shown[i];
-    description += (i == 0 ? "" : "; ") + person.mName + ", " + Counted(person.mWords, "word") +
-                   " in " + Counted(static_cast<std::int64_t>(person.mScenes.size()), "scene");
+    const CharacterFacts& character = shown[i];
+    description += (i == 0 ? "" : "; ") + character.mName + ", " +
+                   Counted(character.mWords, "word") + " in " +
+                   Counted(static_cast<std::int64_t>(character.mScenes.size()), "scene");
   }
   return description + '.';
 }
@@ -113,24 +114,24 @@ void AddNote(pugi::xml_node parent, std::size_t shown, std::size_t all, const Co
 
 }  // namespace
 
-void AddSpeakersChart(pugi::xml_node parent, const std::vector<SceneFacts>& scenes,
-                      const std::vector<CharacterFacts>& people) {
-  const auto count = static_cast<std::ptrdiff_t>(std::min(people.size(), kMostPeople));
-  const std::vector<CharacterFacts> shown(people.begin(), people.begin() + count);
+void AddCharactersChart(pugi::xml_node parent, const std::vector<SceneFacts>& scenes,
+                        const std::vector<CharacterFacts>& characters) {
+  const auto count = static_cast<std::ptrdiff_t>(std::min(characters.size(), kMostCharacters));
+  const std::vector<CharacterFacts> shown(characters.begin(), characters.begin() + count);
   std::vector<std::string> names;
   names.reserve(shown.size());
-  for (const CharacterFacts& person : shown)
-    names.push_back(Shortened(person.mName, kLabelColumns));
+  for (const CharacterFacts& character : shown)
+    names.push_back(Shortened(character.mName, kLabelColumns));
   const Columns columns(scenes, names);
-  AddNote(parent, shown.size(), people.size(), columns);
+  AddNote(parent, shown.size(), characters.size(), columns);
   const std::int64_t mostWords = MostWords(shown, columns);
   AddShadeLegend(parent, mostWords);
   const int bottom = static_cast<int>(shown.size()) * kRowHeight;
-  const Drawing drawing = columns.AddDrawing(parent, bottom + kAxisHeight,
-                                             "Who speaks in which scene", DescribeSpeakers(shown));
+  const Drawing drawing = columns.AddDrawing(
+      parent, bottom + kAxisHeight, "Who speaks in which scene", DescribeCharacters(shown));
   int y = 0;
-  for (const CharacterFacts& person : shown) {
-    AddPersonRow(drawing, person, columns, y, mostWords);
+  for (const CharacterFacts& character : shown) {
+    AddCharacterRow(drawing, character, columns, y, mostWords);
     y += kRowHeight;
   }
   columns.AddAxis(drawing.mPlot, bottom + kAxisHeight - 8);
