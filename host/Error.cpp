@@ -26,6 +26,11 @@ std::string Describe(const std::string& file, const std::optional<Position>& pos
 Error::Error(const std::string& file, const std::string& reason)
     : std::runtime_error(Describe(file, std::nullopt, reason, {})), mFile(file), mReason(reason) {}
 
+Error::Error(const std::string& file, const std::string& reason, ErrorKind kind)
+    : Error(file, reason) {
+  mKind = kind;
+}
+
 Error::Error(const std::string& file, const zelcore::xml::Position& position,
              const std::string& reason, const std::string& where)
     : std::runtime_error(Describe(file, position, reason, where)),

@@ -62,11 +62,12 @@ SelectedScene SceneFinder::Find(SceneKey key, const std::string& text) const {
 SelectedScene SceneFinder::FindPosition(const std::string& text) const {
   const std::optional<std::size_t> position = ReadCount(text);
   if (!position) {
-    throw Error(mFile, '"' + text + "\" is not a position: scenes count from 1, in whole numbers");
+    throw Error(mFile, '"' + text + "\" is not a position; positions are whole numbers from 1");
   }
   if (*position == 0 || *position > mScenes.size()) {
-    throw Error(mFile, "no scene is at position " + text + ": the body has " +
-                           std::to_string(mScenes.size()) + " scenes");
+    throw Error(mFile, "there is no scene at position " + text + "; the body has " +
+                           std::to_string(mScenes.size()) +
+                           (mScenes.size() == 1 ? " scene" : " scenes"));
   }
   return At(*position);
 }
@@ -76,10 +77,10 @@ SelectedScene SceneFinder::FindNumber(const std::string& text) const {
   const bool isPosition = position >= 1 && position <= mScenes.size();
   if (mNumbers.contains(text) || !isPosition) return FindOnly(mNumbers, "number", text);
   const std::string number = ToUTF8(mScenes[position - 1]->mSceneNumber);
-  throw Error(mFile,
-              "no scene has the number \"" + text + "\"; the scene at position " + text +
-                  (!IsNumber(number) ? " has no number" : " has the number \"" + number + '"') +
-                  ": name that number, or the position");
+  throw Error(mFile, "no scene has the number \"" + text + "\"; the scene at position " + text +
+                         (IsNumber(number) ? " has the number \"" + number +
+                                                 "\": use that number, or the position"
+                                           : " has no number: use the position"));
 }
 
 SelectedScene SceneFinder::FindOnly(const Positions& known, const char* what,
@@ -87,13 +88,13 @@ SelectedScene SceneFinder::FindOnly(const Positions& known, const char* what,
   const auto found = known.find(text);
   const std::string property = std::string(what) + " \"" + text + '"';
   if (found == known.end()) {
-    throw Error(mFile, "no scene has the " + property + "; zelstory scenes lists them");
+    throw Error(mFile, "no scene has the " + property, ErrorKind::kUnknownScene);
   }
   const std::vector<std::size_t>& positions = found->second;
   if (positions.size() > 1) {
     throw Error(mFile, std::to_string(positions.size()) + " scenes have the " + property +
                            ", at the positions " + Enumerate(positions) +
-                           ": name one by its position");
+                           ": choose one by its position");
   }
   return At(positions.front());
 }

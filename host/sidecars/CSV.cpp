@@ -103,9 +103,9 @@ std::vector<CSVRow> ReadCSV(std::string_view text, const std::string& file) {
   if (isWhole) return rows.Take();
   const int error = csv_error(&parser);
   if (error != CSV_EPARSE) throw std::bad_alloc();
-  throw Error(file, WholeLine(rows.Line()),
-              "a quotation mark is out of place: a cell that holds one is quoted, and the mark "
-              "doubled");
+  throw Error(
+      file, WholeLine(rows.Line()),
+      "a quotation mark is out of place; quote a cell that contains one, and double the mark");
 }
 
 }  // namespace zelstoryhost

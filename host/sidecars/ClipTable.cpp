@@ -37,13 +37,14 @@ Columns FindColumns(const CSVRow& names, const std::string& table) {
     const std::string name = LowerCase(names.mCells[i]);
     const auto key = kSceneKeys.find(name);
     if (name != "clip" && key == kSceneKeys.end()) continue;
-    if (!seen.emplace(name, i).second) throw Error(table, place, "two columns are called " + name);
+    if (!seen.emplace(name, i).second)
+      throw Error(table, place, "two columns have the name " + name);
     if (key != kSceneKeys.end()) columns.mScenes.push_back({key->second, i});
   }
   if (!seen.contains("clip") || columns.mScenes.empty()) {
     throw Error(table, place,
-                "the first line names the columns: clip, and one or more of scene (the "
-                "number in the script), position (from 1) and id");
+                "the first line must name the columns: clip, and at least one of scene (the number "
+                "in the script), position (from 1) and id");
   }
   columns.mClip = seen["clip"];
   return columns;
@@ -90,19 +91,19 @@ class TableReader {
       }
       if (!row.mScene.mScene) throw Error("", "the row names no scene");
     } catch (const Error& error) {
-      row.mFault = error.Reason();
+      row.mFault = error;
       row.mScene = {};
     }
     return row;
   }
 
   void FindClip(ClipRow& row) const {
-    if (row.mFile == "-") throw Error("", "a table names clips by their files");
+    if (row.mFile == "-") throw Error("", "a table cannot name standard input");
     row.mSidecar = FindSidecar(row.mFile, mSource.mForm, WhenAbsent::kCreate);
     const fs::path folder = fs::path(row.mSidecar).parent_path();
     std::error_code error;
     if (!folder.empty() && !fs::is_directory(folder, error)) {
-      throw Error("", "there is no folder " + folder.string());
+      throw Error("", "the folder " + folder.string() + " does not exist");
     }
     if (fs::is_directory(row.mSidecar, error)) throw Error("", "is a directory");
   }
@@ -133,7 +134,7 @@ class TableReader {
         lines += (lines.empty() ? "" : ", ") + std::to_string(row->mLine);
       }
       for (ClipRow* row : rows) {
-        if (row->mFault.empty()) row->mFault = "several lines mean its sidecar: " + lines;
+        if (!row->mFault) row->mFault.emplace("", "several lines name its sidecar: " + lines);
       }
     }
   }
@@ -142,7 +143,7 @@ class TableReader {
   bool AgreeOnShared(const std::vector<ClipRow*>& rows) const {
     return mSource.mForm == SidecarForm::kStem &&
            std::all_of(rows.begin(), rows.end(), [&](const ClipRow* row) {
-             return row->mFault.empty() && row->mScene.mPosition == rows[0]->mScene.mPosition;
+             return !row->mFault && row->mScene.mPosition == rows[0]->mScene.mPosition;
            });
   }
 
@@ -155,7 +156,7 @@ class TableReader {
 ClipTable ReadClipTable(std::string_view text, const ClipTableSource& source,
                         const SceneFinder& scenes) {
   const std::vector<CSVRow> rows = ReadCSV(text, source.mName);
-  if (rows.empty()) throw Error(source.mName, "is empty; its first line names the columns");
+  if (rows.empty()) throw Error(source.mName, "is empty; its first line must name the columns");
   return TableReader(source, scenes).Read(rows, FindColumns(rows[0], source.mName));
 }
 

@@ -97,10 +97,10 @@ bool Sidecar::IsChanged() const {
 
 void Sidecar::RefuseReadOnly() const {
   if (mIsFile && IsWriteProtected(mFile)) {
-    throw Error(mFile, "the file has no write permission; --force replaces it all the same");
+    throw Error(mFile, "the file has no write permission", ErrorKind::kWriteProtected);
   }
   if (mPacket.mIsReadOnly) {
-    throw Error(mFile, "the packet is marked read-only; --force changes it all the same");
+    throw Error(mFile, "the packet is marked read-only", ErrorKind::kReadOnlyPacket);
   }
 }
 

@@ -71,6 +71,12 @@ void AddSidecarsOf(const std::string& base, std::vector<std::string>& found) {
   }
 }
 
+std::string Joined(const std::vector<std::string>& names) {
+  std::string text = names.front();
+  for (auto name = names.begin() + 1; name != names.end(); ++name) text += " and " + *name;
+  return text;
+}
+
 std::string FullName(const fs::path& clip) {
   return clip.string() + ".xmp";
 }
@@ -86,8 +92,9 @@ std::string NewSidecar(const fs::path& clip, std::optional<SidecarForm> form,
   const std::string stem = StemName(clip);
   if (!Exists(clip)) throw Error(clip.string(), "No such clip (a sidecar's name ends in .xmp)");
   if (whenAbsent == WhenAbsent::kRefuse) {
-    throw Error(clip.string(),
-                "has no sidecar: there is no " + full + (stem == full ? "" : " and no " + stem));
+    const std::string missing =
+        stem == full ? full + " does not exist" : "neither " + full + " nor " + stem + " exists";
+    throw Error(clip.string(), "has no sidecar: " + missing);
   }
   return form == SidecarForm::kStem ? stem : full;
 }
@@ -98,9 +105,8 @@ std::string SharedSidecar(const fs::path& clip, const std::string& stem,
   const std::string other = OtherClipOfStem(clip);
   if (other.empty() || form == SidecarForm::kStem) return stem;
   if (form == SidecarForm::kFull) return FullName(clip);
-  throw Error(clip.string(), "would share the sidecar " + stem + " with " + other +
-                                 "; --sidecar-name stem shares it, --sidecar-name full takes " +
-                                 FullName(clip));
+  throw Error(clip.string(), "would share the sidecar " + stem + " with " + other,
+              ErrorKind::kSharedSidecar);
 }
 
 std::string SidecarOfClip(const fs::path& clip, std::optional<SidecarForm> form,
@@ -113,8 +119,8 @@ std::string SidecarOfClip(const fs::path& clip, std::optional<SidecarForm> form,
   if (form == SidecarForm::kFull && full == 1) return found.front();
   if (form == SidecarForm::kStem && stem == 1) return found.back();
   if (found.size() > 1) {
-    throw Error(clip.string(), "has two sidecars, " + found[0] + " and " + found[1] +
-                                   "; name one of them, or its form after --sidecar-name");
+    throw Error(clip.string(), "has several sidecars: " + Joined(found),
+                ErrorKind::kSeveralSidecars);
   }
   if (full == 1) return found.front();
   return found.empty() ? NewSidecar(clip, form, whenAbsent)

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include <zelstoryhost/Error.h>
 #include <zelstoryhost/Export.h>
 #include <zelstoryhost/SceneFinder.h>
 #include <zelstoryhost/SidecarName.h>
@@ -14,12 +15,12 @@ namespace zelstoryhost {
 
 // A row of a table that says which scene a clip shows.
 struct ClipRow {
-  std::size_t mLine = 0;  // in the table's file, from 1
-  std::string mClip;      // as the table has it; empty when it is missing
-  std::string mFile;      // the clip or sidecar, from the working directory
-  std::string mSidecar;   // the file to be written; empty when there can be none
-  SelectedScene mScene;   // without a scene when the row has a fault
-  std::string mFault;     // why nothing can be written; empty for a good row
+  std::size_t mLine = 0;        // in the table's file, from 1
+  std::string mClip;            // as the table has it; empty when it is missing
+  std::string mFile;            // the clip or sidecar, from the working directory
+  std::string mSidecar;         // the file to be written; empty when there can be none
+  SelectedScene mScene;         // without a scene when the row has a fault
+  std::optional<Error> mFault;  // why nothing can be written; none for a good row
 };
 
 struct ClipTable {

@@ -10,6 +10,16 @@
 
 namespace zelstoryhost {
 
+// The faults that a host may want to offer a remedy for.
+enum class ErrorKind {
+  kOther,
+  kWriteProtected,   // EditSettings::mForce replaces the file all the same
+  kReadOnlyPacket,   // EditSettings::mForce changes the packet all the same
+  kSharedSidecar,    // other clips may share the sidecar; a SidecarForm decides
+  kSeveralSidecars,  // the clip has several; name one of them, or give a SidecarForm
+  kUnknownScene,     // no scene has the number or identifier
+};
+
 // The error of the host layer: something in or about a file was refused. Unless a function says
 // otherwise, nothing has changed when it throws one. All texts are UTF-8.
 class ZELSTORYHOST_API Error : public std::runtime_error {
@@ -21,6 +31,9 @@ class ZELSTORYHOST_API Error : public std::runtime_error {
   // in the story, such as "body, scene 12A, paragraph 7".
   Error(const std::string& file, const zelcore::xml::Position& position, const std::string& reason,
         const std::string& where = {});
+
+  // A fault of the whole file that has a remedy.
+  Error(const std::string& file, const std::string& reason, ErrorKind kind);
 
   // FILE:LINE:COLUMN: error: REASON (WHERE), without the parts that are not known. Valid as long as
   // the error.
@@ -37,6 +50,8 @@ class ZELSTORYHOST_API Error : public std::runtime_error {
 
   const std::string& Reason() const { return mReason; }
 
+  ErrorKind Kind() const { return mKind; }
+
   // The place in the story; empty when the fault is outside of its streams.
   const std::string& Where() const { return mWhere; }
 
@@ -45,6 +60,7 @@ class ZELSTORYHOST_API Error : public std::runtime_error {
   std::optional<zelcore::xml::Position> mPosition;
   std::string mReason;
   std::string mWhere;
+  ErrorKind mKind = ErrorKind::kOther;
 };
 
 }  // namespace zelstoryhost

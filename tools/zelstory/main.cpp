@@ -18,17 +18,16 @@ using namespace zelstory;
 
 constexpr const char* kFooter =
     "First steps:\n"
-    "  zelstory check STORY                      is it a story, and if not, where does it go "
-    "wrong?\n"
-    "  zelstory scenes STORY                     which scenes has it?\n"
+    "  zelstory check STORY                      is it a valid story?\n"
+    "  zelstory scenes STORY                     which scenes does it have?\n"
     "  zelstory write STORY --scene 2 A001.mov   scene 2 into the sidecar of a clip\n"
-    "  zelstory tag STORY --table clips.csv      the clips of a folder; clips.csv holds, for "
-    "example,\n"
+    "  zelstory tag STORY --table clips.csv      the clips of a folder; clips.csv contains,\n"
+    "                                            for example,\n"
     "                                              clip,scene\n"
     "                                              A001.mov,2\n"
     "\n"
     "zelstory COMMAND --help explains the options of a command.\n"
-    "Where a file is named, - is standard input or output. Text is UTF-8.\n"
+    "As a file name, - means standard input or output. Text is UTF-8.\n"
     "Exit status: 0 done (or yes), 1 refused (or no), 2 wrong usage.";
 
 void AddCommands(CommandLine& tool) {
@@ -58,7 +57,7 @@ int Run(CommandLine& tool, int argc, char** argv) {
     PrintError(interrupted.what());
     std::raise(interrupted.Signal());  // so that a shell loop stops, too
   } catch (const zelstoryhost::Error& error) {
-    PrintError(error.what());
+    PrintError(error);
   } catch (const std::exception& error) {
     PrintError(std::string("zelstory: error: ") + error.what());
   }

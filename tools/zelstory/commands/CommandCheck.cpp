@@ -55,14 +55,15 @@ int Check(const CheckOptions& options) {
 }  // namespace
 
 void AddCheckCommand(CommandLine& tool) {
-  Command command = tool.AddCommand("check", "Test whether files are well-formed stories");
+  Command command = tool.AddCommand("check", "Validate story files");
   const auto options = std::make_shared<CheckOptions>();
   command.AddArguments("STORY", options->mFiles, "Story files; - is standard input");
-  command.AddFlag("--json", options->mAsJSON, "Print one JSON object a file");
+  command.AddFlag("--json", options->mAsJSON, "Print one JSON object per file");
   command.SetFooter(
-      "Prints FILE: ok, or FILE:LINE:COLUMN: error: MESSAGE (PLACE IN THE STORY), a line each.\n"
+      "Prints FILE: ok, or FILE:LINE:COLUMN: error: MESSAGE (PLACE IN THE STORY), one line per "
+      "file.\n"
       "Lines and columns count from 1, columns in characters.\n"
-      "Exit status: 0 all are stories, 1 one or more are not, 2 wrong usage.");
+      "Exit status: 0 all are valid, 1 one or more are not, 2 wrong usage.");
   command.SetAction([options] { return Check(*options); });
 }
 

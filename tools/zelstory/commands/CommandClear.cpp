@@ -24,9 +24,8 @@ void AddClearCommand(CommandLine& tool) {
   options->mEdit.AddTo(command);
   AddStrictFlag(command, options->mIsStrict);
   command.SetFooter(
-      "Prints each touched metadata path on a line, or \"unchanged\", as for a clip without "
-      "sidecar;\n"
-      "with CLIP: in front for several clips.\n"
+      "Prints each touched metadata path on a line, or \"unchanged\", as for a clip without a\n"
+      "sidecar. For several clips, each line is prefixed with CLIP:.\n"
       "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
   command.SetAction([options] {
     const WhenAbsent whenAbsent = WhenAbsentFor(options->mIsStrict);

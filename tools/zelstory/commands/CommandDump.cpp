@@ -38,9 +38,9 @@ void AddDumpCommand(CommandLine& tool) {
   const auto file = std::make_shared<std::string>();
   command.AddArgument("STORY", *file, "The story file; - is standard input");
   command.SetFooter(
-      "The files are mivTestXMPBufferDumpFile_Scene_N_Shot_N.txt; those of comment streams replace "
-      "the\n"
-      "body's of the same number. One that cannot be written is skipped without a word.\n"
+      "The files are mivTestXMPBufferDumpFile_Scene_N_Shot_N.txt; those of comment streams "
+      "replace\n"
+      "those of the body with the same number. A file that cannot be written is skipped silently.\n"
       "Exit status: 0 done, 1 refused, 2 wrong usage.");
   command.SetAction([file] { return Dump(*file); });
 }

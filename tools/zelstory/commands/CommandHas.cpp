@@ -39,15 +39,17 @@ int Has(const HasOptions& options) {
 }  // namespace
 
 void AddHasCommand(CommandLine& tool) {
-  Command command = tool.AddCommand("has", "Say whether sidecars hold a scene's metadata");
+  Command command = tool.AddCommand("has", "Test whether sidecars hold a scene's metadata");
   const auto options = std::make_shared<HasOptions>();
   command.AddArguments("CLIP", options->mClips,
                        "Sidecars (*.xmp) or the clips they belong to; - is standard input");
   AddSidecarNameOption(command, options->mForm);
   AddStrictFlag(command, options->mIsStrict);
   command.SetFooter(
-      "Prints yes or no, no for a clip without sidecar; with CLIP: in front for several clips.\n"
-      "Exit status: 0 all have, 1 one or more have not or were refused, 2 wrong usage.");
+      "Prints yes or no, no for a clip without a sidecar. For several clips, each line is "
+      "prefixed\n"
+      "with CLIP:.\n"
+      "Exit status: 0 all hold a scene, 1 one or more do not or were refused, 2 wrong usage.");
   command.SetAction([options] { return Has(*options); });
 }
 

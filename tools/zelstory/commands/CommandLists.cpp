@@ -49,11 +49,11 @@ void AddList(CommandLine& tool, const char* name, const char* description,
       command.AddFlag("--csv", options->mAsCSV, "Print comma-separated values (RFC 4180)");
   command
       .AddFlag("--raw", options->mIsRaw,
-               "With --csv: put no apostrophe before what a spreadsheet would run")
+               "With --csv: do not disarm spreadsheet formulas with an apostrophe")
       .Needs(csv);
   command.AddFlag("--bom", options->mHasMark, "With --csv: begin with a byte-order mark, for Excel")
       .Needs(csv);
-  command.AddFlag("--json", options->mAsJSON, "Print a JSON array with an object a row")
+  command.AddFlag("--json", options->mAsJSON, "Print a JSON array with one object per row")
       .Excludes(csv);
   command.SetFooter(columns + "\nExit status: 0 done, 1 refused, 2 wrong usage.");
   command.SetAction([options, lister] { return List(*options, lister); });
@@ -65,14 +65,13 @@ void AddListCommands(CommandLine& tool) {
   AddList(
       tool, "scenes", "List the scenes of the body",
       "Columns: position (from 1), number, setting, location, time, duration (h:mm:ss), speeches,\n"
-      "characters (how many speak).",
+      "characters (the number that speak).",
       ListScenes);
   AddList(
       tool, "characters", "List who speaks, how much, and where",
-      "Columns: character, speeches, words, first and last scene, all scenes, by their numbers; "
-      "#3\n"
-      "is the scene at position 3, which has none. Parentheses after a name, as in ANNA (V.O.),\n"
-      "make no other character.",
+      "Columns: character, speeches, words, first and last scene, all scenes, by their numbers;\n"
+      "#3 is the scene at position 3, which has no number. Parentheses after a name are ignored:\n"
+      "ANNA (V.O.) is ANNA.",
       ListCharacters);
   AddList(tool, "stats", "Count scenes, paragraphs by kind, and words",
           "Columns: what, count, words.", ListCounts);

@@ -45,7 +45,7 @@ bool MakeFolder(const fs::path& folder) {
   std::error_code error;
   const bool isNew = fs::create_directories(folder, error);
   if (error || !fs::is_directory(folder)) {
-    throw Error(folder.string(), "is no folder and cannot be made one" +
+    throw Error(folder.string(), "is not a folder and cannot be created" +
                                      (error ? ": " + error.message() : std::string()));
   }
   return isNew;
@@ -88,7 +88,7 @@ class Shots {
   void RefuseForeignFiles() const {
     ForEach([](const fs::path& packet, std::size_t, const auto& shot) {
       if (!fs::exists(packet) || IsShotPacket(packet) || !shot()) return;
-      throw Error(packet.string(), "is not a shot's packet; --force replaces it all the same");
+      throw Error(packet.string(), "is not a shot's packet; --force replaces it anyway");
     });
   }
 
@@ -147,7 +147,7 @@ std::vector<fs::path> FoldersOf(const std::vector<std::string>& stories, const f
   std::vector<fs::path> folders;
   for (const std::string& story : stories) {
     if (story == kStandardStream) {
-      throw UsageError("standard input has no name for a folder; give it alone");
+      throw UsageError("standard input gives no folder name; pass it alone");
     }
     folders.push_back(folder / fs::path(story).stem());
     const auto twin = std::find(folders.begin(), folders.end() - 1, folders.back());
@@ -173,18 +173,17 @@ void AddShotsCommand(CommandLine& tool) {
       tool.AddCommand("shots", "Write a stand-alone XMP packet for every scene of the body");
   const auto options = std::make_shared<ShotOptions>();
   command.AddArguments("STORY", options->mStories, "Story files; - is standard input");
-  command
-      .AddText("--out", options->mFolder, "DIR", "The folder for the packets, created when absent")
+  command.AddText("--out", options->mFolder, "DIR", "The folder for the packets, created if needed")
       .Required();
-  command.AddFlag("--force", options->mForce, "Replace files that no run of shots made, too");
+  command.AddFlag("--force", options->mForce, "Also replace files that are not a shot's packet");
   command.SetFooter(
       "Writes DIR/scene_0001.xmp and so on, numbered by position. Prints position, shot ID and "
       "file,\n"
       "separated by tabs, one line per scene; scenes that make no shot are left out. Several "
       "stories\n"
-      "get a folder each in DIR, named after the story, and lines with STORY: in front. A file "
-      "that\n"
-      "is not such a packet is never replaced without --force.\n"
+      "get one folder each in DIR, named after the story; each line is prefixed with STORY:. A "
+      "file\n"
+      "that is not such a packet is never replaced without --force.\n"
       "Exit status: 0 done, 1 one or more were refused, 2 wrong usage.");
   command.SetAction([options] { return ShotsOfAll(*options); });
 }

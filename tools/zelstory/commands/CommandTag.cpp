@@ -113,14 +113,15 @@ class Outcomes {
 std::string ReasonOf(const Error& error, const ClipRow& row) {
   const std::string place = error.Place();
   const bool isKnown = place.empty() || place == row.mFile;
-  return isKnown ? error.Reason() : place + ": " + error.Reason();
+  return WithAdvice(isKnown ? error.Reason() : place + ": " + error.Reason(), error);
 }
 
 // A fault in one row suggests that the others are wrong, too, so nothing is written.
 int RefuseTable(const TagOptions& options, const std::vector<ClipRow>& rows, std::size_t faults) {
   const Outcomes outcomes(options);
   for (const ClipRow& row : rows) {
-    outcomes.PrintRefused(row, row.mFault.empty() ? "other lines have faults" : row.mFault);
+    outcomes.PrintRefused(
+        row, row.mFault ? WithAdvice(row.mFault->Reason(), *row.mFault) : "other rows have faults");
   }
   PrintError(options.mTable + ": error: " + std::to_string(faults) + " of " +
              std::to_string(rows.size()) +
@@ -143,7 +144,7 @@ int Tag(const TagOptions& options) {
   const auto story = LoadStory(options.mStory);
   const std::vector<ClipRow> rows = ReadRows(options, *story);
   const auto faults = static_cast<std::size_t>(std::count_if(
-      rows.begin(), rows.end(), [](const ClipRow& row) { return !row.mFault.empty(); }));
+      rows.begin(), rows.end(), [](const ClipRow& row) { return row.mFault.has_value(); }));
   if (rows.empty()) PrintNote(options.mTable, "the table has no rows, so there is nothing to do");
   if (faults > 0 && !options.mKeepsGoing) return RefuseTable(options, rows, faults);
 
@@ -153,7 +154,7 @@ int Tag(const TagOptions& options) {
   for (const ClipRow& row : rows) {
     batch.Next();
     try {
-      if (!row.mFault.empty()) throw Error("", row.mFault);
+      if (row.mFault) throw Error("", row.mFault->Reason(), row.mFault->Kind());
       outcomes.PrintDone(row, options.mEdit.Write(row.mFile, row.mScene.mScene));
     } catch (const Error& error) {
       outcomes.PrintRefused(row, ReasonOf(error, row));
@@ -172,15 +173,15 @@ void AddTagCommand(CommandLine& tool) {
   command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
   command
       .AddText("--table", options->mTable, "FILE",
-               "Which clip shows which scene, as comma-separated values; - is standard input")
+               "A CSV table of clips and their scenes; - is standard input")
       .Required();
   command.AddText("--clips", options->mFolder, "DIR",
-                  "The folder that names of clips start from (default: the table's)");
+                  "The folder of relative clip names (default: the table's folder)");
   options->mEdit.AddTo(command);
   options->mEdit.AddMergeOption(command);
   command.AddFlag("--keep-going", options->mKeepsGoing,
                   "Write the other clips even if rows of the table have faults");
-  command.AddFlag("--json", options->mAsJSON, "Print one JSON object a clip, a line each");
+  command.AddFlag("--json", options->mAsJSON, "Print one JSON object per clip, one per line");
   command.SetFooter(
       "The table's first line names its columns: clip, and one or more of scene (the number in "
       "the\n"
@@ -188,8 +189,9 @@ void AddTagCommand(CommandLine& tool) {
       "  clip,scene\n"
       "  A001_C003.mov,1\n"
       "  A001_C004.mov,2\n"
-      "All rows are checked before anything is written. Each clip holds its scene and no other\n"
-      "afterwards. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one line per "
+      "All rows are checked before anything is written. Afterwards each clip holds its\n"
+      "scene and no other. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one "
+      "line per "
       "clip;\n"
       "a clip that is refused does not stop the others.\n"
       "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");

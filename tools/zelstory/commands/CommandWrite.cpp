@@ -32,8 +32,7 @@ int Write(const WriteOptions& options) {
 }  // namespace
 
 void AddWriteCommand(CommandLine& tool) {
-  Command command =
-      tool.AddCommand("write", "Write a scene into a sidecar, which is created when absent");
+  Command command = tool.AddCommand("write", "Write a scene into a sidecar, creating it if needed");
   const auto options = std::make_shared<WriteOptions>();
   command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
   command.AddArgument("CLIP", options->mSidecar,
@@ -43,7 +42,7 @@ void AddWriteCommand(CommandLine& tool) {
   options->mEdit.AddTo(command);
   options->mEdit.AddMergeOption(command);
   command.SetFooter(
-      "The clip holds this scene and no other afterwards. Prints each touched metadata path on a "
+      "Afterwards the clip holds this scene and no other. Prints each touched metadata path on a\n"
       "line, or \"unchanged\".\n"
       "Exit status: 0 done, 1 refused (the sidecar is as it was), 2 wrong usage.");
   command.SetAction([options] { return Write(*options); });

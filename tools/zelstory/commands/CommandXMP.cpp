@@ -26,7 +26,7 @@ void AddXMPCommand(CommandLine& tool) {
   command.AddArgument("CLIP", options->mClip,
                       "The sidecar (*.xmp) or the clip it belongs to; - is standard input");
   AddSidecarNameOption(command, options->mForm);
-  command.AddFlag("--json", options->mAsJSON, "Print JSON that tells the kind of every value");
+  command.AddFlag("--json", options->mAsJSON, "Print JSON with the kind of every value");
   command.SetFooter("Exit status: 0 done, 1 refused, 2 wrong usage.");
   command.SetAction([options] {
     const Sidecar sidecar = ReadSidecar(options->mClip, options->mForm, WhenAbsent::kRefuse);

@@ -17,7 +17,7 @@ std::string ReasonOf(const CLI::App& tool, const CLI::ParseError& error) {
   if (!tool.get_subcommands().empty()) return error.what();
   const std::vector<std::string> unknown = tool.remaining();
   return unknown.empty() ? "a command is required"
-                         : "there is no command or option " + unknown.front();
+                         : "unknown command or option: " + unknown.front();
 }
 
 }  // namespace
@@ -97,7 +97,7 @@ Command CommandLine::AddCommand(const char* name, const char* description) {
 
 std::function<int()> CommandLine::Parse(int argc, const char* const* argv) {
   if (std::count(argv, argv + argc, std::string_view()) > 0) {
-    throw UsageError("an argument is empty; does it come from a variable that is not set?");
+    throw UsageError("an argument is empty; is a variable not set?");
   }
   try {
     mTool->parse(argc, argv);

@@ -38,17 +38,17 @@ std::string Describe(const Difference& difference) {
 void EditOptions::AddTo(Command& command) {
   mSettings.mNote = PrintNote;
   command.AddFlag("--dry-run", mSettings.mIsDryRun,
-                  "Print old and new values, one path per line; touch nothing");
+                  "Print old and new values, one path per line; change nothing");
   command.AddFlag("--force", mSettings.mForce,
-                  "Change sidecars without write permission and packets marked read-only, too");
+                  "Also change write-protected sidecars and packets marked read-only");
   command.AddFlag("--no-wait", mNeverWaits,
-                  "Refuse while another process changes files of the folder");
+                  "Fail instead of waiting while another process changes the folder");
   AddSidecarNameOption(command, mSettings.mForm);
 }
 
 void EditOptions::AddMergeOption(Command& command) {
   command.AddFlag("--merge", mMerges,
-                  "Keep what the clip holds of another scene and this one lacks");
+                  "Keep properties of the clip's old scene that the new one lacks");
 }
 
 template <typename Make>

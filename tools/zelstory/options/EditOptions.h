@@ -12,7 +12,7 @@ namespace zelstory {
 
 // How --dry-run announces that the clip's present scene is removed first.
 inline constexpr const char* kClearsFirst =
-    "clears the scene that it holds first (--merge keeps what the new one lacks)";
+    "removes the clip's old scene first (--merge keeps what the new one lacks)";
 
 // A difference as --dry-run prints it: PATH: BEFORE -> AFTER
 std::string Describe(const zelstoryhost::Difference& difference);

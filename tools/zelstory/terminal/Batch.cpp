@@ -59,7 +59,7 @@ class Batch::Signals {
 
 Interrupted::Interrupted(int signal, std::size_t done, std::size_t count)
     : std::runtime_error("zelstory: interrupted after " + std::to_string(done) + " of " +
-                         std::to_string(count) + " files; the others were not touched"),
+                         std::to_string(count) + " files; the others are unchanged"),
       mSignal(signal) {}
 
 Batch::Batch(std::size_t count)
@@ -92,7 +92,7 @@ int ForEachFile(
     try {
       work(file, files.size() > 1 ? file + ": " : "");
     } catch (const zelstoryhost::Error& error) {
-      PrintError(error.what());
+      PrintError(error);
       status = kRefused;
     }
   }

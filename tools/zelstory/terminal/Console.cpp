@@ -92,6 +92,29 @@ void PrintError(const std::string& line) {
             << text.substr(mark + 2 + kMark.size()) << '\n';
 }
 
+void PrintError(const zelstoryhost::Error& error) {
+  PrintError(WithAdvice(error.what(), error));
+}
+
+std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error) {
+  using zelstoryhost::ErrorKind;
+  switch (error.Kind()) {
+    case ErrorKind::kOther:
+      return text;
+    case ErrorKind::kWriteProtected:
+      return text + "; --force replaces it anyway";
+    case ErrorKind::kReadOnlyPacket:
+      return text + "; --force changes it anyway";
+    case ErrorKind::kSharedSidecar:
+      return text + "; --sidecar-name stem shares it, --sidecar-name full gives the clip its own";
+    case ErrorKind::kSeveralSidecars:
+      return text + "; name one of them, or use --sidecar-name";
+    case ErrorKind::kUnknownScene:
+      return text + "; zelstory scenes lists them";
+  }
+  return text;
+}
+
 void PrintNote(const std::string& place, const std::string& text) {
   HideProgress();
   std::cerr << Printable(place + ": note: " + text) << '\n';

@@ -3,6 +3,7 @@
 #include <string>
 
 #include <nlohmann/json_fwd.hpp>
+#include <zelstoryhost/Error.h>
 
 namespace zelstory {
 
@@ -13,6 +14,12 @@ enum class Tone { kPlain, kGood, kBad, kFaint, kStrong };
 // Prints one line on standard error, usually PLACE: error: REASON. Control characters, which a file
 // name may contain, become "?".
 void PrintError(const std::string& line);
+
+// The same for an error of the host layer, with the option or command that helps.
+void PrintError(const zelstoryhost::Error& error);
+
+// A text about an error, with the option or command that helps, if there is one.
+std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error);
 
 // The same for information that is not an error: PLACE: note: TEXT.
 void PrintNote(const std::string& place, const std::string& text);
