@@ -1,4 +1,4 @@
-# Runs PROGRAM on the file INPUT and compares what it prints with the file EXPECTED.
+# Runs PROGRAM on the file INPUT and compares its output with the file EXPECTED.
 execute_process(COMMAND ${PROGRAM} ${INPUT} OUTPUT_VARIABLE printed RESULT_VARIABLE status)
 file(READ ${EXPECTED} expected)
 if(NOT status EQUAL 0 OR NOT printed STREQUAL expected)
