@@ -1,4 +1,4 @@
-// Loads one story from a file, as a process of its own whose memory can be measured.
+// Loads one story from a file, as a separate process whose memory can be measured.
 #include <cstring>
 #include <iostream>
 

@@ -1,4 +1,4 @@
-// What does a scene's packet cost to build, and a packet to parse, beside pugixml's plain XML?
+// Measures building a scene's packet, and parsing a packet, against plain XML with pugixml.
 #include <stdexcept>
 #include <string>
 
@@ -37,7 +37,7 @@ void OurPacket(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Scenes().size()));
 }
 
-// What both ways have to do: a scene's texts, gathered and converted.
+// What both must do: gather and convert a scene's texts.
 void PacketTexts(benchmark::State& state) {
   for (auto _ : state) {
     for (const auto& scene : Scenes()) {
@@ -58,7 +58,7 @@ void Append(pugi::xml_node parent, const char* name, const UTF16String& text) {
   if (!text.empty()) parent.append_child(name).text().set(zelcore::utility::UTF16to8(text).c_str());
 }
 
-// The same metadata as GetSceneXMP's, and the same room for later changes behind it.
+// Writes the same metadata as GetSceneXMP, and the same padding after it.
 std::string PugixmlPacket(const Scene& scene) {
   const SceneText text = CollectSceneText(scene);
   pugi::xml_document document;
@@ -127,7 +127,7 @@ BENCHMARK(OurPacket)->Unit(benchmark::kMillisecond);
 BENCHMARK(PacketTexts)->Unit(benchmark::kMillisecond);
 BENCHMARK(PugixmlPackets)->Unit(benchmark::kMillisecond);
 
-// About 100 kB: a long scene's.
+// Returns a packet of about 100 kB, that of a long scene.
 std::string LongPacket() {
   boost::intrusive_ptr<Scene> scene(new Scene(*Scenes()[1]));
   for (const auto& other : Scenes()) {

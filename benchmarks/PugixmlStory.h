@@ -7,6 +7,6 @@
 
 #include <zelstoryparser/StoryTree.h>
 
-// What people would write by hand in place of the library: pugixml's document, walked into the very
-// same tree. Without any test of structure: the document is taken to be a good one.
+// A hand-written replacement for the library: walks pugixml's document into the same tree. It does
+// not validate the structure.
 boost::intrusive_ptr<zelstoryparser::TavroStory> WalkStory(const pugi::xml_document& document);

@@ -32,7 +32,7 @@ class Generator {
   }
 
  private:
-  // The standard's engine gives the same numbers everywhere; its distributions do not.
+  // The standard engines give the same numbers everywhere; the distributions do not.
   std::size_t Below(std::size_t bound) { return mRandom() % bound; }
 
   std::string NextID() { return "objID=\"n" + std::to_string(++mIDs) + '"'; }

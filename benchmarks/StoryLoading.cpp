@@ -1,5 +1,5 @@
-// How long does a story take from bytes in memory to its tree and to the tree's release, beside
-// what it could be compared with? The argument is the document's size in megabytes.
+// Measures loading a story from bytes in memory into a tree and releasing the tree, against other
+// ways to read it. The argument is the document's size in megabytes.
 #include <algorithm>
 #include <map>
 #include <span>
@@ -41,7 +41,7 @@ void Load(benchmark::State& state) {
   });
 }
 
-// Everything but StoryParser's callbacks and the tree.
+// Everything except StoryParser's callbacks and the tree.
 void ReaderAlone(benchmark::State& state) {
   Measure(state, [](const std::string& story) {
     zelcore::xml::Reader reader;
@@ -50,7 +50,7 @@ void ReaderAlone(benchmark::State& state) {
   });
 }
 
-// The library's own bytes-to-events layer, before names and texts are converted.
+// The library's layer from bytes to events, before names and texts are converted.
 void DriverAlone(benchmark::State& state) {
   using namespace zelcore::xml;
   struct Nothing : SAXEvents {

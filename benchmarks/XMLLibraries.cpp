@@ -1,4 +1,4 @@
-// Which XML library reads a story fastest, with handlers that do nothing?
+// Compares how fast XML libraries read a story, with handlers that do nothing.
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -83,8 +83,8 @@ void ExpatPush(benchmark::State& state) {
 }
 BENCHMARK(ExpatPush);
 
-// Its fastest scanner, which knows neither DTD nor schema. Hands over UTF-16, so that what the
-// others' events cost to convert is in its time.
+// Uses its fastest scanner, which supports neither DTD nor schema. It delivers UTF-16, so its time
+// includes the conversion that the others' events still need.
 void XercesWellFormedness(benchmark::State& state) {
   using namespace xercesc;
   XMLPlatformUtils::Initialize();
@@ -98,7 +98,7 @@ void XercesWellFormedness(benchmark::State& state) {
     MemBufInputSource source(reinterpret_cast<const XMLByte*>(Document().data()), Document().size(),
                              "story");
     source.setCopyBufToStream(false);
-    for (auto _ : state) reader->parse(source);  // throws for what is not well-formed
+    for (auto _ : state) reader->parse(source);  // throws if it is not well-formed
   }
   XMLPlatformUtils::Terminate();
 }

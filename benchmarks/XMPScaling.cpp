@@ -1,4 +1,4 @@
-// Does a packet cost the same for each item, and each property, however many there are?
+// Measures whether the cost per item and per property stays the same however many there are.
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -26,7 +26,7 @@ TXMPMeta<std::string> ManyProperties(std::int64_t count) {
   return xmp;
 }
 
-// Properties whose names come again and again: ten to an item.
+// Properties whose names recur: ten per item.
 TXMPMeta<std::string> ManyFields(std::int64_t count) {
   TXMPMeta<std::string> xmp;
   for (std::int64_t i = 0; i < count / 10; ++i) {

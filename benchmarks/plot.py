@@ -17,7 +17,7 @@ def main():
         sys.exit(__doc__)
     with open(sys.argv[1], encoding="utf-8") as figures:
         report = json.load(figures)
-    # Relative to the bare reader at 1 MB, so that no absolute time is quoted.
+    # Relative to the bare reader at 1 MB, so that the picture shows no absolute time.
     unit = report["medians_ms"]["BareReader/1"]
     curves = [(label, colour, [report["medians_ms"][f"{name}/{size}"] / unit for size in SIZES])
               for name, label, colour in CURVES]

@@ -17,13 +17,13 @@ from pathlib import Path
 HERE = Path(__file__).resolve().parent
 STORY = HERE.parent / "examples/stories/harbour_lights.quor"
 
-# Whole programs, then one row a size: name, what over what, target (None: reported only).
+# Whole programs, then one row per size: name, what over what, target (None: reported only).
 LOADS = [
     ("load_vs_pugixml_walk", "Load", "PugixmlWalk", 0.77),
     ("load_vs_libxml2_dom", "Load", "Libxml2DOM", 0.33),
     ("load_vs_bare_reader", "Load", "BareReader", 2.0),
 ]
-SIZES = (1, 10, 100)  # megabytes; the ratio of a name without size is that of the last
+SIZES = (1, 10, 100)  # megabytes; a name without a size means the last one
 
 
 def run(command, **options):
@@ -123,7 +123,7 @@ def collect(build, repetitions, work):
         for size in SIZES:
             row(name if size == SIZES[-1] else f"{name}_{size}MB", f"{ours}/{other}, {size} MB",
                 benchmarks.ratio(f"{ours}/{size}", f"{other}/{size}"), target)
-    # What no handler can save: loading takes at least as long as reading.
+    # The part that no handler can save: loading takes at least as long as reading.
     row("bare_reader_vs_pugixml_walk", f"BareReader/PugixmlWalk, {SIZES[-1]} MB",
         benchmarks.ratio(f"BareReader/{SIZES[-1]}", f"PugixmlWalk/{SIZES[-1]}"))
     for size in SIZES:

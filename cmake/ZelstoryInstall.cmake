@@ -1,12 +1,12 @@
-# What `cmake --install` puts where, and the package that find_package finds.
+# The install rules, and the package that find_package finds.
 include(CMakePackageConfigHelpers)
 
 set(ZELSTORY_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/zelstoryparser)
 set(ZELSTORY_ZSH_DIR ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
-    CACHE STRING "Where zsh looks for completions")
+    CACHE STRING "The folder for zsh completions")
 
-# Components: libraries (what programs need to run), development, tool. The shared and the static
-# libraries are the same targets to those who find the package, so each form has a file of its own.
+# Components: libraries (what programs need to run), development, tool. Consumers see the shared and the
+# static libraries under the same target names, so each form has its own file.
 if(BUILD_SHARED_LIBS)
   set(ZELSTORY_FORM Shared)
 else()
@@ -41,7 +41,7 @@ foreach(form IN LISTS ZELSTORY_FORMS)
     COMPONENT development)
 endforeach()
 
-# An installed copy runs where it is, and may be moved; in /usr the system finds its libraries.
+# An installed copy runs from anywhere and may be moved; in /usr the system's loader finds the libraries.
 if(BUILD_SHARED_LIBS AND CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   set_target_properties(${ZELSTORY_LIBRARIES} PROPERTIES INSTALL_RPATH "")
   if(ZELSTORY_TOOL)
@@ -58,7 +58,7 @@ install(
   COMPONENT development
   FILES_MATCHING
   PATTERN "*.h")
-# The platform's public headers; those that are missing here are its own affair.
+# The platform's public headers; all others are internal.
 foreach(
   header
   zelcore/Export.h
@@ -88,8 +88,8 @@ install(FILES ${PROJECT_BINARY_DIR}/zelstoryparserConfig.cmake
               ${PROJECT_BINARY_DIR}/zelstoryparserConfigVersion.cmake
         DESTINATION ${ZELSTORY_PACKAGE_DIR} COMPONENT development)
 
-# For pkg-config. What the static libraries need stands in the fields that --static asks for; where
-# there are no others, it is always needed.
+# The pkg-config file. The needs of the static libraries are in the fields for --static, or, if only
+# static libraries are installed, in the normal fields.
 foreach(folder LIBDIR INCLUDEDIR)
   if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
     set(ZELSTORY_PC_${folder} "${CMAKE_INSTALL_${folder}}")
@@ -99,7 +99,7 @@ foreach(folder LIBDIR INCLUDEDIR)
 endforeach()
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
   set(ZELSTORY_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
-else() # found from where the file stands, so that an installed copy may be moved
+else() # relative to the file, so that an installed copy may be moved
   file(RELATIVE_PATH up "/p/${CMAKE_INSTALL_LIBDIR}/pkgconfig" /p)
   set(ZELSTORY_PC_PREFIX "\${pcfiledir}/${up}")
 endif()
@@ -131,7 +131,7 @@ endif()
 install(TARGETS zelstory RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
 set(manual ${PROJECT_SOURCE_DIR}/tools/zelstory/zelstory.1)
 find_program(ZELSTORY_GZIP gzip)
-if(ZELSTORY_GZIP) # as manuals lie in their folder
+if(ZELSTORY_GZIP) # manual pages are installed compressed
   add_custom_command(
     OUTPUT ${PROJECT_BINARY_DIR}/zelstory.1.gz
     COMMAND ${ZELSTORY_GZIP} -9nc ${manual} > ${PROJECT_BINARY_DIR}/zelstory.1.gz

@@ -1,4 +1,4 @@
-# What our own targets share. Nothing here leaks into a project that adds this one.
+# Settings that the project's targets share. None of them leaks into a project that adds this one.
 
 if(ZELSTORY_HARDENING)
   include(CheckCXXCompilerFlag)
@@ -8,9 +8,9 @@ if(ZELSTORY_HARDENING)
   check_linker_flag(CXX "LINKER:-z,relro,-z,now" ZELSTORY_HAS_RELRO)
 endif()
 
-# Where the loader finds the shared libraries, alike in the build folder and in an installed copy: a path
-# that CMake exchanges while installing is padded with empty entries, and an empty entry is the current
-# folder. Programs that are never installed name the build folder.
+# Where the loader finds the shared libraries, the same in the build folder and in an installed copy. If
+# CMake replaced the path on installation, it would pad it with empty entries, and an empty entry means the
+# current folder. Programs that are never installed name the build folder.
 set(ZELSTORY_LIBRARY_DIR ${PROJECT_BINARY_DIR}/lib)
 set(ZELSTORY_TOOL_DIR ${PROJECT_BINARY_DIR}/bin)
 if(APPLE)
@@ -18,7 +18,7 @@ if(APPLE)
 else()
   set(ZELSTORY_ORIGIN "\$ORIGIN")
 endif()
-if(PROJECT_IS_TOP_LEVEL OR ZELSTORY_INSTALL) # else a host decides where its binaries are, and how they are found
+if(PROJECT_IS_TOP_LEVEL OR ZELSTORY_INSTALL) # otherwise the host decides where its binaries are and how they are found
   if(NOT DEFINED CMAKE_LIBRARY_OUTPUT_DIRECTORY)
     set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${ZELSTORY_LIBRARY_DIR})
     set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${ZELSTORY_LIBRARY_DIR})
@@ -28,8 +28,7 @@ if(PROJECT_IS_TOP_LEVEL OR ZELSTORY_INSTALL) # else a host decides where its bin
   set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON) # dependencies outside the system's folders
 endif()
 
-# What the platform offers against faults that are left. Debian's compilers make position-independent
-# programs by themselves.
+# Hardens a target. Debian's compilers make position-independent programs by default.
 function(zelstory_harden target)
   if(ZELSTORY_HAS_STACK_PROTECTOR)
     target_compile_options(${target} PRIVATE -fstack-protector-strong)
@@ -37,7 +36,7 @@ function(zelstory_harden target)
   if(ZELSTORY_HAS_CF_PROTECTION)
     target_compile_options(${target} PRIVATE -fcf-protection)
   endif()
-  if(NOT MSVC) # needs an optimising compiler
+  if(NOT MSVC) # requires optimisation
     target_compile_options(${target} PRIVATE $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE
                                              -D_FORTIFY_SOURCE=2>)
   endif()
@@ -51,10 +50,10 @@ function(zelstory_options target)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
   if(ZELSTORY_WARNINGS AND NOT MSVC)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
-    # GCC 12 sees overlaps in "text" + std::string where there are none (its bug 105651).
+    # GCC 12 reports false overlaps in "text" + std::string (GCC bug 105651).
     if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
       target_compile_options(${target} PRIVATE -Wno-restrict)
-      if(ZELSTORY_SANITIZE) # nor can it see through std::regex when that is instrumented (105562)
+      if(ZELSTORY_SANITIZE) # and false warnings in instrumented std::regex (GCC bug 105562)
         target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
       endif()
     endif()
@@ -72,21 +71,22 @@ function(zelstory_options target)
   endif()
 endfunction()
 
-# Compiles the headers of other projects once per target, since they take longer than our own sources. Every
-# source still includes what it needs: the presets static, clang, asan and tsan compile without.
+# Precompiles the headers of other projects once per target, because they take longer to compile than the
+# project's sources. Every source still includes what it needs: the presets static, clang, asan and tsan compile
+# without precompiled headers.
 function(zelstory_precompile target)
   if(NOT ZELSTORY_PRECOMPILE)
     return()
   endif()
   target_precompile_headers(${target} PRIVATE ${ARGN})
-  # GCC 12 also warns of the standard library's own inlined code when it comes from such a header.
+  # GCC 12 also warns about the standard library's inlined code if it comes from a precompiled header.
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(${target} PRIVATE -Wno-stringop-overflow)
   endif()
 endfunction()
 
-# A library of ours: exports only what is marked. `prefix` begins its macros; STATIC behind it makes
-# it static also where the others are shared.
+# Sets up a library that exports only what is marked. `prefix` is the prefix of its macros; STATIC after it
+# marks it as static even if the others are shared.
 function(zelstory_library target prefix)
   zelstory_options(${target})
   zelstory_precompile(${target} <algorithm> <functional> <map> <memory> <string> <vector>)
@@ -104,26 +104,26 @@ function(zelstory_library target prefix)
   endif()
 endfunction()
 
-# The static library that is installed beside a shared one, in one name with it. Compiled by itself:
-# what goes into an archive may not be marked as exported, or every program and plug-in that takes it
-# in would export it again.
+# Adds the static library that is installed beside a shared one, under the same name. It is compiled
+# separately: symbols in an archive must not be marked as exported, or every program and plug-in that links
+# it would export them again.
 function(zelstory_static_twin target prefix)
   add_library(${target}_static STATIC ${ARGN})
   zelstory_library(${target}_static ${prefix} STATIC)
   set_target_properties(${target}_static PROPERTIES EXPORT_NAME ${target})
-  if(NOT WIN32) # where the import library has that name
+  if(NOT WIN32) # on Windows, the import library has that name
     set_target_properties(${target}_static PROPERTIES OUTPUT_NAME ${target})
   endif()
 endfunction()
 
-# Tests are compiled without optimisation, which takes a third less time; what they link has it.
+# Compiles tests without optimisation, which takes a third less time; the libraries they link are optimised.
 function(zelstory_not_optimised target)
   if(NOT MSVC)
     target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O0 -U_FORTIFY_SOURCE>)
   endif()
 endfunction()
 
-# The headers of the test library are compiled once, for all test programs.
+# Precompiles the headers of the test library once for all test programs.
 function(zelstory_precompile_tests target)
   if(NOT ZELSTORY_PRECOMPILE)
     return()
@@ -144,8 +144,8 @@ function(zelstory_precompile_tests target)
   target_precompile_headers(${target} REUSE_FROM zelstory_test_headers)
 endfunction()
 
-# A program beside the library: a test, an example, a benchmark. Its file is NAME and its target, which
-# `target` becomes, zelstory_NAME, so that it clashes with none of a host's.
+# Adds a test, an example or a benchmark. Its file is NAME. Its target is zelstory_NAME, which cannot clash
+# with a host's targets; `target` is set to it.
 macro(zelstory_add_program name)
   string(REGEX REPLACE "^zelstory_" "" target ${name})
   set(target zelstory_${target})
@@ -154,7 +154,7 @@ macro(zelstory_add_program name)
   zelstory_options(${target})
 endmacro()
 
-# A test program whose cases ctest runs one by one. Tests may include the headers of every folder.
+# Adds a test program whose cases ctest runs one by one. Tests may include the headers of every folder.
 function(zelstory_add_tests name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   zelstory_add_program(${name} ${ARG_SOURCES})
@@ -166,7 +166,7 @@ function(zelstory_add_tests name)
                                              ${PROJECT_BINARY_DIR}/tests)
   zelstory_not_optimised(${target})
   zelstory_precompile_tests(${target})
-  list(FILTER ARG_SOURCES EXCLUDE REGEX "Test\\.cpp$") # what needs none of these headers
+  list(FILTER ARG_SOURCES EXCLUDE REGEX "Test\\.cpp$") # sources that need none of these headers
   set_source_files_properties(${ARG_SOURCES} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()

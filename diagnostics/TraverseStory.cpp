@@ -21,7 +21,7 @@ UTF16String DumpFilePath(std::int32_t sceneNumber, std::int32_t shotNumber) {
                                         std::to_string(shotNumber) + ".txt");
 }
 
-// Removes what stands at the path first, so that a link planted there is not written through.
+// Removes an existing entry first, so that the dump never writes through a planted link.
 void WriteDumpFile(const UTF16String& path, const std::string& packet) {
   File file(path);
   if (file.Exists()) file.Delete();

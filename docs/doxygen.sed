@@ -1,11 +1,11 @@
-# Our comments are plain; Doxygen reads those with a third stroke. Behind code they speak of it.
+# Doxygen reads comments with a third slash only; a comment after code documents that code.
 s@^( *)//( |$)@\1/// @
 t comment
 s@^([^"]*[;,{}] *)// @\1///< @
 t comment
 b
 :comment
-# In the comment alone: no markup is meant.
+# In the comment itself, nothing is markup.
 h
 s@^.*///<? ?@@
 s@<@\\<@g

@@ -1,5 +1,5 @@
-# Runs PROGRAM on the file INPUT, and on a clip CLIP without sidecar where one is named, and compares what it
-# prints with the file EXPECTED.
+# Runs PROGRAM on the file INPUT, and on a new clip if CLIP names one, and compares its output with the file
+# EXPECTED.
 if(CLIP)
   file(WRITE ${CLIP} "")
   file(REMOVE ${CLIP}.xmp)

@@ -1,5 +1,5 @@
-// A handler of one's own, derived from StoryParser: it tells where each scene begins, and refuses a
-// story whose scenes have no number.
+// A handler derived from StoryParser. It prints where each scene begins, and rejects a story with a
+// scene that has no number.
 #include <iostream>
 
 #include <zelcore/xml/Reader.h>

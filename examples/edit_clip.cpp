@@ -1,4 +1,5 @@
-// Writes a scene into a clip's XMP, looks at it, clears it, and makes the scene's own packet.
+// Writes a scene into a clip's XMP, reads a property, clears the scene, and builds the scene's own
+// packet.
 #include <iostream>
 
 #include <zelcore/xml/Reader.h>

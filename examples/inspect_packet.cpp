@@ -1,5 +1,4 @@
-// Finds the XMP packet among the bytes of a file below 4 GiB, says where it lies, and prints what
-// it holds.
+// Finds the XMP packet in a file of less than 4 GiB, and prints its position and its content.
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -34,7 +33,7 @@ int main(int argc, char** argv) {
   try {
     const auto size = static_cast<XMP_StringLen>(bytes.size());
     const XMP_PacketInfo packet = TXMPUtils::LocatePacket(bytes.data(), size);
-    if (!packet.mHasWrapper) return 1;  // no packet among the bytes, or nothing but one
+    if (!packet.mHasWrapper) return 1;  // no packet, or the whole file is one
     std::cout << "bytes " << packet.mOffset << " to " << packet.mOffset + packet.mLength
               << (packet.mIsReadOnly ? ", read-only\n" : ", may be changed in place\n");
     const TXMPMeta<std::string> metadata(bytes.data() + packet.mOffset,

@@ -1,4 +1,4 @@
-// Reads a story, tells its first fault, and prints who speaks how often.
+// Reads a story, reports its first fault, and prints how often each character speaks.
 #include <iostream>
 #include <map>
 
@@ -17,13 +17,13 @@ std::string UTF8(const UTF16String& text) {
 boost::intrusive_ptr<TavroStory> Read(const char* file) {
   zelcore::xml::Reader reader;
   StoryParser parser;
-  if (!reader.ParseFile(file, parser)) {  // the bytes are no XML, or there are none
+  if (!reader.ParseFile(file, parser)) {  // cannot be read, or is not well-formed
     const auto& [source, position, reason] = reader.Error();
     std::cerr << source << ':' << position.mLine << ':' << position.mColumn << ": " << reason
               << '\n';
     return nullptr;
   }
-  if (parser.IsParseError()) {  // the XML is no story
+  if (parser.IsParseError()) {  // the XML is not a story
     std::cerr << file << ": " << UTF8(parser.GetErrorString()) << '\n';
     return nullptr;
   }

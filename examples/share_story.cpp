@@ -1,4 +1,4 @@
-// One tree, read by several threads: each holds it, and the last one to let go frees it.
+// Several threads read one tree. Each holds a reference; the last to drop it frees the tree.
 #include <iostream>
 #include <thread>
 
@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
       }
     });
   }
-  story.reset();  // the threads keep the tree
+  story.reset();  // the threads keep the tree alive
   for (std::thread& thread : threads) thread.join();
   for (const std::size_t count : counts) std::cout << count << " paragraphs\n";
 }

@@ -9,8 +9,8 @@
 #include "Support.h"
 #include "support/TreeDump.h"
 
-// Events in any order, to several parsers that are copied and assigned to each other meanwhile.
-// Beside each parser runs a model of the format's rules; their trees must always be the same.
+// Sends events in any order to several parsers, which are copied and assigned to each other between
+// events. Each parser has a model of the format's rules; their trees must always be equal.
 namespace {
 
 using namespace zelstoryparser;
@@ -22,7 +22,7 @@ using Attributes = StoryParser::Attributes;
 struct ModelNode;
 using Link = std::shared_ptr<ModelNode>;
 struct ModelNode {
-  Text mKind, mName, mID;  // the name is the one that a dump has
+  Text mKind, mName, mID;  // the name is as in a dump
   std::vector<std::pair<Text, Text>> mValues;
   std::vector<Link> mChildren;
 
@@ -43,7 +43,7 @@ const auto kValues = Words(
     "Character Parenthetical");
 const auto kKinds = Words("SceneHeading Character Dialog Action Shot Parenthetical Transition");
 
-// What nodes keep beside their identifiers: the word of a dump, and the attribute if there is one.
+// What nodes keep besides their identifiers: the word in a dump, and the attribute if there is one.
 std::map<Text, std::vector<Text>> gKept = {
     {u"TavroStory", Words("version=version type=documentType template=template meta=")},
     {u"document", Words("version=version")},
@@ -122,7 +122,7 @@ class Model {
   std::map<Text, Link> mOpen;
 };
 
-// In the words of DumpTree. The streams of a document come in the order of their slots.
+// Returns a node as DumpTree prints it. The streams of a document come in the order of their slots.
 Text Dump(const ModelNode& node) {
   Text text = node.mKind == u"textRun" ? u"'" + node.mName + u"'" : node.mName;
   if (!node.mID.empty()) text += u"#" + node.mID;
@@ -139,7 +139,7 @@ Text Dump(const ModelNode& node) {
   return isList ? text + u"}" : text;
 }
 
-// Tests what holds for every node of a tree that is held by one holder, or by parsers, too.
+// Checks the invariants of every node in a tree, which has one holder or is also held by parsers.
 template <typename Node>
 void TestNode(const boost::intrusive_ptr<Node>& node, bool isAlone, std::set<const void*>& seen) {
   if (!node) return;

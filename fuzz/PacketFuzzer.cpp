@@ -5,7 +5,8 @@
 
 #include "Packets.h"
 
-// The bytes of a packet: refused, or read, and then written and read again without any change.
+// Parses the bytes of a packet. If they are accepted, writes and reads them again without any
+// change.
 namespace {
 
 using fuzzing::Equality;
@@ -25,7 +26,7 @@ void TestPlace(std::string_view bytes, const Meta* meta) {
   Require(AreEqual(alone, *meta, Equality::kFile), "a packet alone is the same packet");
 }
 
-// The library's own operations on any metadata.
+// Runs the library's operations on any metadata.
 void TestScene(const Meta& meta) {
   Meta xmp(meta);
   std::vector<zelmetadata::Path> changed;

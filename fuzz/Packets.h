@@ -7,7 +7,7 @@
 
 #include "Support.h"
 
-// Packets, for the targets that read and write them.
+// Helpers for the targets that read and write packets.
 namespace fuzzing {
 
 using Meta = TXMPMeta<std::string>;
@@ -22,7 +22,7 @@ inline std::string Serialize(const Meta& meta, XMP_OptionBits options = 0) {
   return packet;
 }
 
-// Makes a call that may be refused; nothing but XMP_Error may come out of it.
+// Makes a call that the toolkit may refuse; it may throw nothing but XMP_Error.
 template <typename Call>
 bool IsAccepted(Call call) {
   try {

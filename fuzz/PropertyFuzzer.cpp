@@ -7,8 +7,8 @@
 #include "Packets.h"
 #include "TextRules.h"
 
-// Property operations in sequence on one XMP object, and on a plain tree beside it: both do them or
-// both refuse them, and both look the same.
+// Runs a sequence of property operations on an XMP object and on a plain tree, the model. Both must
+// accept or refuse each operation, and both must stay equal.
 namespace {
 
 using fuzzing::Equality;
@@ -43,9 +43,9 @@ struct ModelNode {
 };
 
 struct Place {
-  ModelNode* mNode;    // the last on the way that is there
-  ModelNode* mParent;  // what it is in
-  std::size_t mSteps;  // how many lead to it
+  ModelNode* mNode;    // the last existing node on the path
+  ModelNode* mParent;  // its parent
+  std::size_t mSteps;  // the number of steps to it
 };
 
 struct Refused {};
@@ -74,7 +74,7 @@ Place Follow(ModelNode& root, const Path& path) {
 XMP_OptionBits FormOf(XMP_OptionBits options) {
   const XMP_OptionBits array = options & kAnyArray, other = options & ~kAnyArray;
   RefuseIf(array != 0 ? other != 0 : other != 0 && other != kURI && other != kStruct);
-  // Each kind of array is one of the more general kinds, too.
+  // Each kind of array is also one of the more general kinds.
   return array == 0 ? other : (std::bit_floor(array) * 2 - kArray) & ~kByLanguage;
 }
 
@@ -228,7 +228,7 @@ void Write(unsigned command, fuzzing::Input& input, Pair& pair) {
     return OnBoth([&] { meta.DeleteProperty(uri, text.c_str()); }, [&] { Delete(model, path); });
   const Value value = PickValue(input);
   const XMP_OptionBits options = PickOptions(input);
-  const bool hasNUL = value && value->find('\0') != value->npos;  // which a pointer cannot say
+  const bool hasNUL = value && value->find('\0') != value->npos;  // which a C string cannot hold
   const bool isString = value && (hasNUL || value->size() % 2 == 0);
   const char* const plain = value ? value->c_str() : nullptr;
   if (command == 1) {
@@ -270,7 +270,7 @@ void Read(fuzzing::Input& input, Pair& pair) {
   Require(static_cast<std::size_t>(count) == (hasItems ? node->mChildren.size() : 0), "counts");
 }
 
-// A text that need not be a path.
+// Tries a text that need not be a path.
 void TryText(fuzzing::Input& input, const Meta& meta) {
   const std::string text(input.Bytes(input.Byte() % 32));
   Meta copy(meta);

@@ -7,8 +7,8 @@
 
 #include "Support.h"
 
-// Runs a fuzz target over the files of folders, for compilers that bring no fuzzer. Each name is
-// printed first, so that the last one is what a fault belongs to.
+// Runs a fuzz target on the files of folders, for compilers without a fuzzer. Prints each file's
+// name first, so that the last name printed is that of the file with the fault.
 int main(int argc, char** argv) {
   std::set<std::filesystem::path> files;
   for (int i = 1; i < argc; ++i) {

@@ -12,8 +12,8 @@
 #include "Packets.h"
 #include "tools/zelstory/terminal/Screenplay.h"
 
-// A story document on all its ways: read, shown as JSON and as a screenplay, each scene made into a
-// packet as the dump does it, written into a clip's metadata and cleared from it.
+// Takes a story document through every operation: it is read, printed as JSON and as a screenplay;
+// each scene is made into a packet as in a dump, written into a clip's metadata and cleared again.
 namespace {
 
 using namespace zelstoryparser;
@@ -66,7 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   Require(!story == !copy, "a stream's root is the same");
   if (!story) return 0;
 
-  // What was built before an error is a whole tree, too.
+  // The tree built before an error is complete, too.
   const std::string json = zelstoryhost::StoryAsJSON(*story);
   Require(zelstoryhost::StoryAsJSON(*copy) == json, "a stream's tree is the same");
   Require(nlohmann::ordered_json::parse(json).dump(2) == json, "the JSON is JSON");

@@ -11,19 +11,19 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size);
 
-// What the fuzz targets share.
+// Helpers that the fuzz targets share.
 namespace fuzzing {
 
 using Text = zelcore::UTF16String;
 
-// Ends the program, as a fault does, when a promise does not hold.
+// Aborts the program, as a fault does, if a promise does not hold.
 inline void Require(bool holds, const char* promise) {
   if (holds) return;
   std::fprintf(stderr, "not true: %s\n", promise);
   std::abort();
 }
 
-// UTF-16 as it stands in the bytes, low byte first, well-formed or not.
+// Returns the UTF-16 code units in the bytes, low byte first, well-formed or not.
 inline Text RawText(std::string_view bytes) {
   Text text(bytes.size() / 2, u'\0');
   for (std::size_t i = 0; i < 2 * text.size(); ++i)
@@ -31,7 +31,7 @@ inline Text RawText(std::string_view bytes) {
   return text;
 }
 
-// The words of an ASCII text, for tables.
+// Returns the words of an ASCII text, for tables.
 inline std::vector<Text> Words(std::string_view text) {
   std::vector<Text> words(1);
   for (const char c : text)
@@ -39,7 +39,7 @@ inline std::vector<Text> Words(std::string_view text) {
   return words;
 }
 
-// Takes an input apart from its front; an exhausted one gives zeros and empty texts.
+// Reads an input from its beginning; an exhausted input gives zeros and empty texts.
 class Input {
  public:
   Input(const std::uint8_t* bytes, std::size_t size)

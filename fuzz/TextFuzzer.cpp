@@ -8,7 +8,7 @@
 #include "scenexmp/ShotProperties.h"
 #include "text/StringTokenizer.h"
 
-// What the library does with text, beside a second statement of the same rules.
+// Compares the library's text functions with a second statement of the same rules.
 namespace {
 
 using namespace zelstoryparser;
@@ -66,7 +66,7 @@ void TestTokenizer(const Text& text, const Text& delimiters, bool skipsRepeated)
   Require(!tokenizer.HasMoreTokens() && tokenizer.IsExhausted(), "an end is for good");
 }
 
-// A stream of the standard library; what is no ASCII is no part of a number either way.
+// Returns a stream of the standard library. Non-ASCII characters are never part of a number.
 std::istringstream ClassicStream(const Text& text) {
   std::string ascii;
   for (const char16_t unit : text) ascii += unit < 0x80 ? static_cast<char>(unit) : '?';
@@ -83,7 +83,7 @@ void TestNumbers(const Text& text) {
     stream >> number;
     goesOn = static_cast<bool>(classic >> expected);
     Require(static_cast<bool>(stream) == goesOn, "extractions succeed as the standard's do");
-    if (!goesOn && expected == 77) expected = 0;  // it touches nothing where the text has ended
+    if (!goesOn && expected == 77) expected = 0;  // at the end of the text it changes nothing
     Require(number == expected, "numbers are the standard's");
   }
 }

@@ -6,11 +6,12 @@
 
 #include "Support.h"
 
-// The rules of text stated a second time, in the plainest way; nothing here is fast.
+// A second, independent statement of the text rules. It is simple rather than fast.
 namespace fuzzing {
 
-// The character that UTF-8 bytes begin with, by the table of well-formed byte sequences; nothing
-// for an ill-formed one. `length` becomes that of the sequence, or of its maximal ill-formed part.
+// Returns the first character of UTF-8 bytes, by the table of well-formed byte sequences; nothing
+// if it is ill-formed. `length` receives the length of the sequence, or of its maximal ill-formed
+// part.
 inline std::optional<char32_t> FirstCharacter(std::string_view bytes, std::size_t& length) {
   constexpr struct {
     unsigned mFirst, mLast, mSecondFrom, mSecondTo, mLength;
@@ -44,7 +45,7 @@ inline Text ToUTF16(std::string_view bytes) {
   return text;
 }
 
-// Whether XML 1.0 can carry UTF-8 bytes.
+// Returns whether XML 1.0 can carry UTF-8 bytes.
 inline bool IsXMLText(std::string_view bytes) {
   for (std::size_t length = 0; !bytes.empty(); bytes.remove_prefix(length)) {
     const char32_t c = FirstCharacter(bytes, length).value_or(0);
@@ -104,7 +105,7 @@ inline Heading SplitHeading(const Text& text) {
   return heading;
 }
 
-// The pieces of a text: one in front of each delimiter, and what follows the last, if anything.
+// Returns the pieces of a text: one before each delimiter, and the text after the last one, if any.
 inline std::vector<Text> Pieces(const Text& text, const Text& delimiters, bool skipsRepeated) {
   std::vector<Text> pieces(text.empty() ? 0 : 1);
   for (std::size_t i = 0; i < text.size(); ++i) {

@@ -5,7 +5,7 @@
 
 namespace zelstoryparser {
 
-// What a tag means to the parser.
+// The kinds of elements.
 enum StoryElementCode : std::int32_t {
   kElementStory = 100,
   kElementDocument = 101,
@@ -20,7 +20,7 @@ enum StoryElementCode : std::int32_t {
   kElementUnknown = 110,
 };
 
-// An element's name, exact in case, and its code; any other name is kElementUnknown.
+// The name of an element, which is case-sensitive, and its code. Any other name is kElementUnknown.
 struct ElementEntry {
   const char* mName;  // ASCII
   StoryElementCode mCode;

@@ -137,7 +137,7 @@ void StoryParser::StartElement(const UTF16String& name, const Attributes& attrib
       if (mStory) mStory->mTags.push_back(GetAttributeValue(attributes, kLabel));
       return;
     default:
-      return;  // "metaData": its text is wanted at its end; unknown names: nothing is
+      return;  // "metaData" is handled at its end tag; unknown names are ignored
   }
 }
 
@@ -187,8 +187,7 @@ void StoryParser::LinkStream(boost::intrusive_ptr<Stream>& slot, const char* occ
   slot = mCurrentStream;
 }
 
-// An open stream is served before an open comment stream, and only the latter asks that no section
-// be open.
+// Prefers the open stream. A comment stream takes a section only while no section is open.
 void StoryParser::StartSection(const Attributes& attributes) {
   if (mCurrentStream && !mCurrentStream->mSection) {
     return OpenSection(attributes, mCurrentStream->mSection);
@@ -268,7 +267,7 @@ void StoryParser::EndElement(const UTF16String& name) {
     case kElementMetaData:
       return EndMetaData();
     default:
-      return;  // the root stays for GetStory
+      return;  // the root stays available from GetStory
   }
 }
 

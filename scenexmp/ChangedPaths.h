@@ -17,8 +17,9 @@ void ReportHeading(ChangedPaths& changedPaths);
 // Appends the path of the action text.
 void ReportAction(ChangedPaths& changedPaths);
 
-// Appends what a change of the dialogue sequence touched, by its numbers of items before and after:
-// the sequence itself when it came into being, then the leaves of every item there was or is.
+// Appends what a change of the dialogue sequence touched, given its numbers of items before and
+// after: the sequence itself if it was created, then the leaves of every item that existed or
+// exists.
 void ReportDialog(XMP_Index countBefore, XMP_Index countAfter, ChangedPaths& changedPaths);
 
 }  // namespace zelstoryparser

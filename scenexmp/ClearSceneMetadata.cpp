@@ -22,7 +22,7 @@ UTF16String ClearSceneMetadataFromXMP(TXMPMeta<std::string>& xmp,
   }
   ReportAction(changedPaths);
 
-  // Counted before the items go, so that they can be reported.
+  // Counted before the items are removed, so that they can be reported.
   const XMP_Index countBefore = CountDialogItems(xmp);
   if (!RemoveDialogSequence(xmp)) {
     return LocalizedText(

@@ -19,7 +19,7 @@ void SetField(const std::string& item, const StoryProperty& field, const UTF16St
                      ToolkitValue(text), 0);
 }
 
-// An absent field reads as empty text.
+// Returns an empty text if the field is absent.
 UTF16String GetField(const TXMPMeta<std::string>& xmp, const std::string& item,
                      const StoryProperty& field, XMP_OptionBits& options, bool& anyFound) {
   std::string value;

@@ -21,7 +21,7 @@ UTF16String SceneNumber(const Scene& scene, std::int32_t sceneOrdinal) {
   return zelcore::utility::AsciiToUTF16(digits);
 }
 
-// The identifier of the first paragraph, whatever its kind.
+// Returns the identifier of the first paragraph, of any kind.
 UTF16String ShotID(const Scene& scene) {
   for (const boost::intrusive_ptr<Paragraph>& paragraph : scene.mParagraphs) {
     if (paragraph) return paragraph->mObjectID.AsString();
@@ -40,7 +40,7 @@ UTF16String JoinName(const std::array<UTF16String, Count>& parts) {
   return name;
 }
 
-// A property that the toolkit refuses is left out; the record is made all the same.
+// Leaves out a property that the toolkit refuses; the record is made anyway.
 void BuildShotXMP(const UTF16String& shotID, const UTF16String& sceneNumber,
                   const UTF16String& duration, const UTF16String& heading,
                   const UTF16String& action, const CharacterDialogPairs& pairs,

@@ -5,7 +5,7 @@
 
 namespace zelstoryparser {
 
-// The host's text for a whole key text, "$$$/zelstoryparser/Key=English default".
+// Returns the host's translation of a key text, "$$$/zelstoryparser/Key=English default".
 inline zelcore::UTF16String LocalizedText(const char* keyText) {
   return zelcore::config::Localizer::Get().GetLocalizedString(keyText);
 }

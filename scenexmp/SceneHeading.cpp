@@ -40,7 +40,7 @@ UTF16String WithoutTrailingBlanks(Word text) {
   return UTF16String(text.substr(0, text.find_last_not_of(kBlanks) + 1));
 }
 
-// The longest entry of a table for which the test holds; empty when there is none.
+// Returns the longest entry of a table that matches; empty if none does.
 template <typename Table, typename Test>
 Word LongestMatch(const Table& table, Test matches) {
   Word longest;
@@ -56,13 +56,13 @@ Word FindSetting(Word heading) {
   });
 }
 
-// The part behind a recognised setting: one full stop belongs to the setting.
+// Returns the part after a recognised setting; one full stop belongs to the setting.
 UTF16String RestBehindSetting(Word rest) {
   if (!rest.empty() && rest.front() == kFullStop) rest.remove_prefix(1);
   return WithoutLeadingBlanks(rest);
 }
 
-// Without a recognised setting, the text before the first full stop is taken for one.
+// Without a recognised setting, the text before the first full stop is the setting.
 UTF16String RestBehindFirstStop(const UTF16String& heading, UTF16String& setting) {
   StringTokenizer parts(heading, UTF16String(1, kFullStop), true);
   if (parts.HasMoreTokens()) setting = WithoutLeadingBlanks(parts.NextToken());
@@ -88,7 +88,7 @@ void SplitLocationAndTimeOfDay(const UTF16String& text, UTF16String& location,
       return EndsWithIgnoringCase(text, UTF16String(entry));
     });
     if (!word.empty()) timeOfDay = word;
-    // The word goes together with the one character in front of it, whatever that is.
+    // The one character before the word is removed with it, whatever it is.
     if (!word.empty() && text.size() > word.size()) {
       location = text.substr(0, text.size() - word.size() - 1);
     }

@@ -53,7 +53,7 @@ std::optional<std::int64_t> ReadShotDuration(const UTF16String& duration) {
   if (std::all_of(fields.begin(), fields.end(), [](std::int32_t field) { return field == 0; })) {
     return std::nullopt;
   }
-  // In 64 bits, where no three fields can overflow.
+  // Three 32-bit fields cannot overflow 64 bits.
   return (std::int64_t{fields[0]} * 60 + fields[1]) * 60 + fields[2];
 }
 

@@ -13,18 +13,18 @@ namespace zelstoryparser {
 
 // The properties that only shot packets have. Errors as in SceneProperties.h.
 
-// Written also when empty.
+// Writes the number even if it is empty.
 bool WriteSceneNumberProperty(const UTF16String& sceneNumber, TXMPMeta<std::string>& xmp);
 
-// Not written when empty.
+// Writes nothing if the name is empty.
 bool WriteShotNameProperty(const UTF16String& shotName, TXMPMeta<std::string>& xmp);
 
-// The seconds of a duration, which is hours:minutes:seconds; fields missing at the end, and fields
-// that are not a 32-bit number, count 0, and what follows the third is ignored. Nothing when all
-// three are 0.
+// Returns the seconds of a duration, which is hours:minutes:seconds. Fields that are missing at the
+// end or do not begin with a 32-bit number count as 0; anything after the third field is ignored.
+// Returns nothing if all three fields are 0.
 std::optional<std::int64_t> ReadShotDuration(const UTF16String& duration);
 
-// Not written where that is nothing.
+// Writes nothing if ReadShotDuration returns nothing.
 bool WriteShotDurationProperty(const UTF16String& duration, TXMPMeta<std::string>& xmp);
 
 }  // namespace zelstoryparser

@@ -4,8 +4,8 @@
 
 namespace zelstoryparser {
 
-// Runs toolkit calls and tells whether all of them were accepted. The first refusal ends them, and
-// its message is dropped: callers have a text of their own. Other exceptions pass through.
+// Runs toolkit calls and returns whether the toolkit accepted all of them. Stops at the first
+// refusal and drops its message: callers have their own text. Other exceptions pass through.
 template <typename Calls>
 bool ToolkitAccepts(Calls calls) {
   try {

@@ -15,7 +15,7 @@ constexpr std::array<std::pair<const char*, const char*>, 3> kNamespaces{{
     {zelmetadata::kScriptSchemaURI, "xmpScript"},
 }};
 
-// A host's 8-bit string may be of another type than the toolkit's.
+// A host's 8-bit string type may differ from the toolkit's.
 template <typename Bytes>
 std::string ToolkitString(Bytes bytes) {
   if constexpr (std::is_same_v<Bytes, std::string>) {

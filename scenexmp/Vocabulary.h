@@ -32,11 +32,11 @@ inline constexpr StoryProperty kDuration{zelmetadata::kDynamicMediaSchemaURI, "d
 inline constexpr StoryProperty kValueField{zelmetadata::kDynamicMediaSchemaURI, "value"};
 inline constexpr StoryProperty kScaleField{zelmetadata::kDynamicMediaSchemaURI, "scale"};
 
-// Makes the namespaces known to the toolkit, as every operation does before it touches a property;
-// again is no error. Throws XMP_Error when the toolkit refuses one.
+// Registers the namespaces with the toolkit, as every operation does before it touches a property.
+// Repeating it is not an error. Throws XMP_Error if the toolkit refuses one.
 void RegisterStoryNamespaces();
 
-// A story's text as the toolkit takes values.
+// Converts a story's text to a toolkit value.
 std::string ToolkitValue(const UTF16String& text);
 
 }  // namespace zelstoryparser

@@ -18,7 +18,7 @@ bool WriteHeading(const UTF16String& heading, TXMPMeta<std::string>& xmp) {
   return WriteSceneHeadingProperties(setting, location, timeOfDay, xmp);
 }
 
-// The new sequence is written even when the old one could not be removed.
+// Writes the new sequence even if the old one could not be removed.
 bool ReplaceDialog(const CharacterDialogPairs& pairs, TXMPMeta<std::string>& xmp) {
   const bool removed = RemoveDialogSequence(xmp);
   const bool written = WriteDialogSequence(pairs, xmp);

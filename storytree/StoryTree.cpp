@@ -1,7 +1,7 @@
 #include <zelstoryparser/StoryTree.h>
 
-// Construction, shallow copying and destruction are what the members do by themselves; they are
-// compiled here so that each class's virtual table stands in the library.
+// Construction, shallow copying and destruction are those of the members. They are compiled here so
+// that the virtual table of each class is in the library.
 namespace zelstoryparser {
 
 TavroStory::TavroStory() = default;

@@ -8,32 +8,32 @@ namespace zelstoryparser {
 
 using zelcore::UTF16String;
 
-// Cuts a text into the pieces between delimiter characters, from its beginning to its end. A
-// delimiter at the very end of the text exhausts the tokenizer: no empty piece follows it.
+// Splits a text at delimiter characters, from beginning to end. A delimiter at the very end of the
+// text exhausts the tokenizer: no empty piece follows it.
 class StringTokenizer {
  public:
-  // `text` is not copied: it must outlive the tokenizer unchanged. Each code unit of `delimiters`
-  // ends a piece. With `skipRepeated`, code units equal to the whole delimiter text that directly
-  // follow a delimiter are stepped over.
+  // `text` is not copied: it must outlive the tokenizer unchanged. Each UTF-16 code unit of
+  // `delimiters` ends a piece. With `skipRepeated`, code units equal to the whole delimiter text
+  // are skipped if they directly follow a delimiter.
   StringTokenizer(const UTF16String& text, UTF16String delimiters, bool skipRepeated);
 
-  // Whether a delimiter stands at or behind the position. False for the last piece, which NextToken
-  // still returns.
+  // Returns whether there is a delimiter at or after the position. False for the last piece, which
+  // NextToken still returns.
   bool HasMoreTokens() const;
 
-  // The piece up to the next delimiter or the end; empty once the tokenizer is exhausted.
+  // Returns the piece up to the next delimiter or the end; empty if the tokenizer is exhausted.
   UTF16String NextToken();
 
-  // Everything from the position on; exhausts the tokenizer.
+  // Returns the text from the position to the end, and exhausts the tokenizer.
   UTF16String RemainingText();
 
-  // Whether all of the text has been handed out.
+  // Returns whether the whole text has been returned.
   bool IsExhausted() const { return mPosition == UTF16String::npos; }
 
  private:
   const UTF16String& mText;
   UTF16String mDelimiters;
-  std::size_t mPosition = 0;  // of the first code unit not handed out; npos: exhausted
+  std::size_t mPosition = 0;  // of the first code unit not yet returned; npos if exhausted
   bool mSkipRepeated;
 };
 

@@ -11,7 +11,7 @@ using Attributes = std::map<UTF16String, UTF16String>;
 
 constexpr std::string_view kSpaces = " \t\r\n";
 
-// Takes what stands in front of `mark`, and the mark; nothing when there is no mark.
+// Takes the text before `mark`, and the mark; takes nothing if there is no mark.
 std::optional<std::string_view> TakeUpTo(std::string_view mark, std::string_view& text) {
   const std::size_t end = text.find(mark);
   if (end == std::string_view::npos) return std::nullopt;
@@ -37,7 +37,7 @@ bool Unescape(std::string_view escaped, UTF16String& text) {
   return true;
 }
 
-// The attributes of what stands in a tag behind its name.
+// Reads the attributes from the text of a tag after its name.
 bool ReadAttributes(std::string_view tag, Attributes& attributes) {
   while (tag.find_first_not_of(kSpaces) != std::string_view::npos) {
     tag.remove_prefix(tag.find_first_not_of(kSpaces));
@@ -72,7 +72,7 @@ class Parse {
     return true;
   }
 
-  // What follows a "<".
+  // The text after a "<".
   bool ReadMarkup(std::string_view& document) {
     if (document.starts_with("!--")) return TakeUpTo("-->", document).has_value();
     if (document.starts_with("?")) return TakeUpTo("?>", document).has_value();
@@ -81,7 +81,7 @@ class Parse {
     return tag->front() == '/' ? EndElement(tag->substr(1)) : StartElement(*tag);
   }
 
-  // Up to the ">" outside of all quotes.
+  // Up to the first ">" outside quotes.
   static std::optional<std::string_view> TakeTag(std::string_view& document) {
     char quote = '\0';
     for (std::size_t i = 0; i < document.size(); ++i) {

@@ -1,5 +1,5 @@
-// A host with a platform of its own: reads a story, writes its first scene into a clip's metadata,
-// and prints the metadata and the paths that changed.
+// A host with its own platform. It reads a story, writes its first scene into a clip's metadata,
+// and prints the metadata and the touched paths.
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -21,7 +21,7 @@ int main(int argc, char** argv) {
   const auto& scenes = body->mSection->mScenes;
   TXMPMeta<std::string> clip;
   std::vector<zelmetadata::Path> changed;
-  // Another scene first: what the next one replaces, it replaces as a whole.
+  // Writes another scene first, whose values the next one replaces.
   for (const auto& scene : {scenes.back(), scenes.front()}) {
     changed.clear();
     const auto error = zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, changed);

@@ -1,7 +1,7 @@
 #pragma once
 
-// Marks what the library exports. ZELSTORYPARSER_STATIC is set by the build when the library is
-// linked statically; ZELSTORYPARSER_BUILDING while the library itself is compiled.
+// Marks what the library exports. The build defines ZELSTORYPARSER_STATIC when the library is
+// linked statically, and ZELSTORYPARSER_BUILDING while it compiles the library itself.
 #if defined(ZELSTORYPARSER_STATIC)
 #define ZELSTORYPARSER_API
 #elif defined(_WIN32)

@@ -7,12 +7,12 @@ namespace zelstoryparser {
 
 using zelcore::UTF16String;
 
-// The identifier that a document gives an element in its "objID" attribute: an opaque text, kept
-// exactly as written, neither parsed nor compared nor made up by the library. A plain value, not
-// counted. The only error of any operation is std::bad_alloc. Threads: as a string.
+// The identifier of an element: its "objID" attribute, kept exactly as written. The library does
+// not parse, compare or generate identifiers. A plain value, not reference-counted. The only error
+// of any operation is std::bad_alloc. Thread safety is that of std::string.
 class ZELSTORYPARSER_API ObjectID {
  public:
-  // An identifier with empty text: the element had no "objID" attribute, or an empty one.
+  // An identifier with an empty text: the element has no "objID" attribute, or an empty one.
   ObjectID();
 
   // An identifier whose text is a copy of `id`.
@@ -20,11 +20,11 @@ class ZELSTORYPARSER_API ObjectID {
 
   ObjectID(const ObjectID& other);
   ObjectID& operator=(const ObjectID& other);
-  ObjectID(ObjectID&& other) noexcept;  // leaves `other` with any text
+  ObjectID(ObjectID&& other) noexcept;  // leaves `other` with an unspecified text
   ObjectID& operator=(ObjectID&& other) noexcept;
   ~ObjectID();
 
-  // A copy of the text, unchanged.
+  // Returns a copy of the text.
   UTF16String AsString() const;
 
  private:

@@ -12,21 +12,22 @@
 
 namespace zelstoryparser {
 
-// Builds the tree of a story from the events of its document, and tests the document's structure.
+// Builds the tree of a story from the events of its document, and validates the document's
+// structure.
 //
-// Hand a parser to an XML reader, then ask IsParseError, and take the tree with GetStory. The first
-// structural error is recorded and ends the building: nothing after it is built, linked or
-// released, and what was built before it stays reachable. Elements of unknown names build nothing
-// and are no error, so a document without any root ends with no error and a null GetStory: test
-// both. A "Tag" element before any root is ignored.
+// Pass a parser to an XML reader, then check IsParseError and take the tree from GetStory. The
+// first structural error is recorded. Nothing after it is built, linked or released, and the tree
+// built before it stays reachable. Elements with unknown names build nothing and are not errors. A
+// document without a root therefore ends with no error and a null GetStory: check both. A "Tag"
+// element before any root is ignored.
 //
-// A parser may read several documents in turn. It holds the root, and the text run started last,
-// until the next document or its own end. Copies share the nodes of the document being built and go
-// on building into the same tree.
+// A parser may read several documents in turn. It holds the root until the next document, and the
+// last text run until the next run starts, or until it is destroyed. Copies share the nodes of the
+// document being built and go on building the same tree.
 //
-// Errors: structural ones are recorded, never thrown; std::bad_alloc leaves the callbacks, after
-// which the parser may start another document. Threads: one at a time per parser and per tree being
-// built.
+// Errors: structural errors are recorded, never thrown. std::bad_alloc passes through the
+// callbacks; afterwards the parser may start another document. Threads: use a parser, and a tree
+// while it is being built, on one thread at a time.
 class ZELSTORYPARSER_API StoryParser : public zelcore::xml::AbstractParseHandler {
  public:
   using Attributes = std::map<UTF16String, UTF16String>;
@@ -36,41 +37,43 @@ class ZELSTORYPARSER_API StoryParser : public zelcore::xml::AbstractParseHandler
   StoryParser& operator=(const StoryParser& other);
   ~StoryParser() override;
 
-  // Forgets the tree, the open elements and the error flag of the document before. Not forgotten:
-  // its error message, until a new one replaces it, and its last text run.
+  // Drops the tree, the open elements and the error flag of the previous document. Its error
+  // message stays until a new one replaces it, and so does its last text run.
   void StartDocument() override;
 
-  // Builds the node of a structural element and links it into its parent; see StoryTree.h for what
-  // fills each member. Character data gathered before the tag is dropped.
+  // Builds the node of a structural element and links it into its parent; StoryTree.h says what
+  // fills each member. Drops the character data gathered so far.
   void StartElement(const UTF16String& name, const Attributes& attributes) override;
 
   // Closes the open element of this kind, whichever it is. The end of a "textRun" or "metaData"
-  // stores the character data since the last start tag.
+  // stores the character data gathered so far and empties it, so that a text is what follows the
+  // last start tag or the last end tag that stored one. If the last text run already has a text,
+  // the end of a "textRun" does neither.
   void EndElement(const UTF16String& name) override;
 
-  // Gathers character data; a run of text may come in any number of pieces.
+  // Gathers character data, which may arrive in any number of pieces.
   void Characters(const UTF16String& text) override;
 
-  // Closes all open elements, also after an error. The tree stays for GetStory.
+  // Closes all open elements, even after an error. The tree stays available from GetStory.
   void EndDocument() override;
 
-  // Whether the document had a structural error.
+  // Returns whether the document has a structural error.
   bool IsParseError() const;
 
-  // The message of the latest structural error, in English; it outlives the document it speaks of.
-  // Empty when there never was one.
+  // Returns the message of the last structural error, in English; empty if there never was one. The
+  // message stays when the next document starts.
   UTF16String GetErrorString();
 
-  // The root as built so far, also after an error: null until a root element has started. The
-  // caller's reference keeps the tree when the parser goes.
+  // Returns the root as built so far, even after an error; null until a root element has started.
+  // The caller's reference keeps the tree alive without the parser.
   boost::intrusive_ptr<TavroStory> GetStory();
 
  protected:
-  // Records an error: sets the flag and replaces the message. Nothing more is built.
+  // Records an error: sets the flag and replaces the message. Nothing is built after that.
   void SetParseError(const UTF16String& message);
 
-  // The ParagraphElementType that a tag's "element" attribute names; kUnknownElement when the
-  // attribute is absent or has any other value.
+  // Returns the ParagraphElementType that a tag's "element" attribute names; kUnknownElement if the
+  // attribute is absent or has another value.
   std::int32_t GetElement(const Attributes& attributes);
 
  private:
@@ -89,7 +92,7 @@ class ZELSTORYPARSER_API StoryParser : public zelcore::xml::AbstractParseHandler
   void EndMetaData();
   void CloseAll();
 
-  // Any order finds a name; this one rarely has to look at the text.
+  // Compares lengths first, which settles most lookups.
   struct ShorterFirst {
     bool operator()(const UTF16String& left, const UTF16String& right) const {
       return left.size() != right.size() ? left.size() < right.size() : left < right;
@@ -99,7 +102,7 @@ class ZELSTORYPARSER_API StoryParser : public zelcore::xml::AbstractParseHandler
 
   ElementMap mElementMap;        // element name to StoryElementCode
   std::int32_t mCurrentElement;  // code of the tag being handled
-  UTF16String mCharacters;       // character data since the last start tag
+  UTF16String mCharacters;       // gathered since the last start tag, or end tag that stored a text
   bool mParseError;
   UTF16String mErrorString;
   boost::intrusive_ptr<TavroStory> mStory;
@@ -110,7 +113,7 @@ class ZELSTORYPARSER_API StoryParser : public zelcore::xml::AbstractParseHandler
   boost::intrusive_ptr<Section> mCurrentSection;
   boost::intrusive_ptr<Scene> mCurrentScene;
   boost::intrusive_ptr<Paragraph> mCurrentParagraph;
-  boost::intrusive_ptr<TextRun> mCurrentTextRun;  // the run started last; no end tag closes it
+  boost::intrusive_ptr<TextRun> mCurrentTextRun;  // the last run started; no end tag closes it
 };
 
 }  // namespace zelstoryparser

@@ -14,16 +14,15 @@
 
 // The tree of a parsed story: TavroStory, Document, Stream and CommentStream, Section, Scene,
 // Paragraph, TextRun. Nodes are plain data with public members. Links go downward only, so a tree
-// has no cycles; it lives as long as somebody holds its root, and a node that somebody holds lives
-// on, with all below it, when the rest goes.
+// has no cycles. A node lives as long as something holds it, and keeps everything below it alive.
 //
-// Make nodes with `new` and put them into a boost::intrusive_ptr at once: the last release deletes
-// them. Copying a node is shallow: the copy starts without holders and shares the source's
-// children. Pointers are null, texts and lists empty after construction; the only error is
-// std::bad_alloc, which leaves nothing behind.
+// Create nodes with `new` and put them into a boost::intrusive_ptr at once: the last release
+// deletes them. Copying a node is shallow: the copy starts without holders and shares the source's
+// children. After construction pointers are null, and texts and lists are empty. The only error is
+// std::bad_alloc, which leaks nothing.
 //
 // Threads: pointers to one node may be copied and dropped on several threads at once. The members
-// carry no lock.
+// have no lock.
 
 namespace zelcore::utility {
 
@@ -32,8 +31,8 @@ inline void intrusive_ptr_add_ref(RefCountedObject* object) {
   object->mRefCount.fetch_add(1, std::memory_order_relaxed);
 }
 
-// Deletes the object when its last holder goes, unless it is being deleted already or is marked
-// mNoAutoDelete. The release makes this holder's writes visible to whoever deletes.
+// Deletes the object when the last holder releases it, unless it is already being deleted or is
+// marked mNoAutoDelete. The release makes this holder's writes visible to the thread that deletes.
 inline void intrusive_ptr_release(RefCountedObject* object) {
   if (object->mRefCount.fetch_sub(1, std::memory_order_acq_rel) - 1 != 0) return;
   if (object->mDeleting || object->mNoAutoDelete) return;
@@ -47,7 +46,7 @@ namespace zelstoryparser {
 
 using zelcore::utility::RefCountedObject;
 
-// What a paragraph is: the values of Paragraph::mElementType.
+// The kinds of paragraphs: the values of Paragraph::mElementType.
 enum ParagraphElementType : std::int32_t {
   kSceneHeading = 200,
   kCharacter = 201,
@@ -56,16 +55,16 @@ enum ParagraphElementType : std::int32_t {
   kShot = 204,
   kParenthetical = 205,
   kTransition = 206,
-  kUnknownElement = 207,  // no "element" attribute, or a value that is not among kParagraphKinds
+  kUnknownElement = 207,  // no "element" attribute, or a value that is not in kParagraphKinds
 };
 
-// The values of a paragraph's "element" attribute, exact in case and spacing, with their codes.
+// A value of a paragraph's "element" attribute, with its code. Case and spacing must match exactly.
 struct ParagraphKind {
   ParagraphElementType mType;
   std::string_view mName;  // ASCII
 };
 
-// All kinds with a name, in the order of their codes.
+// All kinds that have a name, in the order of their codes.
 inline constexpr std::array<ParagraphKind, 7> kParagraphKinds{{
     {kSceneHeading, "SceneHeading"},
     {kCharacter, "Character"},
@@ -84,7 +83,7 @@ class ZELSTORYPARSER_API TextRun : public RefCountedObject {
   ~TextRun() override;
 
   ObjectID mObjectID;  // attribute "objID"
-  UTF16String mText;   // the element's character data, nothing trimmed
+  UTF16String mText;   // the element's character data, untrimmed
 };
 
 // Element "paragraph": one script element.
@@ -109,7 +108,7 @@ class ZELSTORYPARSER_API Scene : public RefCountedObject {
   ObjectID mObjectID;         // attribute "objID"
   UTF16String mSceneNumber;   // attribute "sceneNumber"
   UTF16String mShotDuration;  // attribute "shotDuration" of the last scene-heading paragraph; empty
-                              // without such a paragraph, or when it lacks the attribute
+                              // if there is no such paragraph or no such attribute
   std::vector<boost::intrusive_ptr<Paragraph>> mParagraphs;  // elements "paragraph"
 };
 
@@ -162,7 +161,7 @@ class ZELSTORYPARSER_API Document : public RefCountedObject {
   boost::intrusive_ptr<Stream> mHeaderStream;  // element "stream" named "header"
   boost::intrusive_ptr<Stream> mBodyStream;    // element "stream" named "body"
   boost::intrusive_ptr<Stream> mFooterStream;  // element "stream" named "footer"
-  UTF16String mVersion;                        // attribute "version"; not tested
+  UTF16String mVersion;                        // attribute "version"; not validated
   std::vector<boost::intrusive_ptr<CommentStream>> mCommentStreams;  // elements "commentStream"
 };
 

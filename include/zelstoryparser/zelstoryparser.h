@@ -1,6 +1,6 @@
 #pragma once
 
-// The whole public interface of zelstoryparser: screenplays into the metadata of clips.
+// The whole public interface of zelstoryparser, which writes screenplay scenes into clip metadata.
 
 #include <zelstoryparser/ObjectID.h>
 #include <zelstoryparser/SceneText.h>

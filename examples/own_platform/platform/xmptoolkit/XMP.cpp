@@ -25,7 +25,7 @@ bool TXMPMeta<tStringObj>::RegisterNamespace(const char* namespaceURI, const cha
   return inForce == prefix;
 }
 
-// The prefix with the path, in which an array's last item is named by its number.
+// Returns the prefix with the path, in which the last item of an array is named by its number.
 template <typename tStringObj>
 std::string TXMPMeta<tStringObj>::Key(const char* schema, const std::string& path) const {
   const auto prefix = Prefixes().find(schema);

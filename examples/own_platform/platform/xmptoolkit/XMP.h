@@ -5,8 +5,9 @@
 #include <stdexcept>
 #include <string>
 
-// A toolkit in memory: it keeps the metadata of one clip as a sorted list of paths and values, and
-// knows no packets. The library calls what is declared here, and throws or catches XMP_Error.
+// A toolkit in memory. It keeps the metadata of one clip as a sorted list of paths and values, and
+// does not support packets. The library calls what is declared here, and throws or catches
+// XMP_Error.
 using XMP_OptionBits = std::uint32_t;
 using XMP_Index = std::int32_t;
 
@@ -38,7 +39,7 @@ class TXMPMeta {
   void SetStructField(const char* schema, const char* structName, const char* fieldSchema,
                       const char* field, const tStringObj& value, XMP_OptionBits options);
 
-  // Writes a line for every value. The arguments lay out packets, which this toolkit has not.
+  // Writes one line per value. The arguments are for the layout of packets and are ignored.
   void SerializeToBuffer(tStringObj* text, XMP_OptionBits = 0, std::uint32_t = 0, const char* = "",
                          const char* = "", XMP_Index = 0) const;
 

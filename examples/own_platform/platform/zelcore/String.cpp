@@ -22,7 +22,7 @@ void AppendUTF8(char32_t c, std::string& bytes) {
   push(0x80 | (c & 0x3F));
 }
 
-// Takes the first character from `bytes`; an ill-formed one becomes U+FFFD.
+// Removes the first character from `bytes` and returns it; an ill-formed one becomes U+FFFD.
 char32_t TakeCharacter(std::string_view& bytes) {
   const auto lead = static_cast<unsigned char>(bytes.front());
   bytes.remove_prefix(1);

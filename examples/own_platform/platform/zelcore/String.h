@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-// This host's strings. UTF16String behaves as std::basic_string does; UTF8String need not.
+// This host's strings. UTF16String must behave like std::basic_string; UTF8String need not.
 namespace zelcore {
 
 using UTF16String = std::u16string;
@@ -30,7 +30,7 @@ UTF16String UTF8to16(std::string_view bytes);
 
 }  // namespace utility
 
-// Reads whole numbers from the front of a text.
+// Reads whole numbers from the beginning of a text.
 class iUTF16StringStream {
  public:
   explicit iUTF16StringStream(const UTF16String& text);

@@ -12,7 +12,7 @@ inline constexpr const char* kDynamicMediaSchemaURI = "http://ns.adobe.com/xmp/1
 inline constexpr const char* kDublinCoreSchemaURI = "http://purl.org/dc/elements/1.1/";
 inline constexpr const char* kScriptSchemaURI = "http://ns.zelhost.example/metadata/script/1.0/";
 
-// How this host names metadata: by a text. The library sorts paths and asks for nothing else.
+// This host names metadata by a text. The library sorts paths and requires nothing else.
 class Path {
  public:
   explicit Path(std::string text) : mText(std::move(text)) {}
@@ -23,7 +23,7 @@ class Path {
   std::string mText;
 };
 
-// Makes the paths below an item of the dialogue sequence as it goes; there are two.
+// Generates the two paths below an item of the dialogue sequence.
 class PathIterator {
  public:
   PathIterator(const Path& parent, std::size_t position) : mParent(parent), mPosition(position) {}
@@ -43,7 +43,7 @@ Path PathForSchemaNameAndPropertyName(const zelcore::UTF8String& schemaURI,
                                       const zelcore::UTF8String& propertyName);
 Path CreatePathFromArrayItem(const Path& array, int index);
 
-// What lies directly below a path, and the leaves below it: here the same.
+// The children of a path, and the leaves below it. Here they are the same.
 std::pair<PathIterator, PathIterator> ChildPaths(const Path& path);
 std::pair<PathIterator, PathIterator> DescendantLeafPaths(const Path& path);
 

@@ -4,7 +4,7 @@
 
 namespace zelcore::config {
 
-// This host speaks English only: the text behind the key.
+// This host supports English only: it returns the text after the key.
 class Localizer {
  public:
   static Localizer& Get() {

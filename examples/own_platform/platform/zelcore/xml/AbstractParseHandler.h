@@ -6,7 +6,7 @@
 
 namespace zelcore::xml {
 
-// What this host's reader calls, which is all that StoryParser overrides.
+// The callbacks of this host's reader; StoryParser overrides no others.
 class AbstractParseHandler {
  public:
   virtual ~AbstractParseHandler() = default;
