@@ -1,6 +1,5 @@
 #include "text/StringTokenizer.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace zelstoryparser {
@@ -14,14 +13,12 @@ bool StringTokenizer::HasMoreTokens() const {
 
 UTF16String StringTokenizer::NextToken() {
   if (IsExhausted()) return {};
-  const std::size_t end = std::min(mText.find_first_of(mDelimiters, mPosition), mText.size());
+  const std::size_t end = mText.find_first_of(mDelimiters, mPosition);
+  if (end == UTF16String::npos) return RemainingText();
   UTF16String piece = mText.substr(mPosition, end - mPosition);
   mPosition = end + 1;
-  const auto atDelimiterText = [this] {
-    return mPosition < mText.size() && mText.compare(mPosition, 1, mDelimiters) == 0;
-  };
-  while (mSkipRepeated && atDelimiterText()) ++mPosition;
-  if (mPosition >= mText.size()) mPosition = UTF16String::npos;
+  while (mSkipRepeated && mText.compare(mPosition, 1, mDelimiters) == 0) ++mPosition;
+  if (mPosition == mText.size()) mPosition = UTF16String::npos;
   return piece;
 }
 

@@ -115,8 +115,7 @@ PacketRange LocatePacket(std::string_view buffer) {
 
 bool BeginsWithDeclaration(std::string_view text) {
   constexpr std::string_view kStart = "<?xml";
-  return text.starts_with(kStart) && text.size() > kStart.size() &&
-         kWhiteSpace.find(text[kStart.size()]) != npos;
+  return text.starts_with(kStart) && text.find_first_of(kWhiteSpace) == kStart.size();
 }
 
 zelcore::xml::Position PositionAt(std::string_view buffer, std::size_t offset, Encoding encoding) {

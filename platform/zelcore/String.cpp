@@ -101,6 +101,7 @@ std::size_t MostUTF8Bytes(std::u16string_view text) {
   std::size_t count = text.size();
   // Block by block, so that a count fits 16 bits, which compilers turn into vector code.
   constexpr std::size_t kBlock = 1024;
+  static_assert(2 * kBlock <= std::numeric_limits<std::uint16_t>::max());
   for (; !text.empty(); text.remove_prefix(std::min(kBlock, text.size()))) {
     std::uint16_t more = 0;
     for (const char16_t unit : text.substr(0, kBlock)) {

@@ -39,7 +39,7 @@ std::size_t TextWindow::Index(std::size_t offset) const {
 }
 
 Position TextWindow::At(std::size_t offset) const {
-  const Mark& from = mLast.mOffset >= mBegin.mOffset && mLast.mOffset <= offset ? mLast : mBegin;
+  const Mark& from = mLast.mOffset <= offset ? mLast : mBegin;
   const std::size_t begin = Index(from.mOffset);
   const auto passed = std::string_view(mText).substr(begin, Index(offset) - begin);
   Position position = from.mPosition;

@@ -42,7 +42,8 @@ class TextWindow {
   std::string mText;       // bytes left behind, then the window
   std::size_t mIndex = 0;  // of the window's first byte
   Mark mBegin;             // the window's first byte
-  mutable Mark mLast;  // what was asked for last: the next question is mostly a little further on
+  // What was asked for last, never before mBegin: the next question is mostly a little further on.
+  mutable Mark mLast;
 };
 
 }  // namespace zelcore::xml
