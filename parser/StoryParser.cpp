@@ -11,19 +11,26 @@ namespace {
 
 using zelcore::utility::AsciiToUTF16;
 
-// Built once, when the library is loaded.
-const UTF16String kObjID = AsciiToUTF16("objID");
-const UTF16String kVersion = AsciiToUTF16("version");
-const UTF16String kDocumentType = AsciiToUTF16("documentType");
-const UTF16String kTemplate = AsciiToUTF16("template");
-const UTF16String kName = AsciiToUTF16("name");
-const UTF16String kCommentAuthor = AsciiToUTF16("commentAuthor");
-const UTF16String kDependent = AsciiToUTF16("dependent");
-const UTF16String kCommentAuthorID = AsciiToUTF16("commentAuthorID");
-const UTF16String kSceneNumber = AsciiToUTF16("sceneNumber");
-const UTF16String kElement = AsciiToUTF16("element");
-const UTF16String kShotDuration = AsciiToUTF16("shotDuration");
-const UTF16String kLabel = AsciiToUTF16("label");
+struct AttributeNames {
+  const UTF16String mObjID = u"objID";
+  const UTF16String mVersion = u"version";
+  const UTF16String mDocumentType = u"documentType";
+  const UTF16String mTemplate = u"template";
+  const UTF16String mName = u"name";
+  const UTF16String mCommentAuthor = u"commentAuthor";
+  const UTF16String mDependent = u"dependent";
+  const UTF16String mCommentAuthorID = u"commentAuthorID";
+  const UTF16String mSceneNumber = u"sceneNumber";
+  const UTF16String mElement = u"element";
+  const UTF16String mShotDuration = u"shotDuration";
+  const UTF16String mLabel = u"label";
+};
+
+// A local static, since a host may build objects that parse before global ones of this library.
+const AttributeNames& Names() {
+  static const AttributeNames names;
+  return names;
+}
 
 UTF16String GetAttributeValue(const StoryParser::Attributes& attributes, const UTF16String& name) {
   const auto attribute = attributes.find(name);
@@ -31,7 +38,7 @@ UTF16String GetAttributeValue(const StoryParser::Attributes& attributes, const U
 }
 
 ObjectID GetObjectIDAttribute(const StoryParser::Attributes& attributes) {
-  const auto attribute = attributes.find(kObjID);
+  const auto attribute = attributes.find(Names().mObjID);
   return attribute == attributes.end() ? ObjectID() : ObjectID(attribute->second);
 }
 
@@ -76,7 +83,7 @@ void StoryParser::SetParseError(const UTF16String& message) {
 }
 
 std::int32_t StoryParser::GetElement(const Attributes& attributes) {
-  const auto element = attributes.find(kElement);
+  const auto element = attributes.find(Names().mElement);
   if (element == attributes.end()) return kUnknownElement;
   for (const ParagraphKind& kind : kParagraphKinds) {
     if (IsASCIIText(element->second, kind.mName)) return kind.mType;
@@ -134,7 +141,7 @@ void StoryParser::StartElement(const UTF16String& name, const Attributes& attrib
     case kElementCommentStream:
       return StartCommentStream(attributes);
     case kElementTag:
-      if (mStory) mStory->mTags.push_back(GetAttributeValue(attributes, kLabel));
+      if (mStory) mStory->mTags.push_back(GetAttributeValue(attributes, Names().mLabel));
       return;
     default:
       return;  // "metaData" is handled at its end tag; unknown names are ignored
@@ -143,9 +150,9 @@ void StoryParser::StartElement(const UTF16String& name, const Attributes& attrib
 
 void StoryParser::StartStory(const Attributes& attributes) {
   mStory = new TavroStory;
-  mStory->mVersion = GetAttributeValue(attributes, kVersion);
-  mStory->mDocumentType = GetAttributeValue(attributes, kDocumentType);
-  mStory->mTemplate = GetAttributeValue(attributes, kTemplate);
+  mStory->mVersion = GetAttributeValue(attributes, Names().mVersion);
+  mStory->mDocumentType = GetAttributeValue(attributes, Names().mDocumentType);
+  mStory->mTemplate = GetAttributeValue(attributes, Names().mTemplate);
   if (CheckStoryVersion(mStory->mVersion)) return;
   SetParseError(AsciiToUTF16("Wrong Version.  The parser doesn't support version:  ") +
                 mStory->mVersion);
@@ -157,7 +164,7 @@ void StoryParser::StartDocumentElement(const Attributes& attributes) {
         AsciiToUTF16("We found a Document, but we already had one, are there two?"));
   }
   mCurrentDocument = new Document;
-  mCurrentDocument->mVersion = GetAttributeValue(attributes, kVersion);
+  mCurrentDocument->mVersion = GetAttributeValue(attributes, Names().mVersion);
   mStory->mDocument = mCurrentDocument;
 }
 
@@ -168,7 +175,7 @@ void StoryParser::StartStream(const Attributes& attributes) {
   }
   mCurrentStream = new Stream;
   mCurrentStream->mObjectID = GetObjectIDAttribute(attributes);
-  mCurrentStream->mName = GetAttributeValue(attributes, kName);
+  mCurrentStream->mName = GetAttributeValue(attributes, Names().mName);
   const UTF16String& name = mCurrentStream->mName;
   if (name == u"body") {
     LinkStream(mCurrentDocument->mBodyStream,
@@ -211,7 +218,7 @@ void StoryParser::StartScene(const Attributes& attributes) {
   }
   mCurrentScene = new Scene;
   mCurrentScene->mObjectID = GetObjectIDAttribute(attributes);
-  mCurrentScene->mSceneNumber = GetAttributeValue(attributes, kSceneNumber);
+  mCurrentScene->mSceneNumber = GetAttributeValue(attributes, Names().mSceneNumber);
   mCurrentSection->mScenes.push_back(mCurrentScene);
 }
 
@@ -221,7 +228,7 @@ void StoryParser::StartParagraph(const Attributes& attributes) {
   mCurrentParagraph->mObjectID = GetObjectIDAttribute(attributes);
   mCurrentParagraph->mElementType = GetElement(attributes);
   if (mCurrentParagraph->mElementType == kSceneHeading) {
-    mCurrentScene->mShotDuration = GetAttributeValue(attributes, kShotDuration);
+    mCurrentScene->mShotDuration = GetAttributeValue(attributes, Names().mShotDuration);
   }
   mCurrentScene->mParagraphs.push_back(mCurrentParagraph);
 }
@@ -239,10 +246,10 @@ void StoryParser::StartCommentStream(const Attributes& attributes) {
   }
   mCurrentCommentStream = new CommentStream;
   mCurrentCommentStream->mObjectID = GetObjectIDAttribute(attributes);
-  mCurrentCommentStream->mName = GetAttributeValue(attributes, kName);
-  mCurrentCommentStream->mCommentAuthor = GetAttributeValue(attributes, kCommentAuthor);
-  mCurrentCommentStream->mDependent = GetAttributeValue(attributes, kDependent);
-  mCurrentCommentStream->mCommentAuthorID = GetAttributeValue(attributes, kCommentAuthorID);
+  mCurrentCommentStream->mName = GetAttributeValue(attributes, Names().mName);
+  mCurrentCommentStream->mCommentAuthor = GetAttributeValue(attributes, Names().mCommentAuthor);
+  mCurrentCommentStream->mDependent = GetAttributeValue(attributes, Names().mDependent);
+  mCurrentCommentStream->mCommentAuthorID = GetAttributeValue(attributes, Names().mCommentAuthorID);
   mCurrentDocument->mCommentStreams.push_back(mCurrentCommentStream);
 }
 
