@@ -73,7 +73,7 @@ function(zelstory_options target)
 endfunction()
 
 # Compiles the headers of other projects once per target, since they take longer than our own sources. Every
-# source still includes what it needs: the presets static, clang, asan and tsan compile without.
+# source still includes what it needs: the presets clang, asan and tsan compile without.
 function(zelstory_precompile target)
   if(NOT ZELSTORY_PRECOMPILE)
     return()
