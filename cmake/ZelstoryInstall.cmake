@@ -13,10 +13,12 @@ else()
   set(ZELSTORY_FORM Static)
 endif()
 set(ZELSTORY_LIBRARIES zelstoryparser zelplatform)
-set(ZELSTORY_HEADERS include/zelstoryparser ${PROJECT_BINARY_DIR}/include/zelstoryparser)
 if(ZELSTORY_HOST)
   list(APPEND ZELSTORY_LIBRARIES zelstoryhost)
-  list(APPEND ZELSTORY_HEADERS include/zelstoryhost)
+  install(
+    DIRECTORY include/zelstoryhost
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development)
 endif()
 install(
   TARGETS ${ZELSTORY_LIBRARIES}
@@ -53,7 +55,7 @@ elseif(BUILD_SHARED_LIBS AND ZELSTORY_TOOL)
 endif()
 
 install(
-  DIRECTORY ${ZELSTORY_HEADERS}
+  DIRECTORY include/zelstoryparser ${PROJECT_BINARY_DIR}/include/zelstoryparser
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   COMPONENT development
   FILES_MATCHING

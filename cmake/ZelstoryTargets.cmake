@@ -72,7 +72,7 @@ function(zelstory_options target)
 endfunction()
 
 # Precompiles the headers of other projects once per target, because they take longer to compile than the
-# project's sources. Every source still includes what it needs: the presets static, clang, asan and tsan compile
+# project's sources. Every source still includes what it needs: the presets clang, asan and tsan compile
 # without precompiled headers.
 function(zelstory_precompile target)
   if(NOT ZELSTORY_PRECOMPILE)

@@ -57,7 +57,7 @@ void RunningTime::Add(const RunningTime& other) {
 }
 
 std::string RunningTime::Describe() const {
-  const std::string time = DescribeDuration(Seconds());
+  std::string time = DescribeDuration(Seconds());
   if (!mHasEstimated) return time;
   if (!mHasKnown) return time + " (estimated)";
   return time + " (of which " + DescribeDuration(mEstimated) + " estimated)";

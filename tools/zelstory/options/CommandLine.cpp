@@ -65,8 +65,8 @@ Option Command::AddCount(const char* name, int& value, const char* type, const c
 
 Option Command::AddChoice(const char* name, const std::vector<std::string>& choices,
                           const char* type, const char* help,
-                          std::function<void(const std::string& choice)> choose) {
-  return Option(mApp.add_option_function<std::string>(name, std::move(choose), help)
+                          const std::function<void(const std::string& choice)>& choose) {
+  return Option(mApp.add_option_function<std::string>(name, choose, help)
                     ->type_name(type)
                     ->check(CLI::IsMember(choices).description("")));
 }

@@ -56,7 +56,7 @@ class Command {
   Option AddText(const char* name, std::string& value, const char* type, const char* help);
   Option AddCount(const char* name, int& value, const char* type, const char* help);  // from 1
   Option AddChoice(const char* name, const std::vector<std::string>& choices, const char* type,
-                   const char* help, std::function<void(const std::string& choice)> choose);
+                   const char* help, const std::function<void(const std::string& choice)>& choose);
 
   void SetFooter(const std::string& text);
 

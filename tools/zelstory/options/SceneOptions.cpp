@@ -32,7 +32,7 @@ SelectedScene SceneOptions::Find(const zelstoryparser::TavroStory& story,
     return finder.Find(SceneKey::kPosition, std::to_string(mPosition));
   }
   if (mIDOption.IsGiven()) return finder.Find(SceneKey::kID, mID);
-  const SelectedScene scene = finder.Find(SceneKey::kNumber, mNumber);
+  SelectedScene scene = finder.Find(SceneKey::kNumber, mNumber);
   if (!finder.HasNumbers()) NoteMissingNumbers(file);
   return scene;
 }

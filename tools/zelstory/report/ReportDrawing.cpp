@@ -96,7 +96,8 @@ Drawing Columns::AddDrawing(pugi::xml_node parent, int height, const std::string
 }
 
 void Columns::AddAxis(pugi::xml_node svg, int y) const {
-  const auto step = static_cast<std::size_t>((mTickWidth + kTickDistance) / mWidth + 1);
+  const int columnsPerTick = (mTickWidth + kTickDistance) / mWidth + 1;
+  const auto step = static_cast<std::size_t>(columnsPerTick);
   for (std::size_t column = 0; column < mCount; column += step) {
     AddText(svg, X(column) + mWidth / 2, y, "tick", Tick(column));
   }

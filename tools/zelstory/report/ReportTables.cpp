@@ -83,10 +83,11 @@ void AddSceneCell(pugi::xml_node row, const char* className, const SceneFacts& s
 // "1-4, 7": runs of neighbouring scenes.
 void AddSceneRanges(pugi::xml_node cell, const std::vector<SceneFacts>& scenes,
                     const CharacterFacts& character) {
-  for (auto first = character.mScenes.begin(); first != character.mScenes.end();) {
-    const std::size_t from = first->mPosition;
-    std::size_t to = from;
-    for (++first; first != character.mScenes.end() && first->mPosition == to + 1; ++first) ++to;
+  const auto& in = character.mScenes;
+  for (std::size_t i = 0; i < in.size(); ++i) {
+    const std::size_t from = in[i].mPosition;
+    while (i + 1 < in.size() && in[i + 1].mPosition == in[i].mPosition + 1) ++i;
+    const std::size_t to = in[i].mPosition;
     if (cell.first_child()) AppendText(cell, ", ");
     const std::string name = SceneName(scenes[from - 1]);
     AddPointerLink(cell, from,
