@@ -54,6 +54,7 @@ std::vector<Bar> BarsOfTime(const RunningTimes& times, const Columns& columns) {
     sums[columns.ColumnOf(i + 1)].Add(times.mScenes[i]);
   }
   std::vector<Bar> bars;
+  bars.reserve(sums.size());
   for (const RunningTime& sum : sums) bars.push_back({sum.mKnown, sum.mEstimated, sum.Describe()});
   return bars;
 }
