@@ -51,7 +51,7 @@ void AddShowCommand(CommandLine& tool) {
   const auto options = std::make_shared<ShowOptions>();
   command.AddArgument("STORY", options->mFile, "The story file; - is standard input");
   options->mScene.AddTo(command);
-  command.AddFlag("--comments", options->mWithComments, "Print the comment streams, too");
+  command.AddFlag("--comments", options->mWithComments, "Also print the comment streams");
   command.AddFlag("--json", options->mAsJSON, "Print the whole tree, or one scene's, as JSON");
   command.SetFooter("Exit status: 0 done, 1 refused, 2 wrong usage.");
   command.SetAction([options] { return Show(*options); });

@@ -1,4 +1,4 @@
-# Completion of zelstory for bash. What it offers is checked against zelstory COMMAND --help.
+# Completion of zelstory for bash. A test compares it with zelstory COMMAND --help.
 
 _zelstory_files() { # PATTERN WORD: files like that and folders; all files where there are none
   compopt -o filenames 2>/dev/null
