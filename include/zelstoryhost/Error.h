@@ -13,10 +13,10 @@ namespace zelstoryhost {
 // The faults that a host may want to offer a remedy for.
 enum class ErrorKind {
   kOther,
-  kWriteProtected,   // EditSettings::mForce replaces the file all the same
-  kReadOnlyPacket,   // EditSettings::mForce changes the packet all the same
+  kWriteProtected,   // EditSettings::mForce replaces the file anyway
+  kReadOnlyPacket,   // EditSettings::mForce changes the packet anyway
   kSharedSidecar,    // other clips may share the sidecar; a SidecarForm decides
-  kSeveralSidecars,  // the clip has several; name one of them, or give a SidecarForm
+  kSeveralSidecars,  // the clip has several: name one of them, or give a SidecarForm
   kUnknownScene,     // no scene has the number or identifier
 };
 

@@ -15,8 +15,8 @@
 #include <zelmetadata/Path.h>
 #include <zelstoryparser/StoryTree.h>
 
-// Writing scenes into sidecars and clearing them: in memory, or from the file through the change
-// back to the file. Several threads may change different sidecars at once.
+// Writes scenes into sidecars and clears them, either in memory or in the file. Several threads may
+// change different sidecars at once.
 namespace zelstoryhost {
 
 // The value at a metadata path: nothing, a text, an array of so many items, or a struct.
@@ -32,17 +32,17 @@ struct Difference {
   MetadataValue mAfter;
 };
 
-// What happens to a scene that the clip holds already.
+// What happens to the scene that the clip already holds.
 enum class OldScene {
-  kClear,  // it goes, so that the clip holds the new scene and no other
-  kMerge,  // what the new scene lacks stays
+  kClear,  // it is removed: the clip then holds only the new scene
+  kMerge,  // properties that the new scene lacks stay
 };
 
-// What became of a sidecar.
+// The outcome of a change.
 struct SidecarChange {
   std::string mSidecar;  // the file
   bool mIsChanged = false;
-  bool mClearsFirst = false;                     // it held a scene, which goes
+  bool mClearsFirst = false;                     // it held a scene, which is removed
   std::vector<zelmetadata::Path> mTouchedPaths;  // in the order in which they were reported
   std::vector<Difference> mDifferences;          // of a dry run
 
@@ -51,7 +51,7 @@ struct SidecarChange {
 };
 
 // Writes a scene, which must not be null, into a sidecar's metadata. Throws Error when the toolkit
-// refuses; the metadata is then to be discarded, and the file is as it was.
+// refuses the change. Then discard the sidecar: its metadata is undefined, its file unchanged.
 ZELSTORYHOST_API SidecarChange WriteScene(const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
                                           OldScene oldScene, Sidecar& sidecar);
 
@@ -66,20 +66,20 @@ ZELSTORYHOST_API std::vector<Difference> DifferencesOf(const Sidecar& sidecar,
 // How files are changed.
 struct EditSettings {
   bool mIsDryRun = false;  // lists the differences and leaves the file alone
-  bool mForce = false;     // changes write-protected files and read-only packets, too
+  bool mForce = false;     // also changes write-protected files and read-only packets
   FolderLock::Waiting mWaiting = FolderLock::Waiting::kAsLongAsNeeded;
   FolderLock::Note mNote;            // called while waiting for another process; may be empty
   std::optional<SidecarForm> mForm;  // of the sidecar's name
 };
 
-// Has the sidecar of a clip, created when absent, hold a scene. The folder is locked from reading
-// to replacing the file, which is replaced whole or not at all. Throws Error; the file is then as
-// it was.
+// Writes a scene, which must not be null, into the sidecar of a clip, creating it if needed. Holds
+// the folder's lock from reading the file to replacing it. The file is replaced whole or not at
+// all. Throws Error; the file is then unchanged.
 ZELSTORYHOST_API SidecarChange WriteSceneToClip(
     const std::string& clipOrSidecar, const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
     OldScene oldScene, const EditSettings& settings);
 
-// Removes any scene from the sidecar of a clip; otherwise the same.
+// Removes any scene from the sidecar of a clip, in the same way.
 ZELSTORYHOST_API SidecarChange ClearSceneFromClip(const std::string& clipOrSidecar,
                                                   WhenAbsent whenAbsent,
                                                   const EditSettings& settings);
