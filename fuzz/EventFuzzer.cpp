@@ -7,7 +7,7 @@
 #include <zelstoryparser/StoryParser.h>
 
 #include "Support.h"
-#include "support/TreeDump.h"
+#include "support/Story.h"
 
 // Events in any order, to several parsers that are copied and assigned to each other meanwhile.
 // Beside each parser runs a model of the format's rules; their trees must always be the same.

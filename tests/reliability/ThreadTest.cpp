@@ -9,8 +9,7 @@
 
 #include "support/PacketText.h"
 #include "support/ScratchFolder.h"
-#include "support/StoryBuilder.h"
-#include "support/TreeDump.h"
+#include "support/Story.h"
 
 namespace zelstoryparser {
 namespace {

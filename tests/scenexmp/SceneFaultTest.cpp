@@ -5,7 +5,7 @@
 #include <zelstoryparser/SceneXMP.h>
 
 #include "support/PacketText.h"
-#include "support/StoryBuilder.h"
+#include "support/Story.h"
 
 namespace zelstoryparser {
 namespace {
@@ -16,7 +16,7 @@ using Metadata = TXMPMeta<std::string>;  // the one that fails
 // the calls and what becomes of the operation when each is refused; its last row is the success.
 void ExpectOutcomes(std::string_view table, const std::function<std::string()>& operation) {
   static const std::vector<Row> shorter = Rows(R"(
-      dialogSequence => seq ;; sceneSetting= => set= ;; shotLocation= => loc= ;; sceneTimeOfDay= => time= ;; character= => c=
+      dialogSequence=seq => seq ;; sceneSetting= => set= ;; shotLocation= => loc= ;; sceneTimeOfDay= => time= ;; character= => c=
       dialog= => d= ;; s: =>  ;; d: =>  ;; duration= => dur= ;; dur={scale='1/1' value='3600'} => 1h
       shotName='INT - L - T - 7' => name ;; {c='O' d='o'} => old ;; {c='A' d='x'} => old ;; {c='C' d='d'} => new
       set='INT' => S ;; loc='L' => L ;; time='T' => T ;; action='a' => A ;; scene='7' => 7
@@ -57,15 +57,15 @@ ScenePtr House() {
 TEST(SceneFaults, Write) {
   const Packet before = MakePacket("s:action=old; s:sceneSetting=old; O:o");
   ExpectOutcomes(R"(
-      set sceneSetting 'INT' 0 => write H! 0 action='old' seq=[old] set='old'
-      set shotLocation 'L' 0 => write H! 0 action='old' seq=[old] S
-      set sceneTimeOfDay 'T' 0 => write H! 0 L action='old' seq=[old] S
-      set action 'a' 0 => write A! 3 L action='old' seq=[old] S T ;; count seq => XMP_Error 4 L A seq=[old] S T
-      exists seq => write D! 4 L A seq=[old new] S T ;; delete seq => write D! 4 L A seq=[old new] S T
-      append seq 1024 null 256 => write D! 4 L A S T ;; compose seq -1 => write D! 4 L A seq=[{}] S T
-      set seq[last()] character 'C' 0 => write D! 4 L A seq=[{}] S T
-      set seq[last()] dialog 'd' 0 => write D! 4 L A seq=[{c='C'}] S T ;; count seq => XMP_Error 4 L A seq=[new] S T
-      => \s6 L A seq=[new] S T)",
+      set sceneSetting 'INT' 0 => write H! 0 action='old' seq(old) set='old'
+      set shotLocation 'L' 0 => write H! 0 action='old' seq(old) S
+      set sceneTimeOfDay 'T' 0 => write H! 0 L action='old' seq(old) S
+      set action 'a' 0 => write A! 3 L action='old' seq(old) S T ;; count seq => XMP_Error 4 L A seq(old) S T
+      exists seq => write D! 4 L A seq(old new) S T ;; delete seq => write D! 4 L A seq(old new) S T
+      append seq 1024 null 256 => write D! 4 L A S T ;; compose seq -1 => write D! 4 L A seq({}) S T
+      set seq[last()] character 'C' 0 => write D! 4 L A seq({}) S T
+      set seq[last()] dialog 'd' 0 => write D! 4 L A seq({c='C'}) S T ;; count seq => XMP_Error 4 L A seq(new) S T
+      => \s6 L A seq(new) S T)",
                  [&] {
                    return Outcome(before, [](Metadata& metadata, Paths& paths) {
                      return WriteSceneMetadataIntoXMP(House(), metadata, paths);
@@ -77,13 +77,13 @@ TEST(SceneFaults, Clear) {
   const Packet before =
       MakePacket("s:action=a; s:sceneSetting=s; d:shotLocation=l; s:sceneTimeOfDay=t; A:x");
   ExpectOutcomes(R"(
-      exists sceneSetting => delete H! 0 loc='l' A seq=[old] set='s' time='t'
-      delete sceneSetting => delete H! 0 loc='l' A seq=[old] set='s' time='t'
-      exists shotLocation => delete H! 0 loc='l' A seq=[old] time='t'
-      delete shotLocation => delete H! 0 loc='l' A seq=[old] time='t'
-      exists sceneTimeOfDay => delete H! 0 A seq=[old] time='t' ;; delete sceneTimeOfDay => delete H! 0 A seq=[old] time='t'
-      exists action => delete A! 3 A seq=[old] ;; delete action => delete A! 3 A seq=[old] ;; count seq => XMP_Error 4 seq=[old]
-      exists seq => delete D! 4 seq=[old] ;; delete seq => delete D! 4 seq=[old] ;; => \s6\s)",
+      exists sceneSetting => delete H! 0 loc='l' A seq(old) set='s' time='t'
+      delete sceneSetting => delete H! 0 loc='l' A seq(old) set='s' time='t'
+      exists shotLocation => delete H! 0 loc='l' A seq(old) time='t'
+      delete shotLocation => delete H! 0 loc='l' A seq(old) time='t'
+      exists sceneTimeOfDay => delete H! 0 A seq(old) time='t' ;; delete sceneTimeOfDay => delete H! 0 A seq(old) time='t'
+      exists action => delete A! 3 A seq(old) ;; delete action => delete A! 3 A seq(old) ;; count seq => XMP_Error 4 seq(old)
+      exists seq => delete D! 4 seq(old) ;; delete seq => delete D! 4 seq(old) ;; => \s6\s)",
                  [&] { return Outcome(before, ClearSceneMetadataFromXMP); });
 }
 
@@ -101,15 +101,15 @@ TEST(SceneFaults, Has) {
 
 TEST(SceneFaults, Shot) {
   ExpectOutcomes(R"(
-      create => XMP_Error ;; set sceneSetting 'INT' 0 => 1h 7 name A seq=[new]
-      set shotLocation 'L' 0 => 1h 7 name A seq=[new] S ;; set sceneTimeOfDay 'T' 0 => 1h 7 L name A seq=[new] S
-      set shotName 'INT - L - T - 7' 0 => 1h 7 L A seq=[new] S T ;; set scene '7' 0 => 1h L name A seq=[new] S T
-      set duration scale '1/1' 0 => 7 L name A seq=[new] S T
-      set duration value '3600' 0 => dur={scale='1/1'} 7 L name A seq=[new] S T ;; set action 'a' 0 => 1h 7 L name seq=[new] S T
-      append seq 1024 null 256 => 1h 7 L name A S T ;; compose seq -1 => 1h 7 L name A seq=[{}] S T
-      set seq[last()] character 'C' 0 => 1h 7 L name A seq=[{}] S T
-      set seq[last()] dialog 'd' 0 => 1h 7 L name A seq=[{c='C'}] S T ;; serialize 0 0   0 => XMP_Error
-      => 1h 7 L name A seq=[new] S T)",
+      create => XMP_Error ;; set sceneSetting 'INT' 0 => 1h 7 name A seq(new)
+      set shotLocation 'L' 0 => 1h 7 name A seq(new) S ;; set sceneTimeOfDay 'T' 0 => 1h 7 L name A seq(new) S
+      set shotName 'INT - L - T - 7' 0 => 1h 7 L A seq(new) S T ;; set scene '7' 0 => 1h L name A seq(new) S T
+      set duration scale '1/1' 0 => 7 L name A seq(new) S T
+      set duration value '3600' 0 => dur={scale='1/1'} 7 L name A seq(new) S T ;; set action 'a' 0 => 1h 7 L name seq(new) S T
+      append seq 1024 null 256 => 1h 7 L name A S T ;; compose seq -1 => 1h 7 L name A seq({}) S T
+      set seq[last()] character 'C' 0 => 1h 7 L name A seq({}) S T
+      set seq[last()] dialog 'd' 0 => 1h 7 L name A seq({c='C'}) S T ;; serialize 0 0   0 => XMP_Error
+      => 1h 7 L name A seq(new) S T)",
                  []() -> std::string {
                    std::vector<ShotXMP> shots(1);
                    try {

@@ -8,7 +8,6 @@
 #include <zelmetadata/Path.h>
 
 #include "support/Table.h"
-#include "support/Text.h"
 
 using Packet = ::TXMPMeta<std::string>;
 using Paths = std::vector<zelmetadata::Path>;
@@ -17,7 +16,7 @@ inline constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
 inline constexpr const char* kMedia = zelmetadata::kDynamicMediaSchemaURI;
 
 // Metadata from "s:action=text; A:x": properties of the script (s) and dynamic-media (d)
-// namespaces, and items of the dialogue sequence, whose empty fields are left out.
+// namespaces, and items of the dialogue sequence, without their empty fields.
 inline Packet MakePacket(std::string_view text) {
   Packet::RegisterNamespace(kScript, "xmpScript", nullptr);
   Packet::RegisterNamespace(kMedia, "xmpDM", nullptr);
@@ -26,13 +25,10 @@ inline Packet MakePacket(std::string_view text) {
   if (text.empty()) return packet;
   table::Split(text, ";", [&](std::string_view entry) {
     const std::size_t colon = entry.find(':'), equals = entry.find('=');
-    const std::string first(entry.substr(0, colon)),
-        last(entry.substr(std::min(equals, colon) + 1));
+    const std::string first(entry, 0, colon), last(entry.substr(std::min(equals, colon) + 1));
     if (equals != entry.npos) {
-      const std::string name(entry.substr(2, equals - 2));
-      packet.SetProperty(first == "d" ? kMedia : kScript, name.c_str(),
-                         std::string(entry.substr(equals + 1)));
-      return;
+      const std::string name(entry, 2, equals - 2), value(entry.substr(equals + 1));
+      return packet.SetProperty(first == "d" ? kMedia : kScript, name.c_str(), value);
     }
     packet.AppendArrayItem(kScript, "dialogSequence", kXMP_PropArrayIsOrdered, nullptr,
                            kXMP_PropValueIsStruct);
@@ -43,32 +39,56 @@ inline Packet MakePacket(std::string_view text) {
   return packet;
 }
 
-// Metadata as s:name='value', name=[items], name={fields}; a top level's names in order, fields as
-// they stand, without the prefix of the property that they are in.
-inline std::string PacketText(const xmptoolkit::TreeNode& node, const std::string& outerURI) {
-  const bool isArray = (node.Options() & kXMP_PropValueIsArray) != 0;
-  if (!isArray && (node.Options() & kXMP_PropValueIsStruct) == 0) return "'" + node.Value() + "'";
-  std::vector<std::string> parts;
-  for (std::size_t i = 0; i < node.ChildCount(); ++i) {
-    const xmptoolkit::TreeNode child = node.Child(i);
-    const std::string& uri = child.NamespaceURI();
-    const std::string prefix = uri == outerURI  ? ""
-                               : uri == kScript ? "s:"
-                               : uri == kMedia  ? "d:"
-                                                : uri;
-    parts.push_back((isArray ? "" : prefix + child.LocalName() + "=") +
-                    PacketText(child, isArray ? outerURI : uri));
-  }
-  if (outerURI.empty()) std::sort(parts.begin(), parts.end());
-  std::string text;
-  for (const std::string& part : parts) text += (text.empty() ? "" : " ") + part;
-  if (outerURI.empty()) return text;
-  const bool isOrdered = (node.Options() & kXMP_PropArrayIsOrdered) != 0;
-  return isOrdered ? "[" + text + "]" : isArray ? "bag[" + text + "]" : "{" + text + "}";
+inline std::string ShortName(const xmptoolkit::TreeNode& node) {
+  static const std::vector<Row> kPrefixes = {
+      {std::string("{") + kScript + "}", "s:"},
+      {std::string("{") + kMedia + "}", "d:"},
+      {"{urn:q#}", "q:"},
+      {"{urn:s#}", "s:"},
+      {"{http://www.w3.org/1999/02/22-rdf-syntax-ns#}", "rdf:"},
+      {"{http://www.w3.org/XML/1998/namespace}", "xml:"}};
+  return Replaced("{" + node.NamespaceURI() + "}" + node.LocalName(), kPrefixes);
 }
 
+// A tree on one line: 'text', <URI>, {fields}, bag(items), seq(items), alt(items), lang(items);
+// each qualifier follows as /name=value.
+inline std::string Show(const xmptoolkit::TreeNode& node) {
+  const auto is = [&](XMP_OptionBits bits) { return (node.Options() & bits) != 0; };
+  const char* open = is(kXMP_PropValueIsStruct)      ? "{"
+                     : is(kXMP_PropArrayIsAltText)   ? "lang("
+                     : is(kXMP_PropArrayIsAlternate) ? "alt("
+                     : is(kXMP_PropArrayIsOrdered)   ? "seq("
+                     : is(kXMP_PropValueIsArray)     ? "bag("
+                     : is(kXMP_PropValueIsURI)       ? "<"
+                                                     : "'";
+  std::string text = open + node.Value();
+  for (std::size_t i = 0; i < node.ChildCount(); ++i) {
+    if (i > 0) text += ' ';
+    if (*open == '{') text += ShortName(node.Child(i)) + "=";
+    text += Show(node.Child(i));
+  }
+  text += *open == '{' ? "}" : *open == '<' ? ">" : *open == '\'' ? "'" : ")";
+  for (std::size_t i = 0; i < node.QualifierCount(); ++i) {
+    text += "/" + ShortName(node.Qualifier(i)) + "=" + Show(node.Qualifier(i));
+  }
+  return text;
+}
+
+inline std::string Show(const Packet& packet) {
+  return Show(xmptoolkit::RootOf(packet));
+}
+
+// The properties of a packet as s:name='value', whatever their order.
 inline std::string PacketText(const Packet& packet) {
-  return PacketText(xmptoolkit::RootOf(packet), "");
+  const xmptoolkit::TreeNode root = xmptoolkit::RootOf(packet);
+  std::vector<std::string> properties;
+  for (std::size_t i = 0; i < root.ChildCount(); ++i) {
+    properties.push_back(ShortName(root.Child(i)) + "=" + Show(root.Child(i)));
+  }
+  std::sort(properties.begin(), properties.end());
+  std::string text;
+  for (const std::string& property : properties) text += (text.empty() ? "" : " ") + property;
+  return text;
 }
 
 inline std::string PacketText(const std::string& bytes) {

@@ -6,7 +6,18 @@
 #include <string_view>
 #include <vector>
 
-// Up to four fields; those that a row lacks are empty.
+#include <zelcore/String.h>
+
+// Tests write and compare UTF-8, which reads well in a failure's message.
+inline zelcore::UTF16String Utf16(std::string_view text) {
+  return zelcore::utility::UTF8to16(text);
+}
+
+inline std::string Utf8(const zelcore::UTF16String& text) {
+  return zelcore::utility::UTF16to8(text);
+}
+
+// Up to four fields; missing ones are empty.
 using Row = std::array<std::string, 4>;
 
 namespace table {
@@ -21,11 +32,10 @@ inline std::string Unescaped(std::string_view text) {
   std::string plain;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const std::size_t escape = text[i] == '\\' ? std::string_view("strnx").find(text[i + 1]) : 5;
-    plain += escape < 4 ? " \t\r\n"[escape]
-             : escape > 4
-                 ? text[i]
-                 : static_cast<char>(std::stoi(std::string(text.substr(i + 2, 2)), nullptr, 16));
-    i += escape < 4 ? 1 : escape > 4 ? 0 : 3;
+    plain += escape < 4    ? " \t\r\n"[escape]
+             : escape == 4 ? static_cast<char>(std::stoi(std::string(text, i + 2, 2), nullptr, 16))
+                           : text[i];
+    i += escape < 4 ? 1 : escape == 4 ? 3 : 0;
   }
   return plain;
 }
@@ -41,10 +51,32 @@ void Split(std::string_view text, std::string_view separator, Action action) {
 
 }  // namespace table
 
-// A table from a raw string: a row a line, or several parted by ";;"; fields are parted by "=>".
+// `text` again and again, each "#" in it the number of the repetition.
+inline std::string Repeated(std::string_view text, int times) {
+  std::string repeated;
+  for (int i = 1; i <= times; ++i) {
+    for (const char c : text) c == '#' ? repeated += std::to_string(i) : repeated += c;
+  }
+  return repeated;
+}
+
+// `text` with each row's first field replaced by another one.
+inline std::string Replaced(std::string text, const std::vector<Row>& replacements,
+                            std::size_t field = 1) {
+  for (const Row& row : replacements) {
+    for (std::size_t at = 0; (at = text.find(row[0], at)) != text.npos; at += row[field].size()) {
+      text.replace(at, row[0].size(), row[field]);
+    }
+  }
+  return text;
+}
+
+// A table from a raw string: one row per line, or several separated by ";;"; "=>" separates fields.
+// A line that ends in "\" goes on in the next.
 inline std::vector<Row> Rows(std::string_view text) {
+  const std::string joined = Replaced(std::string(text), {{"\\\n", ""}});
   std::vector<Row> rows;
-  table::Split(table::Trimmed(text), "\n", [&](std::string_view line) {
+  table::Split(table::Trimmed(joined), "\n", [&](std::string_view line) {
     table::Split(line, ";;", [&](std::string_view row) {
       std::size_t field = 0;
       rows.emplace_back();
@@ -54,14 +86,4 @@ inline std::vector<Row> Rows(std::string_view text) {
     });
   });
   return rows;
-}
-
-inline std::string Replaced(std::string text, const std::vector<Row>& replacements,
-                            std::size_t field = 1) {
-  for (const Row& row : replacements) {
-    for (std::size_t at = 0; (at = text.find(row[0], at)) != text.npos; at += row[field].size()) {
-      text.replace(at, row[0].size(), row[field]);
-    }
-  }
-  return text;
 }

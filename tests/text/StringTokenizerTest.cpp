@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "support/Table.h"
-#include "support/Text.h"
 #include "text/StringTokenizer.h"
 
 namespace zelstoryparser {

@@ -1,15 +1,8 @@
-#include <string>
-
 #include "XMPTestSupport.h"
 
 namespace {
 
 using namespace xmptest;
-
-// Property elements, with short names for what is long and frequent.
-std::string Properties(const std::string& text) {
-  return Described(Replaced(text, Rows("RES => rdf:parseType='Resource' ;; LI => rdf:li")));
-}
 
 // A tree, and spellings of it; a row without a tree has more spellings of the one above. In the
 // last five a language on what is no property belongs to the properties directly within.
@@ -28,7 +21,7 @@ constexpr const char* kForms = R"(
       => <q:a><rdf:Description><s:f>1</s:f><s:g>2</s:g></rdf:Description></q:a>
   {q:a={}} => <q:a RES/>
   {q:a={rdf:type=<urn:s#T> s:f='1'}} => <q:a><s:T s:f='1'/></q:a>
-      => <q:a rdf:type='urn:s#T' s:f='1'/>
+      => <q:a rdf:type='urn:s#T' s:f='1'/> => <q:a type='urn:s#T' s:f='1'/>
       => <q:a RES><rdf:type rdf:resource='urn:s#T'/><s:f>1</s:f></q:a>
 
   {q:a=bag('1' '')} => <q:a><rdf:Bag><LI>1</LI><LI/></rdf:Bag></q:a>
@@ -66,25 +59,19 @@ constexpr const char* kForms = R"(
       => <q:a xml:lang='en' RES><rdf:value xml:lang='fr'>v</rdf:value><s:q RES><s:r>t</s:r><rdf:value xml:lang='de'>w</rdf:value></s:q><s:u rdf:resource='u' s:r='t'/></q:a>
 )";
 
-void ExpectReadsAndWrites(const std::string& properties, const std::string& tree) {
-  SCOPED_TRACE(properties);
-  Meta meta;
-  EXPECT_EQ(ErrorOf([&] { meta = Parse(Properties(properties)); }), "none");
-  EXPECT_EQ(Show(meta), tree);
-  for (const XMP_OptionBits options : {XMP_OptionBits{0}, kXMP_UseCompactFormat}) {
-    const std::string packet = Serialize(meta, options);
-    ExpectReadsAs(packet, meta, xmptoolkit::Equality::kMetadata);
-    EXPECT_EQ(Serialize(Parse(packet), options), packet);
-  }
-}
-
 TEST(ReaderTest, ReadsEveryForm) {
   RegisterTestNamespaces();
   std::string tree;
   for (const Row& row : Rows(kForms)) {
     if (!row[0].empty()) tree = row[0];
-    for (std::size_t i = 1; i < row.size(); ++i) {
-      if (!row[i].empty()) ExpectReadsAndWrites(row[i], tree);
+    for (std::size_t i = 1; i < row.size() && !row[i].empty(); ++i) {
+      SCOPED_TRACE(row[i]);
+      Meta meta;
+      EXPECT_EQ(ErrorOf([&] { meta = Parse(Described(row[i])); }), "none");
+      EXPECT_EQ(Show(meta), tree);
+      for (const XMP_OptionBits options : {XMP_OptionBits{0}, kXMP_UseCompactFormat}) {
+        ExpectReadsAs(Serialize(meta, options), meta, options);
+      }
     }
   }
 }
@@ -141,7 +128,7 @@ TEST(ReaderTest, RefusesWhatXMPDoesNotAllow) {
   meta.SetProperty(kQ, "kept", "1");
   for (const Row& row : Rows(kRefused)) {
     SCOPED_TRACE(row[0]);
-    const std::string packet = Properties(row[0]);
+    const std::string packet = Described(row[0]);
     ExpectError([&] { meta.ParseFromBuffer(packet.data(), Size(packet)); }, row[1]);
     EXPECT_EQ(Show(meta), "{q:kept='1'}");
   }
@@ -155,6 +142,8 @@ TEST(ReaderTest, RefusesOtherFrames) {
   names.push_back(Row{"$open", RDF("").substr(0, RDF("").find("</"))});
   for (const Row& row : Rows(R"(
       201 1:1: the buffer is empty => ;; 201 1:1:\s => no XML ;; 201 2: => $xmp$xmp
+      202 1:1: the root element is Ā => <\x00\x00\x01/\x00>\x00
+      203 2:...q:a is there already => $open$D q:a='1'/>$D q:a='2'/></rdf:RDF>
       202 1:1: the root element is q:a => <q:a xmlns:q='urn:q#'/> ;; 201 1: => $xml'UTF-8' ?$xmp
       201 1:1: the prefix of rdf:RDF is not declared => <rdf:RDF/>
       202 1:37: x:xmpmeta holds no rdf:RDF => $meta</x:xmpmeta> ;; 201 1:31:\s => $xml'UTF-16'?>$xmp
@@ -192,7 +181,7 @@ TEST(ReaderTest, NestsToTheLimitAndNoFurther) {
       <q:a RES><s:q/><rdf:value RES> => </rdf:value></q:a> => 1)")) {
     SCOPED_TRACE(row[0]);
     const auto nested = [&](int times) {
-      return Properties(Repeated(row[0], times) + "<q:leaf/>" + Repeated(row[1], times));
+      return Described(Repeated(row[0], times) + "<q:leaf/>" + Repeated(row[1], times));
     };
     const int most = (kXMP_MaxNesting - 1) / std::stoi(row[2]);
     const Meta meta = Parse(nested(most));

@@ -10,7 +10,6 @@
 
 #include "support/ScratchFolder.h"
 #include "support/Table.h"
-#include "support/Text.h"
 
 namespace zelcore {
 namespace {

@@ -32,7 +32,9 @@ TEST(MetadataPath, KnowsItsTextAndWhatLiesBelow) {
       Item(7).AsString() + "/xmpScript:character " + Item(7).AsString() + "/xmpScript:dialog ";
   EXPECT_EQ(Text(DescendantLeafPaths(Item(7))), leaves);
   EXPECT_EQ(Text(ChildPaths(Item(7))), leaves);
-  for (const Path& leaf : {*ChildPaths(Item(1)).first, foreign, Script("action"), Path()}) {
+  const Path duration = PathForSchemaNameAndPropertyName(kDynamicMediaSchemaURI, "duration");
+  for (const Path& leaf : {*ChildPaths(Item(1)).first, foreign, Script("action"), Path(),
+                           Script("dialogSequence"), CreatePathFromArrayItem(duration, 1)}) {
     EXPECT_EQ(Text(ChildPaths(leaf)) + Text(DescendantLeafPaths(leaf)), "") << leaf.AsString();
   }
 }

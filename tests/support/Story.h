@@ -1,8 +1,55 @@
 #pragma once
 
+#include <regex>
+
+#include <zelcore/xml/AbstractParseHandler.h>
 #include <zelstoryparser/StoryTree.h>
 
-#include "support/Text.h"
+#include "support/Table.h"
+
+using ScenePtr = boost::intrusive_ptr<zelstoryparser::Scene>;
+using StoryPtr = boost::intrusive_ptr<zelstoryparser::TavroStory>;
+
+// A scene from "H:INT. HOUSE - NIGHT / A:Rain." Each paragraph begins with its kind's letter,
+// perhaps with #id ("p" without, "#" for none); "|" separates two runs, and no text makes no run.
+inline ScenePtr MakeScene(std::string_view paragraphs, std::string_view number = "",
+                          std::string_view duration = "") {
+  ScenePtr scene(new zelstoryparser::Scene);
+  scene->mSceneNumber = Utf16(number);
+  scene->mShotDuration = Utf16(duration);
+  if (paragraphs.empty()) return scene;
+  table::Split(paragraphs, " /", [&](std::string_view source) {
+    auto& paragraph = scene->mParagraphs.emplace_back(new zelstoryparser::Paragraph);
+    const std::size_t colon = source.find(':');
+    paragraph->mElementType = 200 + static_cast<int>(std::string_view("HCDASPTU").find(source[0]));
+    paragraph->mObjectID = Utf16(colon == 1 ? "p" : source.substr(2, colon - 2));
+    if (colon + 1 == source.size()) return;
+    table::Split(source.substr(colon + 1), "|", [&](std::string_view run) {
+      paragraph->mTextRuns.emplace_back(new zelstoryparser::TextRun)->mText = Utf16(run);
+    });
+  });
+  return scene;
+}
+
+// Drives a handler by a text: <name a='v'>, <name/> and </name>, balanced or not; ^ and $ for the
+// start and the end of the document; "|" separates two pieces of character data.
+inline void Drive(const std::string& script, zelcore::xml::AbstractParseHandler& handler) {
+  static const std::regex event(R"([\^$|]|<(/?)([^ />]+)([^>]*?)(/?)>|[^<^$|]+)");
+  static const std::regex attribute(" ([^=]+)='([^']*)'");
+  for (std::sregex_iterator at(script.begin(), script.end(), event), end; at != end; ++at) {
+    const std::string text = at->str(), inTag = at->str(3);
+    if (text == "^") handler.StartDocument();
+    if (text == "$") handler.EndDocument();
+    if (text.find_first_of("^$|<") != 0) handler.Characters(Utf16(text));
+    if (text[0] != '<') continue;
+    std::map<zelcore::UTF16String, zelcore::UTF16String> attributes;
+    for (std::sregex_iterator a(inTag.begin(), inTag.end(), attribute); a != end; ++a) {
+      attributes[Utf16(a->str(1))] = Utf16(a->str(2));
+    }
+    if (at->length(1) == 0) handler.StartElement(Utf16(at->str(2)), attributes);
+    if (at->length(1) + at->length(4) > 0) handler.EndElement(Utf16(at->str(2)));
+  }
+}
 
 // Nodes as a text: name#id key=value>child, or {children}. What is empty or null is left out; a
 // paragraph's name is its code, a run's name its text in quotes.
