@@ -96,7 +96,7 @@ TEST_F(TraverseStoryTest, ReplacesWhatLiesThere) {
   Traverse(story);
   EXPECT_EQ(ReadBytes(target), "kept");
   fs::remove(target);
-  EXPECT_EQ(Files(), "1:'a' 2:'b' 3:'c' 4:'d' ");  // nothing was made behind the other link
+  EXPECT_EQ(Files(), "1:'a' 2:'b' 3:'c' 4:'d' ");  // and the dangling link led to no new file
   std::vector<ShotXMP> shots;
   GetSceneXMP(story, MakeScene("A:a"), 1, shots);
   EXPECT_EQ(ReadBytes(FileOf(1)), shots.at(0).mXMPPacket);

@@ -5,7 +5,8 @@ namespace {
 using namespace xmptest;
 
 // A tree, and spellings of it; a row without a tree has more spellings of the one above. In the
-// last five a language on what is no property belongs to the properties directly within.
+// last five a language on an element that is not a property belongs to the properties directly
+// within.
 constexpr const char* kForms = R"(
   {} => <!--empty-->
   {q:a='v'} => <q:a>v</q:a> => <a xmlns='urn:q#'>v</a> => <other:a xmlns:other='urn:q#'>v</other:a>
@@ -89,7 +90,7 @@ TEST(ReaderTest, MergesDescriptionsOfOneSubject) {
   }
 }
 
-// The first property stands at 3:1.
+// The first property is at 3:1.
 constexpr const char* kRefused = R"(
   <q:a><rdf:Bag><q:b/></rdf:Bag></q:a> => 202 3:15: ...rdf:Bag holds a q:b, where only rdf:li
   <q:a><rdf:Bag>x</rdf:Bag></q:a> => 202 3:...text stands in rdf:Bag ;; <q:a> => 201 3:

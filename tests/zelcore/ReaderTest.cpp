@@ -15,13 +15,13 @@ namespace {
 using ::testing::StartsWith;
 
 // The events of a parse as a text: ^ and $ for the document, <name a='v'>, </name>, 'text' however
-// it was split, [ and ] for CDATA, !comment!. The positions of the tags stand in a text of their
-// own. Where namespaces are wanted, (p=uri and p) stand for a mapping, and {uri}local=name follows
+// it was split, [ and ] for CDATA, !comment!. The positions of the tags are a text apart.
+// Where namespaces are wanted, (p=uri and p) stand for a mapping, and {uri}local=name follows
 // each tag, and {uri}local=name=value for its attributes.
 class EventLog : public AbstractParseHandler {
  public:
   using Text = const UTF16String&;
-  // The call behind `calls` calls throws.
+  // The call after `calls` calls throws.
   explicit EventLog(const Reader& reader, int calls = -1) : mCallsLeft(calls), mReader(reader) {}
 
   bool WantsNamespaces() const override { return mWantsNamespaces; }
