@@ -7,7 +7,7 @@
 #include <zelstoryparser/StoryParser.h>
 
 #include "Support.h"
-#include "support/TreeDump.h"
+#include "support/Story.h"
 
 // Sends events in any order to several parsers, which are copied and assigned to each other between
 // events. Each parser has a model of the format's rules; their trees must always be equal.

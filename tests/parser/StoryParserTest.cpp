@@ -57,10 +57,12 @@ void ExpectOutcomes(std::string_view table) {  // of a script => the tree, after
 
 TEST(StoryParserTest, KeepsAttributes) {
   ExpectOutcomes(R"(
-      <TavroStory template='t' x='?' version='1.0' documentType='d' objID='i'/> => ..story type=d template=t
+      <TavroStory template='t' x='?' version='1.0' documentType='d' objID='i'/> \
+          => ..story type=d template=t
       ..story<document version='zwei' objID='i'> => ..story>document version=zwei
       ..document<stream objID='f' name='footer'/> => ..document>footer#f
-      ..body<section objID='s'><scene objID='n' sceneNumber=' 12A'/> => ..body>section#s>scene#n number= 12A
+      ..body<section objID='s'><scene objID='n' sceneNumber=' 12A'/> \
+          => ..body>section#s>scene#n number= 12A
       ..scene<p objID='p' element='Shot'><run objID=' r'>t => ..scene>204#p>''# r
       ..document<comments objID='i' name='n' commentAuthor='a' dependent='d' commentAuthorID='ai'/> \
           => ..document>comments#i name=n author=a dependent=d authorID=ai
@@ -68,7 +70,8 @@ TEST(StoryParserTest, KeepsAttributes) {
           => ..story tag=a tag= tag= b>document
       ..scene<p element='SceneHeading' shotDuration='1'/><p element='SceneHeading' shotDuration='2'/> \
           => ..scene duration=2{200 200}
-      ..scene<p element='SceneHeading' shotDuration='1'/><p element='SceneHeading'/> => ..scene{200 200}
+      ..scene<p element='SceneHeading' shotDuration='1'/><p element='SceneHeading'/> \
+          => ..scene{200 200}
       ..scene<p element='Shot' shotDuration='3'/> => ..scene>204)");
 }
 
@@ -76,28 +79,34 @@ TEST(StoryParserTest, GathersTextBetweenTags) {
   ExpectOutcomes(R"(
       ..scene<p>a<run/>b<run>c</run>d</p> => ..scene>207{'' 'c'}
       ..scene<p><run> a\n\t b\s</run> => ..scene>207>' a\n\t b\s'
-      ..scene<p><run>a<b>c</b>d</run> => ..scene>207>'cd' ;; ..scene<p><run>a<b/></run> => ..scene>207>''
+      ..scene<p><run>a<b>c</b>d</run> => ..scene>207>'cd'
+      ..scene<p><run>a<b/></run> => ..scene>207>''
       ..scene<p><run>a</run></p><run>b</run> => ..scene>207>'a'
       ..scene<p><run></run></p><run>b</run> => ..scene>207>'b'
       ..scene<p><run>a<run>b</run>c</run> => ..scene>207{'' 'b'}
       ..scene<p><run><run/>c</run>d</run> => ..scene>207{'' 'c'}
-      ..scene<p><run>a</run>b</run> => ..scene>207>'a' ;; ..scene<p><run></p>a</run> => ..scene>207>'a'
+      ..scene<p><run>a</run>b</run> => ..scene>207>'a'
+      ..scene<p><run></p>a</run> => ..scene>207>'a'
       ..section<p><run>a</run></p> => ..section ;; ..scene<run>a</run> => ..scene
       ..scene<p><p></p><run>a</run> => ..scene{207 207}
-      ..story<metaData>a|b<x/>c|d</metaData> => ..story meta=cd ;; ..storytext</metaData> => ..story meta=text
+      ..story<metaData>a|b<x/>c|d</metaData> => ..story meta=cd
+      ..storytext</metaData> => ..story meta=text
       ..story<metaData></metaData><metaData>m</metaData> => ..story meta=m
       ..story<metaData>a</metaData>..story<metaData>b</metaData> => ..story meta=b
       ..story<metaData>|| |é|\n|𝄞 | x'||\t€| |</metaData> => ..story meta= é\n𝄞  x'\t€\s
       ..scene<p><run>a</run>b</metaData> => ..story meta=b>document>body>section>scene>207>'a'
-      ..scene<p><run><metaData>m</metaData>b</run> => ..story meta=m>document>body>section>scene>207>'b')");
+      ..scene<p><run><metaData>m</metaData>b</run> \
+          => ..story meta=m>document>body>section>scene>207>'b')");
 }
 
 TEST(StoryParserTest, BuildsTreesOfWhatIsOpen) {
   ExpectOutcomes(R"(
       => null ;; <x><y/>text</x> => null ;; <tavrostory version='1.0'/><Document/> => null
       <Tag label='early'/>..story => ..story
-      ..body</stream><stream name='header'/><stream name='footer'/> => ..document{header body footer}
-      ..document<stream name='margin'><section><scene/></section></stream><stream name='Body'/> => ..document
+      ..body</stream><stream name='header'/><stream name='footer'/> \
+          => ..document{header body footer}
+      ..document<stream name='margin'><section><scene/></section></stream><stream name='Body'/> \
+          => ..document
       ..scene<p/></scene><scene/> => ..section{scene>207 scene}
       ..document<comments><section objID='s'><scene/></section></comments><comments/> \
           => ..document{comments>section#s>scene comments}
@@ -108,7 +117,8 @@ TEST(StoryParserTest, BuildsTreesOfWhatIsOpen) {
       ..scene</stream></document><p/> => ..scene>207
       ..document<comments><stream name='body'><section><scene/></section> \
           => ..document{body>section>scene comments}
-      ..body<comments><section></section><section><scene/> => ..document{body>section comments>section>scene}
+      ..body<comments><section></section><section><scene/> \
+          => ..document{body>section comments>section>scene}
       ..document<comments><section><stream name='body'><section><scene/> \
           => ..document{body>section>scene comments>section}
       ..document<comments name='a'><comments name='b'><section/> \
@@ -123,18 +133,23 @@ TEST(StoryParserTest, RecordsTheFirstError) {
       ..document</document><document version='2'/> => !document ..document
       ..document..story<document/> => !document ..story
       <stream/> => !streams null ;; ..story<stream name='body'/> => !streams ..story
-      ..body<stream name='header'/> => !streams ..body ;; ..document<stream><stream/> => !streams ..document
+      ..body<stream name='header'/> => !streams ..body
+      ..document<stream><stream/> => !streams ..document
       ..scene..story<stream/> => !streams ..story
       ..body</stream><stream name='body' objID='2'><section/></stream> => !body ..body
-      ..document<stream name='header'/><stream name='header' objID='2'/> => !header ..document>header
-      ..document<stream name='footer'/><stream name='footer' objID='2'/> => !footer ..document>footer
+      ..document<stream name='header'/><stream name='header' objID='2'/> \
+          => !header ..document>header
+      ..document<stream name='footer'/><stream name='footer' objID='2'/> \
+          => !footer ..document>footer
       <section/> => !section null ;; ..document<section/> => !section ..document
       ..body<section/><section/> => !section ..section ;; ..section<section/> => !section ..section
       ..document<comments><section/><section/> => !section ..document>comments>section
       ..section<comments><section/> => !section ..document{body>section comments}
       ..section</stream><comments><section/> => !section ..document{body>section comments}
-      <scene/> => !scene null ;; ..body<scene/> => !scene ..body ;; ..body<section/><scene/> => !scene ..section
-      ..story<comments/> => !comments ..story ;; ..document</document><comments/> => !comments ..document
+      <scene/> => !scene null ;; ..body<scene/> => !scene ..body
+      ..body<section/><scene/> => !scene ..section
+      ..story<comments/> => !comments ..story
+      ..document</document><comments/> => !comments ..document
       <metaData>a</metaData> => !metadata null ;; </metaData> => !metadata null
       ..story<metaData>a</metaData><metaData>b</metaData> => !metadata ..story meta=a
       ..story<metaData>a</metaData><metaData/> => !metadata ..story meta=a
@@ -163,7 +178,8 @@ TEST(StoryParserTest, ServesDerivedHandlers) {
     using StoryParser::SetParseError;
   } parser;
   for (const Row& row : Rows(R"(
-      SceneHeading => 200 ;; Character => 201 ;; Dialog => 202 ;; Action => 203 ;; Shot => 204 ;; Parenthetical => 205
+      SceneHeading => 200 ;; Character => 201 ;; Dialog => 202 ;; Action => 203 ;; Shot => 204
+      Parenthetical => 205
       Transition => 206 ;; dialog => 207 ;; \sDialog => 207 ;; Dialog\s => 207 ;; Dialogs => 207
       Dialo => 207 ;; => 207)")) {
     EXPECT_EQ(std::to_string(parser.GetElement({{u"element", Utf16(row[0])}})), row[1]) << row[0];
@@ -185,7 +201,8 @@ TEST(StoryParserTest, ReadsOnAndCopiesBuildTheSameTree) {
       b=a => => ..scene>207>'' ;; a => $x^..scene => ..scene ;; a => <run>late</run>$ => ..scene
       b => => ..scene>207>'late' ;; a => ^</metaData>$^..story$</metaData> => ..story
       a => x^..document$<stream name='body'/> => !streams ..document
-      a => ^..scene<p><run>x => ..scene>207>'' ;; b=a => y => ..scene>207>'' ;; a => z</run> => ..scene>207>'xz'
+      a => ^..scene<p><run>x => ..scene>207>'' ;; b=a => y => ..scene>207>''
+      a => z</run> => ..scene>207>'xz'
       b => </run><run>d</run></p><p/></scene> => ..scene{207{'xz' 'd'} 207}
       a => <run>e</run><p element='Shot'/></scene></section> => ..scene{207{'xz' 'd' 'e'} 207 204}
       a => <scene/> => !scene ..scene{207{'xz' 'd' 'e'} 207 204} ;; c => ^..body => ..body
@@ -193,7 +210,8 @@ TEST(StoryParserTest, ReadsOnAndCopiesBuildTheSameTree) {
       c=c => <p/><scene><p/> => ..section{scene{207{'xz' 'd' 'e'} 207 204} scene>207}
       c=a => => !scene ..section{scene{207{'xz' 'd' 'e'} 207 204} scene>207} 
       c=d => => null ;; c => ^..scene$ => ..scene
-      a => ^..scene<p><run><document/>lost => !document ..scene>207>'' ;; b=a => => !document ..scene>207>''
+      a => ^..scene<p><run><document/>lost => !document ..scene>207>''
+      b=a => => !document ..scene>207>''
       a => ^</run> => null ;; b => => !document ..scene>207>'')")) {
     StoryParser& parser = parsers[row[0][0]];
     if (row[0][1] == '=') parser = parsers[row[0][2]];

@@ -56,7 +56,7 @@ namespace {
 using namespace std::string_view_literals;
 
 // What the XML library allocates counts down, too, where a test asks for it: its table of names
-// loses names without a word, which no reader can notice where a name has no meaning of its own.
+// drops names silently, which no reader can notice where only the name's text matters.
 bool gXMLLibraryFails = false;
 
 void* Allocate(std::size_t size) {
@@ -110,7 +110,7 @@ class Allocations : public ::testing::Test {  // must give back all that they to
   void TearDown() override {
     gXMLLibraryFails = false;
     xmlResetLastError();
-    // A recorded failure keeps memory of its own.
+    // A recorded failure holds memory, too.
     EXPECT_TRUE(HasFailure() || gLiveAllocations == mBefore) << gLiveAllocations - mBefore;
   }
   const long mBefore = gLiveAllocations;
@@ -184,7 +184,7 @@ TEST_F(Allocations, OperationsPassTheFailureOnAndLeaveNothing) {
         [&] { operation.mRun(packet, paths); },
         [&](bool failed) {
           EXPECT_EQ(shots.size(), !failed && operation.mName == "shot"sv ? 1u : 0u);
-          EXPECT_GE(paths.size(), 1u);  // what the list held stays in front
+          EXPECT_GE(paths.size(), 1u);  // what the list held before stays first
           EXPECT_EQ(paths[0].AsString(), zelmetadata::Path().AsString());
           if (operation.mName == "parse"sv || (failed && operation.mName == "set"sv)) {
             EXPECT_EQ(PacketText(packet), PacketText(before));

@@ -21,9 +21,8 @@ class Endless : public std::streambuf {
  protected:
   int_type underflow() override {
     if (mDelivered > 0 || mPiece.empty()) {
-      const std::string number = std::to_string(mDelivered);
-      mPiece = Replaced(mUnit, {{"#", number}});
-      if (mUnit.find('#') == mUnit.npos) mPiece = Repeated(mUnit, 4096);
+      const std::string number = "#_" + std::to_string(mDelivered);
+      mPiece = Repeated(Replaced(mUnit, {{"#", number}}), 1000);
     }
     mDelivered += mPiece.size();
     setg(mPiece.data(), mPiece.data(), mPiece.data() + mPiece.size());

@@ -97,7 +97,7 @@ TEST_F(PacketTest, ArgumentsAreHonouredOrRefused) {
   refuse("4", 0, 0u, "", "", 101);
 }
 
-// Packets in every encoding, among bytes that stand around them in a file.
+// Packets in every encoding, among the other bytes of a file.
 TEST_F(PacketTest, EncodingsAreFoundAndRead) {
   const struct {
     XMP_OptionBits mEncoding;

@@ -37,7 +37,7 @@ TEST_F(PathTest, LeadsToValues) {
   }
 }
 
-TEST_F(PathTest, RefusesWhatIsNoPathOrDoesNotFit) {
+TEST_F(PathTest, RefusesWhatIsNotAPathOrDoesNotFit) {
   const std::vector<Row> rows = Rows(R"(
       null => 102 ...null ;; => 102 ...begin with a property name ;; q: => 102 ...begin with
       q:a:b => 102 ...begin with ;; /simple => 102 ...begin with ;; \xFF => 102 ...begin with
@@ -65,7 +65,7 @@ TEST_F(PathTest, RefusesWhatIsNoPathOrDoesNotFit) {
   EXPECT_EQ(Serialize(mMeta), before);
 }
 
-TEST_F(PathTest, SchemasHaveToBeRegisteredOrInUse) {
+TEST_F(PathTest, SchemasMustBeRegisteredOrInUse) {
   constexpr const char* kUnheardOf = "urn:unheard-of#";
   for (const char* schema : {static_cast<const char*>(nullptr), "", kUnheardOf}) {
     ExpectError([&] { mMeta.DoesPropertyExist(schema, "a"); }, "101 ");

@@ -69,7 +69,7 @@ std::string ErrorOf(Action action) {
   return "none";
 }
 
-// `error` is how number and message begin; what follows "..." stands somewhere after it.
+// `error` is how number and message begin; what follows "..." is found somewhere after it.
 template <typename Action>
 void ExpectError(Action action, std::string_view error) {
   const std::size_t start = error.find("...");

@@ -82,7 +82,7 @@ std::string Localized(const std::string& keyText) {
   return Utf8(Localizer::Get().GetLocalizedString(keyText));
 }
 
-TEST(Localizer, FallsBackToTheTextBehindTheKey) {
+TEST(Localizer, FallsBackToTheTextAfterTheKey) {
   Localizer::Get().InstallTranslation("$$$/a/Known", u"old");
   Localizer::Get().InstallTranslation("$$$/a/Known", u"bekannt");
   for (const Row& row :
@@ -95,7 +95,7 @@ TEST(Localizer, FallsBackToTheTextBehindTheKey) {
   EXPECT_EQ(Localized("$$$/a/Known=known"), "known");
 }
 
-TEST(Files, SpeakOfTheEntryItself) {
+TEST(Files, DoNotFollowLinks) {
   const ScratchFolder folder;
   const std::string path = folder.Path().string();
   SetTemporaryFolder(path + "//");

@@ -15,13 +15,13 @@ namespace {
 using ::testing::StartsWith;
 
 // The events of a parse as a text: ^ and $ for the document, <name a='v'>, </name>, 'text' however
-// it was split, [ and ] for CDATA, !comment!. The positions of the tags stand in a text of their
-// own. Where namespaces are wanted, (p=uri and p) stand for a mapping, and {uri}local=name follows
+// it was split, [ and ] for CDATA, !comment!. The positions of the tags are a text apart.
+// Where namespaces are wanted, (p=uri and p) stand for a mapping, and {uri}local=name follows
 // each tag, and {uri}local=name=value for its attributes.
 class EventLog : public AbstractParseHandler {
  public:
   using Text = const UTF16String&;
-  // The call behind `calls` calls throws.
+  // The call after `calls` calls throws.
   explicit EventLog(const Reader& reader, int calls = -1) : mCallsLeft(calls), mReader(reader) {}
 
   bool WantsNamespaces() const override { return mWantsNamespaces; }
@@ -225,9 +225,7 @@ TEST(Reader, KnowsItsPlaceAgainAfterAnotherDocumentWithinACallback) {
   EXPECT_EQ(handler.mLines, (std::vector<std::int64_t>{3, 2, 4}));
 }
 
-TEST(Reader, LimitsMarkupButNotText) {
-  const std::string longText(12'000'000, 'x');
-  EXPECT_TRUE(ParseAll("<r>" + longText + "</r>").mEvents == "^<r>'" + longText + "'</r>$");
+TEST(Reader, LimitsMarkup) {
   for (const Row& row :
        Rows("<r a=' => '/> ;; <r><![CDATA[ => ]]></r> ;; <!-- => --><r/> ;; <r><?p => ?></r>")) {
     for (const std::size_t size : {8'380'000u, 8'600'000u}) {

@@ -22,7 +22,7 @@ std::string Text(const PathRange& range) {
   return text;
 }
 
-TEST(MetadataPath, KnowsItsTextAndWhatLiesBelow) {
+TEST(MetadataPath, HasATextAndChildren) {
   const Path foreign = PathForSchemaNameAndPropertyName("http://ns.example/", "name");
   EXPECT_EQ(Item(2).AsString(), "xmpScript:dialogSequence[2]");
   EXPECT_EQ(PathForSchemaNameAndPropertyName(kDynamicMediaSchemaURI, "scene").AsString(),
