@@ -1,0 +1,75 @@
+// What a terminal and a shell see: colours, progress, control characters, signals.
+#include <gmock/gmock.h>
+
+#include "zelstory/Scratch.h"
+
+namespace {
+
+using testing::ContainsRegex;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+class ConsoleTest : public Scratch {
+ protected:
+  ConsoleTest() { Write("s.quor", "<TavroStory version='1.0'/>"); }
+
+  // The terminal is a pseudo-terminal that script(1) makes.
+  std::string OnTerminal(const std::string& command) const {
+    Write("command", command);
+    return Run("env -u NO_COLOR TERM=xterm script -qec 'sh command' /dev/null").mOutput;
+  }
+};
+
+TEST_F(ConsoleTest, ATerminalGetsColoursAndProgress) {
+  if (const auto missing = Missing("script"); !missing.empty()) GTEST_SKIP() << missing;
+  EXPECT_EQ(OnTerminal("zelstory check s.quor"), "s.quor: \x1B[32mok\x1B[0m\r\n");
+  EXPECT_EQ(OnTerminal("zelstory show n 2>&1"),
+            "n: \x1B[1;31merror:\x1B[0m No such file or "
+            "directory\r\n");
+  for (const std::string plain : {"NO_COLOR=1", "TERM=dumb"}) {
+    EXPECT_EQ(OnTerminal(plain + " zelstory check s.quor"), "s.quor: ok\r\n");
+  }
+  const std::string slow = "(sleep 1.1; cat s.quor) | zelstory check s.quor - s.quor";
+  EXPECT_THAT(OnTerminal(slow),
+              EndsWith("ok\x1B[0m\r\n\r\x1B[K3 of 3\r\x1B[Ks.quor: \x1B[32mok\x1B[0m\r\n"));
+  // Results that go elsewhere leave the progress where it is: the last file is a pipe, whose writer
+  // looks at the screen once it is being read.
+  EXPECT_THAT(OnTerminal("mkfifo pipe; (exec 9>pipe; printf HERE >&2; cat s.quor >&9) & " + slow +
+                         " pipe >o; wait"),
+              ContainsRegex("\x1B\\[K[34] of 4HERE"));
+}
+
+TEST_F(ConsoleTest, NoNameSteersTheTerminal) {
+  Run("mkdir $(printf 'a\\033b'); cp s.quor $(printf 'a\\033b'); touch $(printf 'a\\033b/c.mov')");
+  const std::string folder =
+      "a\x1B"
+      "b/";
+  EXPECT_EQ(Tool("check " + folder + "s.quor").mOutput, "a?b/s.quor: ok\n");
+  EXPECT_THAT(Tool("check " + folder).mOutput, "a?b/: error: is a directory\n");
+  Write("t.csv", "clip,position\n");
+  Run("cp t.csv " + folder);
+  EXPECT_THAT(Tool("tag s.quor --table " + folder + "t.csv").mErrors, HasSubstr("a?b/t.csv: note"));
+}
+
+// The second story is only there when the signal has come.
+TEST_F(ConsoleTest, ASignalEndsTheRunBetweenFiles) {
+  const std::string start = R"(mkfifo in out; zelstory check s.quor - s.quor <in >out & tool=$!
+      exec 3>in 4<out; read -r first <&4; echo "$first"; )";
+  const std::string finish = "cat s.quor >&3; exec 3>&-; cat <&4; wait $tool; echo $?";
+  const std::string first = "s.quor: ok\n";
+  const Outcome outcome = Run(start + "kill -TERM $tool; " + finish);
+  EXPECT_EQ(outcome.mOutput, first + "-: ok\n143\n");
+  EXPECT_THAT(outcome.mErrors, HasSubstr("interrupted after 2 of 3 files"));
+  // As nohup has it, a signal that was ignored is still.
+  EXPECT_EQ(Run("rm in out; trap '' HUP; " + start + "kill -HUP $tool; " + finish).mOutput,
+            first + "-: ok\ns.quor: ok\n0\n");
+  // A second signal does not wait for the file in work.
+  EXPECT_EQ(Run("rm in out; " + start +
+                "kill -TERM $tool; for i in 1 2 3; do sleep 0.1; kill -TERM $tool; done;"
+                "cat <&4; wait $tool; echo $?")
+                .mOutput,
+            first + "143\n");
+}
+
+}  // namespace
