@@ -49,13 +49,13 @@ TEST_F(ListsTest, AreReadByPrograms) {
 
 TEST_F(ListsTest, ASpreadsheetRunsNoCell) {
   const std::string story =
-      Story("<scene sceneNumber='-1&#10;2'>" +
+      Story("<scene sceneNumber=' -1&#10;2'>" +
             Paragraph("SceneHeading", "INT. =1+1 - @SUM(A1)&#13;B") + "</scene>");
   EXPECT_THAT(Tool("scenes - --csv --bom", story).mOutput,
-              testing::MatchesRegex("\xEF\xBB\xBFposition.*\r\n1,\"'-1\n2\",INT,'=1\\+1,"
+              testing::MatchesRegex("\xEF\xBB\xBFposition.*\r\n1,\"' -1\n2\",INT,'=1\\+1,"
                                     "\"'@SUM\\(A1\\)\rB\",,0,0\r\n"));
   EXPECT_THAT(Tool("scenes - --csv --raw", story).mOutput,
-              testing::MatchesRegex("position.*\r\n1,\"-1\n2\",INT,=1\\+1,"
+              testing::MatchesRegex("position.*\r\n1,\" -1\n2\",INT,=1\\+1,"
                                     "\"@SUM\\(A1\\)\rB\",,0,0\r\n"));
 }
 

@@ -14,9 +14,8 @@ using testing::Not;
 class ReportTest : public Scratch {
  protected:
   std::string Page(const std::string& story, const std::string& title = " ") const {
-    const Outcome outcome =
-        Tool("report \"" + story + "\" --html page.html --title '" + title + "'");
-    EXPECT_EQ(outcome.mErrors + outcome.mOutput, "");
+    const std::string options = " --html page.html --title '" + title + "'";
+    EXPECT_EQ(Printed("zelstory report \"" + story + '"' + options), "");
     return Read("page.html");
   }
   std::string PageOf(const std::string& story) const {
@@ -107,6 +106,7 @@ TEST_F(ReportTest, ManyScenesAndPeopleStayReadable) {
   EXPECT_EQ(Matches(page, "<text class=\"label\"[^>]*>(P[0-9]+)").size(), 30u);
   Has(page, {"The chart has the first 30 of <a href=\"#characters\">40 characters</a>.",
              "<title>P7, scenes #7 to #9: 1 speech, 2 words</title><rect class=\"cell s4\"",
+             "<title>P6, scenes #7 to #9: 1 speech, 1 word</title><rect class=\"cell s3\"",
              "scope=\"row\">P39</th>", "<title>scenes #298 to #300: 6 words</title>"});
 }
 
@@ -138,15 +138,12 @@ TEST_F(ReportTest, EstimatesAreMarked) {
 }
 
 TEST_F(ReportTest, EveryParagraphStandsOnceInItsPlace) {
-  const auto edge = [](const std::string& name, const std::string& text) {
-    return "<stream name='" + name + "'><section><scene>" + Paragraph("", text) +
-           "</scene></section></stream>";
-  };
   const std::string page =
       PageOf(Story("<scene sceneNumber='5'>" + Paragraph("Action", "Hm.") +
                        Paragraph("SceneHeading", "ONE") + Paragraph("SceneHeading", "TWO") +
                        "</scene><scene>" + Paragraph("Shot", "X") + "</scene>",
-                   edge("header", "Top") + edge("footer", "End")));
+                   Stream("header", "<scene>" + Paragraph("", "Top") + "</scene>") +
+                       Stream("footer", "<scene>" + Paragraph("", "End") + "</scene>")));
   const std::string aside = "<aside><p class=\"label\" lang=\"en\">";
   Has(page, {aside +
                  "Header</p><p class=\"action\">Top</p></aside><article><p class=\"action\">Hm.</p>"
@@ -165,12 +162,15 @@ TEST_F(ReportTest, EveryParagraphStandsOnceInItsPlace) {
 }
 
 TEST_F(ReportTest, TheTitleIsTheGivenOneOrTheStorysOrTheFiles) {
-  const std::string kCases[][3] = {
-      {"Title: A", "B", "B</h1><p class=\"file\">s.quor</p>"},
-      {"x\n \ttitle:  A b \r\nTitle: C", " ", "A b</h1><p class=\"file\">s.quor</p>"},
-      {"Subtitle: A\nTitle: ", " ", "s.quor</h1><dl"}};
+  const std::string kCases[][3] = {{"Title: A", "B", "B</h1><p class=\"file\">s.quor</p>"},
+                                   {"Title page: x\n \ttitle:  A b &#13;\nTitle: C", " ",
+                                    "A b</h1><p class=\"file\">s.quor</p>"},
+                                   {"Subtitle: A\nTitle: ", " ", "s.quor</h1><dl"}};
   for (const auto& [metaData, given, heading] : kCases) {
-    Write("s.quor", "<TavroStory version='1.0'><metaData>" + metaData + "</metaData></TavroStory>");
+    Write("s.quor",
+          "<TavroStory version='1.0'><metaData>" + metaData +
+              "</metaData>"
+              "<document><stream name='header'><section/></stream></document></TavroStory>");
     EXPECT_THAT(Page("s.quor", given), HasSubstr("<h1 lang=\"\">" + heading));
   }
 }
@@ -180,6 +180,8 @@ TEST_F(ReportTest, AnEmptyStoryHasAPageAndABadOneNone) {
   const std::string page = Page("empty.quor");
   EXPECT_THAT(page, HasSubstr("(no text)"));
   EXPECT_EQ(Tool("report empty.quor --html -").mOutput, page);
+  EXPECT_EQ(Printed("zelstory report - --html new.html <empty.quor"), "");
+  EXPECT_THAT(Read("new.html"), HasSubstr("Screenplay</h1>"));
   Run("ln -s empty.quor link; mkfifo pipe");
   const std::pair<std::string, std::string> cases[] = {
       {"$stories/broken/second_section.quor --html page.html",
@@ -196,7 +198,7 @@ TEST_F(ReportTest, AnEmptyStoryHasAPageAndABadOneNone) {
   }
   EXPECT_EQ(Read("page.html"), page);
   EXPECT_EQ(Read("empty.quor"), "<TavroStory version='1.0'/>");
-  EXPECT_EQ(Run("test -p pipe && ls").mOutput, "empty.quor\nlink\npage.html\npipe\n");
+  EXPECT_EQ(Run("test -p pipe && ls").mOutput, "empty.quor\nlink\nnew.html\npage.html\npipe\n");
 }
 
 }  // namespace

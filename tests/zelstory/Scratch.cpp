@@ -30,9 +30,13 @@ std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
+std::string Stream(const std::string& name, const std::string& scenes) {
+  return "<stream name='" + name + "'><section>" + scenes + "</section></stream>";
+}
+
 std::string Story(const std::string& scenes, const std::string& more) {
-  return "<TavroStory version='1.0'><document><stream name='body'><section>" + scenes +
-         "</section></stream>" + more + "</document></TavroStory>";
+  return "<TavroStory version='1.0'><document>" + Stream("body", scenes) + more +
+         "</document></TavroStory>";
 }
 
 std::string Paragraph(const std::string& kind, const std::string& text) {

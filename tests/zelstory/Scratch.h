@@ -52,4 +52,5 @@ std::vector<std::string> Lines(const std::string& text);
 
 // A story with these scenes in its body; `more` follows the body.
 std::string Story(const std::string& scenes, const std::string& more = "");
+std::string Stream(const std::string& name, const std::string& scenes);
 std::string Paragraph(const std::string& kind, const std::string& text);

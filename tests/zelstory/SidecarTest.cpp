@@ -62,7 +62,8 @@ TEST_F(SidecarTest, OthersDataSurvives) {
       sed 's/<\/rdf:Description>/<b xmlns="urn:b#">2<\/b>&/' clip.xmp >reordered.xmp
       zelstory write s.quor --position 1 reordered.xmp
       zelstory clear clip.xmp >touched; triples clip.xmp | diff others -
-      for line in 1 '$'; do sed -n ${line}p clip.xmp >line; sed -n ${line}p $data/foreign.xmp | cmp - line; done
+      for line in 1p '$p'; do
+        sed -n $line clip.xmp >line; sed -n $line $data/foreign.xmp | cmp - line; done
       wc -c <$data/foreign.xmp >length; wc -c <clip.xmp | diff length -)");
   EXPECT_EQ(difference, "unchanged\nunchanged\n");  // also where others' data follows the scene's
   EXPECT_THAT(Read("clip.xmp"), AllOf(HasSubstr("<!-- kept -->"), HasSubstr("other 1.0")));
@@ -76,17 +77,19 @@ TEST_F(SidecarTest, PaddingThatIsUsedUpIsRenewed) {
 
 // Nor line ends, however often it is changed; a declaration of ASCII becomes true.
 TEST_F(SidecarTest, APacketWithoutWrapperGetsNone) {
-  const auto inUTF16 = [](const std::string& ascii) {
-    std::string wide = "\xFF\xFE";
-    for (const char c : ascii) (wide += c) += '\0';
-    return wide;
+  const auto wide = [](std::size_t unit, const std::string& ascii) {
+    std::string bytes("\xFF\xFE\0\0", unit);
+    for (const char c : ascii) bytes.append(1, c).append(unit - 1, '\0');
+    return bytes;
   };
   const std::string plain = "<?xml version='1.0'?>\n",
                     declared = "\uFEFF<?xml\tversion='1.0' encoding = \"";
   const std::pair<std::string, std::string> cases[] = {
       {plain + RDF(""), plain},
       {declared + "us-ascii\" ?>" + RDF("") + "\n", declared + "UTF-8\"    ?>"},
-      {inUTF16(plain + RDF("") + "\n"), inUTF16(plain)}};
+      {declared + "ascii\"?>" + RDF("") + "\n", declared + "UTF-8\"?>"},
+      {wide(2, plain + RDF("") + "\n"), wide(2, plain)},
+      {wide(4, plain + RDF("") + "\n"), wide(4, plain)}};
   for (const auto& [bytes, front] : cases) {
     SCOPED_TRACE(front);
     Write("clip.xmp", bytes);
@@ -185,6 +188,7 @@ TEST_F(SidecarTest, StandardStreamsTakeTheFilesPlace) {
   const std::string cleared = Tool("clear -", written).mOutput;
   EXPECT_EQ(Tool("has -", written).mOutput, "yes\n");
   EXPECT_EQ(Tool("has -", cleared).mOutput, "no\n");
+  EXPECT_THAT(Tool("clear - --dry-run", written).mOutput, HasSubstr("xmpScript:action: "));
   EXPECT_EQ(Tool("write s.quor --position 1 -", cleared).mOutput, written);
   EXPECT_EQ(Tool("write - --position 1 new.xmp", Read("s.quor")).mStatus, 0);
   EXPECT_EQ(Read("new.xmp"), written);

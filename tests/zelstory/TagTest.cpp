@@ -33,6 +33,7 @@ TEST_F(TagTest, WritesEachClipOnceAndNothingTheSecondTime) {
   const Outcome again = Tag(table);
   EXPECT_EQ(again.mOutput, "a.mov: unchanged\nb.mov: unchanged\nnew.xmp: unchanged\n");
   EXPECT_EQ(again.mStatus, 0);
+  EXPECT_EQ(Tag(table, "--dry-run").mOutput, again.mOutput);
   EXPECT_EQ(Tool("tag $stories/harbour_lights.quor --table - --clips day", table).mOutput,
             again.mOutput);
 }
@@ -92,6 +93,8 @@ TEST_F(TagTest, OneClipsFaultStopsNoOther) {
                              R"("position":2,"sidecar":"day/b.mov.xmp",)"
                              R"("paths":["xmpScript:sceneSetting","xmpDM:shotLocation",)")));
   EXPECT_EQ(Read("day/a.mov.xmp"), "no XMP");
+  Run("mv day/b.mov.xmp day/b.xmp; chmod 444 day/b.xmp");
+  EXPECT_THAT(Tag("clip,scene\nb.xmp,1\n").mOutput, StartsWith("b.xmp: refused: the file has no "));
 }
 
 TEST_F(TagTest, ATableThatIsNoneIsRefused) {
@@ -126,7 +129,9 @@ TEST_F(TagTest, ASceneIsMeantByItsNumber) {
   Write("t.csv", "clip,scene\na.xmp,1\nb.xmp,2\n");
   const std::string note =
       "none.quor: note: no scene has a number, so scenes are chosen by position\n";
-  EXPECT_EQ(Tool("tag none.quor --table t.csv").mErrors, note);
+  const Outcome outcome = Tool("tag none.quor --table t.csv --json");
+  EXPECT_EQ(outcome.mErrors, note);
+  EXPECT_THAT(outcome.mOutput, HasSubstr(R"("outcome":"written","scene":null,"position":1,)"));
   EXPECT_EQ(Tool("show none.quor --scene 2").mErrors, note);
   EXPECT_EQ(Tool("show none.quor --position 2").mErrors, "");
   const Outcome empty = Tool("tag none.quor --table -", "clip,scene\n");

@@ -69,6 +69,7 @@ TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
       {"show same.quor --scene 4", "the scene at position 4 has the number \"1\""},
       {"show same.quor --id x", "no scene has the identifier \"x\""},
       {"xmp D/b", "^D/b: error: has no sidecar: there is no D/b.xmp\n"},
+      {"has D", "^D: error: is a directory"},
       {"has D/b --strict", "^D/b: error: has no sidecar"},
       {"shots $stories/harbour_lights.quor --out .",
        "scene_0001.xmp: error: is not a shot's packet; --force"},
@@ -91,6 +92,7 @@ TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
     EXPECT_THAT(outcome.mErrors, ContainsRegex(error));
     EXPECT_THAT(Lines(outcome.mErrors), SizeIs(1));
   }
+  EXPECT_EQ(Printed("zelstory shots same.quor --out ."), "");  // which has no shot 1
   EXPECT_EQ(Run("ls -A").mOutput, "D\nsame.quor\nscene_0001.xmp\n");
 }
 
