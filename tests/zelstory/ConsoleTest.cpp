@@ -1,4 +1,4 @@
-// What a terminal and a shell see: colours, progress, control characters, signals.
+// Colours, progress, control characters and signals.
 #include <gmock/gmock.h>
 
 #include "zelstory/Scratch.h"
@@ -39,14 +39,14 @@ TEST_F(ConsoleTest, ATerminalGetsColoursAndProgress) {
               ContainsRegex("\x1B\\[K[34] of 4HERE"));
 }
 
-TEST_F(ConsoleTest, NoNameSteersTheTerminal) {
+TEST_F(ConsoleTest, NamesCannotControlTheTerminal) {
   const Outcome outcome = Run(R"(d=$(printf 'a\033b'); mkdir $d; cp s.quor $d; echo clip,scene >$d/t
       zelstory check $d/s.quor $d; zelstory tag s.quor --table $d/t)");
   EXPECT_EQ(outcome.mOutput, "a?b/s.quor: ok\na?b: error: is a directory\n");
   EXPECT_THAT(outcome.mErrors, testing::StartsWith("a?b/t: note: the table has no rows"));
 }
 
-// The second story is only there when the signal has come.
+// The second story arrives only after the signal.
 TEST_F(ConsoleTest, ASignalEndsTheRunBetweenFiles) {
   const std::string start = R"(mkfifo in out; zelstory check s.quor - s.quor <in >out & tool=$!
       exec 3>in 4<out; read -r first <&4; echo "$first"; )";
@@ -55,10 +55,10 @@ TEST_F(ConsoleTest, ASignalEndsTheRunBetweenFiles) {
   const Outcome outcome = Run(start + "kill -TERM $tool; " + finish);
   EXPECT_EQ(outcome.mOutput, first + "-: ok\n143\n");
   EXPECT_THAT(outcome.mErrors, HasSubstr("interrupted after 2 of 3 files"));
-  // As nohup has it, a signal that was ignored is still.
+  // A signal that was ignored before, as nohup does, stays ignored.
   EXPECT_EQ(Run("rm in out; trap '' HUP; " + start + "kill -HUP $tool; " + finish).mOutput,
             first + "-: ok\ns.quor: ok\n0\n");
-  // A second signal does not wait for the file in work.
+  // A second signal does not wait for the current file.
   EXPECT_EQ(Run("rm in out; " + start + R"(kill -TERM $tool
       (for i in $(seq 50); do sleep 0.1; kill -TERM $tool; done; kill -KILL $tool) & killer=$!
       cat <&4; wait $tool; echo $?; kill $killer)")

@@ -22,7 +22,7 @@ class ReportTest : public Scratch {
     Write("a 'b' <i>.quor", story);
     return Page("a 'b' <i>.quor");
   }
-  // What a browser makes of a page: its document, or with another option whatever that says.
+  // What a browser prints for a page: its document, unless another option is given.
   std::string InBrowser(const std::string& page, const std::string& option = "--dump-dom") const {
     const Outcome outcome =
         Run("chromium --headless --no-sandbox --disable-gpu --user-data-dir=profile "
@@ -61,7 +61,7 @@ TEST_F(ReportTest, ABrowserReadsIt) {
   EXPECT_THAT(InBrowser("phone.html"), HasSubstr("title=\"0\""));
 }
 
-TEST_F(ReportTest, EveryLinkLeadsSomewhereOnThePage) {
+TEST_F(ReportTest, EveryLinkHasItsTarget) {
   for (const std::string& story : Lines(Run("ls $stories/*.quor $stories/encodings/*").mOutput)) {
     const std::string page = Page(story);
     const auto anchors = Matches(page, "id=\"([^\"]*)\"");
@@ -137,7 +137,7 @@ TEST_F(ReportTest, EstimatesAreMarked) {
   }
 }
 
-TEST_F(ReportTest, EveryParagraphStandsOnceInItsPlace) {
+TEST_F(ReportTest, EveryParagraphAppearsOnceInItsPlace) {
   const std::string page =
       PageOf(Story("<scene sceneNumber='5'>" + Paragraph("Action", "Hm.") +
                        Paragraph("SceneHeading", "ONE") + Paragraph("SceneHeading", "TWO") +

@@ -1,14 +1,13 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "support/ScratchFolder.h"
 
-// A scratch folder in which shell commands run the tool, and the programs that judge its output.
+// A scratch folder in which shell scripts run the tool, and other programs that check its output.
 class Scratch : public testing::Test {
  protected:
   struct Outcome {
@@ -21,8 +20,8 @@ class Scratch : public testing::Test {
   // example stories, and $data that of the tests' own files.
   Outcome Run(const std::string& script, const std::string& input = "") const;
   // What a script prints on both streams.
-  std::string Printed(const std::string& script, const std::string& input = "") const {
-    const Outcome outcome = Run(script, input);
+  std::string Printed(const std::string& script) const {
+    const Outcome outcome = Run(script);
     return outcome.mErrors + outcome.mOutput;
   }
   // Runs one command of the tool.
@@ -30,8 +29,7 @@ class Scratch : public testing::Test {
     return Run("zelstory " + arguments, input);
   }
 
-  // Says which of the programs are not installed, so that a test cannot run here; empty when all
-  // are.
+  // Which of the programs are not installed, as a reason to skip a test; empty when all are.
   std::string Missing(const std::string& programs) const {
     return Run("for p in " + programs + "; do command -v $p >/dev/null || echo no $p; done")
         .mOutput;

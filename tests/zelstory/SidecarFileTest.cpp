@@ -1,4 +1,4 @@
-// Which files the tool changes, and that each is the old one or the new one, whole.
+// Which files the tool changes, and that a change is made whole or not at all.
 #include <csignal>
 #include <filesystem>
 #include <random>
@@ -62,7 +62,7 @@ TEST_F(SidecarFileTest, AClipsNameFindsItsSidecar) {
   }
 }
 
-// Others' names of a replaced file keep the old one.
+// A hard link keeps the old file.
 TEST_F(SidecarFileTest, ALinkStaysALinkAndModesAreKept) {
   EXPECT_EQ(Run(R"(umask 027; mkdir D; chmod 1604 with.xmp; mv with.xmp D; ln D/with.xmp D/old.xmp
       ln -s with.xmp D/link.xmp; ln -s D/link.xmp link.xmp
@@ -87,7 +87,7 @@ TEST_F(SidecarFileTest, OneFilesRefusalDoesNotStopTheOthers) {
   EXPECT_THAT(outcome.mOutput, testing::EndsWith("with.xmp: no\nnone.xmp: no\n"));
 }
 
-TEST_F(SidecarFileTest, AProtectedFileIsChangedByForceAlone) {
+TEST_F(SidecarFileTest, AProtectedFileIsChangedOnlyWithForce) {
   const std::string error =
       "with.xmp: error: the file has no write permission; --force replaces it all the same\n";
   EXPECT_EQ(
@@ -99,7 +99,7 @@ TEST_F(SidecarFileTest, AProtectedFileIsChangedByForceAlone) {
             "unchanged\n444\nno\n");
 }
 
-// The last command waits, and reads the file only once the other process has changed it.
+// The last command waits, and reads the file only after the other process has changed it.
 TEST_F(SidecarFileTest, ALockedFolderIsWaitedFor) {
   if (const auto missing = Missing("flock"); !missing.empty()) GTEST_SKIP() << missing;
   Write("script", R"(zelstory clear none.xmp --no-wait
@@ -123,7 +123,7 @@ TEST_F(SidecarFileTest, AFailedWriteLeavesTheOldFileAndNothingElse) {
   EXPECT_EQ(Run("zelstory has with.xmp; ls -A").mOutput, "yes\nnone.xmp\ns.quor\nwith.xmp\n");
 }
 
-// In a folder like /tmp, nobody but its owner may rename over a file.
+// In a folder with the sticky bit, only the owner of a file may replace it.
 TEST_F(SidecarFileTest, TheOwnerIsKeptAndAFailedRenameLeavesNothing) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can give files to others";
   if (const auto missing = Missing("setpriv"); !missing.empty()) GTEST_SKIP() << missing;
@@ -135,7 +135,8 @@ TEST_F(SidecarFileTest, TheOwnerIsKeptAndAFailedRenameLeavesNothing) {
   EXPECT_EQ(outcome.mOutput, "4321:1234\nclip.xmp\n");
 }
 
-// A signal comes when the new file can be seen, or at any time when it is one that cannot be held.
+// SIGTERM comes as soon as the new file has a name, SIGKILL at any time; only the latter may leave
+// that file behind.
 TEST_F(SidecarFileTest, AKilledWriterLeavesTheOldOrTheNewFile) {
   const std::string written = Read("with.xmp"), cleared = Read("none.xmp");
   Run("mkdir D; cp none.xmp D/clip.xmp");

@@ -84,6 +84,7 @@ TEST_F(StoryCommandsTest, AFaultsPlaceInTheStoryIsNamed) {
       {Story("<scene><paragraph/></scene><scene sceneNumber='7'><paragraph>" + fault),
        "body, scene 7, paragraph 1"},
       {Story("<scene/>", "<stream name=''><section/>" + fault), "unnamed stream"},
+      {Story("<scene><paragraph><commentStream>" + fault), "comment stream 1"},
       {Story("<scene/>", "<commentStream/><commentStream><section><scene>" + fault),
        "comment stream 2, scene at position 1"},
   };
