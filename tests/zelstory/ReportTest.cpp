@@ -1,11 +1,10 @@
-#include <filesystem>
 #include <regex>
 #include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Scratch.h"
+#include "zelstory/Scratch.h"
 
 namespace {
 
@@ -14,33 +13,25 @@ using testing::Not;
 
 class ReportTest : public Scratch {
  protected:
-  std::string Page(const std::string& story, const std::string& title = " ") {
-    const Outcome outcome = Tool({"report", story, "--html", "page.html", "--title", title});
-    EXPECT_EQ(outcome.mErrors + outcome.mOutput, "");
+  std::string Page(const std::string& story, const std::string& title = " ") const {
+    const std::string options = " --html page.html --title '" + title + "'";
+    EXPECT_EQ(Printed("zelstory report \"" + story + '"' + options), "");
     return Read("page.html");
   }
-  std::string PageOf(const std::string& body, const std::string& more = "") {
-    const std::string file = "a \"b\" <i>.quor";
-    Write(file, "<TavroStory version='1.0'><document>" + Stream("body", body) + more +
-                    "</document></TavroStory>");
-    return Page(file);
+  std::string PageOf(const std::string& story) const {
+    Write("a 'b' <i>.quor", story);
+    return Page("a 'b' <i>.quor");
   }
-  static std::string Stream(const std::string& name, const std::string& scenes) {
-    return "<stream name='" + name + "'><section>" + scenes + "</section></stream>";
-  }
-  // What a browser makes of a page: its document, or with another option whatever that says.
-  std::string InBrowser(const std::string& page, const std::string& option = "--dump-dom") {
-    const Outcome outcome = Process(
-        "chromium", {"--headless", "--no-sandbox", "--disable-gpu", "--user-data-dir=profile",
-                     "--allow-file-access-from-files", option, "file://" + File(page)});
+  // What a browser prints for a page: its document, unless another option is given.
+  std::string InBrowser(const std::string& page, const std::string& option = "--dump-dom") const {
+    const Outcome outcome =
+        Run("chromium --headless --no-sandbox --disable-gpu --user-data-dir=profile "
+            "--allow-file-access-from-files " +
+            option + " file://$PWD/" + page);
     EXPECT_EQ(outcome.mStatus, 0) << outcome.mErrors;
     return outcome.mOutput;
   }
 };
-
-std::string Paragraph(const std::string& kind, const std::string& text) {
-  return "<paragraph element='" + kind + "'><textRun>" + text + "</textRun></paragraph>";
-}
 
 std::multiset<std::string> Matches(const std::string& text, const char* pattern) {
   const std::regex regex(pattern);
@@ -56,8 +47,8 @@ void Has(const std::string& page, const std::vector<std::string>& texts) {
 }
 
 TEST_F(ReportTest, ABrowserReadsIt) {
-  if (!IsInstalled("chromium")) GTEST_SKIP() << "chromium is not installed";
-  Page(Example("the_long_tide.quor"));
+  if (const auto missing = Missing("chromium"); !missing.empty()) GTEST_SKIP() << missing;
+  Page("$stories/the_long_tide.quor");
   const std::string page = InBrowser("page.html");
   Has(page, {"<h1 lang=\"\">THE LONG TIDE</h1><p class=\"file\">the_long_tide.quor</p>",
              "<dd id=\"scene-count\">72</dd>", "<title>scene 64A: 0:02:00</title>",
@@ -70,8 +61,8 @@ TEST_F(ReportTest, ABrowserReadsIt) {
   EXPECT_THAT(InBrowser("phone.html"), HasSubstr("title=\"0\""));
 }
 
-TEST_F(ReportTest, EveryLinkLeadsSomewhereOnThePage) {
-  for (const std::string& story : GoodExamples()) {
+TEST_F(ReportTest, EveryLinkHasItsTarget) {
+  for (const std::string& story : Lines(Run("ls $stories/*.quor $stories/encodings/*").mOutput)) {
     const std::string page = Page(story);
     const auto anchors = Matches(page, "id=\"([^\"]*)\"");
     EXPECT_EQ(std::set<std::string>(anchors.begin(), anchors.end()).size(), anchors.size())
@@ -80,9 +71,7 @@ TEST_F(ReportTest, EveryLinkLeadsSomewhereOnThePage) {
       EXPECT_EQ(anchors.count(target), 1u) << story << ": " << target;
     }
     EXPECT_THAT(page, Not(testing::ContainsRegex("(src|href)=\"[^#]"))) << story;
-    if (IsInstalled("xmllint")) {
-      EXPECT_EQ(Process("xmllint", {"--noout", "page.html"}).mErrors, "") << story;
-    }
+    EXPECT_EQ(Run("if command -v xmllint >o; then xmllint --noout page.html; fi").mErrors, "");
   }
 }
 
@@ -101,8 +90,8 @@ TEST_F(ReportTest, NoTextBecomesMarkup) {
     }
     EXPECT_THAT(page, HasSubstr("&lt;script&gt;alert(1)"));
   };
-  judge(PageOf(scene + "</scene>", "<metaData>Title: " + hostile + "</metaData>"));
-  if (!IsInstalled("chromium")) GTEST_SKIP() << "chromium is not installed";
+  judge(PageOf(Story(scene + "</scene>", "<metaData>Title: " + hostile + "</metaData>")));
+  if (const auto missing = Missing("chromium"); !missing.empty()) GTEST_SKIP() << missing;
   judge(InBrowser("page.html"));
 }
 
@@ -112,11 +101,12 @@ TEST_F(ReportTest, ManyScenesAndPeopleStayReadable) {
     body += "<scene>" + Paragraph("Character", "P" + std::to_string(scene % 40)) +
             Paragraph("Dialog", scene % 40 == 7 ? "Word word" : "Word") + "</scene>";
   }
-  const std::string page = PageOf(body);
+  const std::string page = PageOf(Story(body));
   EXPECT_EQ(Matches(page, "<rect class=\"(bar)\"").size(), 100u);
   EXPECT_EQ(Matches(page, "<text class=\"label\"[^>]*>(P[0-9]+)").size(), 30u);
   Has(page, {"The chart has the first 30 of <a href=\"#characters\">40 characters</a>.",
              "<title>P7, scenes #7 to #9: 1 speech, 2 words</title><rect class=\"cell s4\"",
+             "<title>P6, scenes #7 to #9: 1 speech, 1 word</title><rect class=\"cell s3\"",
              "scope=\"row\">P39</th>", "<title>scenes #298 to #300: 6 words</title>"});
 }
 
@@ -139,7 +129,7 @@ TEST_F(ReportTest, EstimatesAreMarked) {
       {scene("", 7) + scene("", 11), "0:00:07 (estimated)", "11 words",
        "0 words 10 words 15 words 5 words "}};
   for (const auto& [body, total, last, axis] : kCases) {
-    const std::string page = PageOf(body);
+    const std::string page = PageOf(Story(body));
     Has(page, {"\"running-time\">" + total + "<", "<title>scene #2: " + last + "<"});
     std::string labels;
     for (const std::string& label : Matches(page, "\"label\"[^>]*>([^<]*)")) labels += label + ' ';
@@ -147,13 +137,13 @@ TEST_F(ReportTest, EstimatesAreMarked) {
   }
 }
 
-TEST_F(ReportTest, EveryParagraphStandsOnceInItsPlace) {
+TEST_F(ReportTest, EveryParagraphAppearsOnceInItsPlace) {
   const std::string page =
-      PageOf("<scene sceneNumber='5'>" + Paragraph("Action", "Hm.") +
-                 Paragraph("SceneHeading", "ONE") + Paragraph("SceneHeading", "TWO") +
-                 "</scene><scene>" + Paragraph("Shot", "X") + "</scene>",
-             Stream("header", "<scene>" + Paragraph("", "Top") + "</scene>") +
-                 Stream("footer", "<scene>" + Paragraph("", "End") + "</scene>"));
+      PageOf(Story("<scene sceneNumber='5'>" + Paragraph("Action", "Hm.") +
+                       Paragraph("SceneHeading", "ONE") + Paragraph("SceneHeading", "TWO") +
+                       "</scene><scene>" + Paragraph("Shot", "X") + "</scene>",
+                   Stream("header", "<scene>" + Paragraph("", "Top") + "</scene>") +
+                       Stream("footer", "<scene>" + Paragraph("", "End") + "</scene>")));
   const std::string aside = "<aside><p class=\"label\" lang=\"en\">";
   Has(page, {aside +
                  "Header</p><p class=\"action\">Top</p></aside><article><p class=\"action\">Hm.</p>"
@@ -164,22 +154,23 @@ TEST_F(ReportTest, EveryParagraphStandsOnceInItsPlace) {
                  "<p class=\"shot\">X</p></article>" +
                  aside + "Footer</p><p class=\"action\">End</p></aside></div>",
              "<a href=\"#scene-2\">#2</a>", "guess\">≈ 0:00:01"});
-  for (const char* program : {"chromium", "pdftotext"}) {
-    if (!IsInstalled(program)) GTEST_SKIP() << program << " is not installed";
-  }
-  InBrowser("page.html", "--print-to-pdf=" + File("page.pdf"));
-  EXPECT_THAT(Process("pdftotext", {"page.pdf", "-"}).mOutput,
+  if (const auto missing = Missing("chromium pdftotext"); !missing.empty()) GTEST_SKIP() << missing;
+  InBrowser("page.html", "--print-to-pdf=page.pdf");
+  EXPECT_THAT(Run("pdftotext page.pdf -").mOutput,
               testing::ContainsRegex("Scene lengths\n[^\f]*1 ?/ ?3[^\f]*\f[^\f]*\nScenes\n[^\f]*"
                                      "2 ?/ ?3[^\f]*\f[^\f]*\nScreenplay\n[^\f]*3 ?/ ?3"));
 }
 
 TEST_F(ReportTest, TheTitleIsTheGivenOneOrTheStorysOrTheFiles) {
-  const std::string kCases[][3] = {
-      {"Title: A", "B", "B</h1><p class=\"file\">s.quor</p>"},
-      {"x\n \ttitle:  A b \r\nTitle: C", " ", "A b</h1><p class=\"file\">s.quor</p>"},
-      {"Subtitle: A\nTitle: ", " ", "s.quor</h1><dl"}};
+  const std::string kCases[][3] = {{"Title: A", "B", "B</h1><p class=\"file\">s.quor</p>"},
+                                   {"Title page: x\n \ttitle:  A b &#13;\nTitle: C", " ",
+                                    "A b</h1><p class=\"file\">s.quor</p>"},
+                                   {"Subtitle: A\nTitle: ", " ", "s.quor</h1><dl"}};
   for (const auto& [metaData, given, heading] : kCases) {
-    Write("s.quor", "<TavroStory version='1.0'><metaData>" + metaData + "</metaData></TavroStory>");
+    Write("s.quor",
+          "<TavroStory version='1.0'><metaData>" + metaData +
+              "</metaData>"
+              "<document><stream name='header'><section/></stream></document></TavroStory>");
     EXPECT_THAT(Page("s.quor", given), HasSubstr("<h1 lang=\"\">" + heading));
   }
 }
@@ -188,29 +179,26 @@ TEST_F(ReportTest, AnEmptyStoryHasAPageAndABadOneNone) {
   Write("empty.quor", "<TavroStory version='1.0'/>");
   const std::string page = Page("empty.quor");
   EXPECT_THAT(page, HasSubstr("(no text)"));
-  EXPECT_EQ(Tool({"report", "empty.quor", "--html", "-"}).mOutput, page);
-  const Outcome refused =
-      Tool({"report", Example("broken/second_section.quor"), "--html", "page.html"});
-  EXPECT_EQ(refused.mStatus, 1);
-  EXPECT_THAT(refused.mErrors, HasSubstr("second_section.quor:13:7: error: We found"));
-  EXPECT_EQ(Read("page.html"), page);
-  EXPECT_EQ(Tool({"report", "empty.quor"}).mStatus, 2);
-  const std::string story = Read("empty.quor");
-  std::filesystem::create_symlink("empty.quor", File("link"));
-  for (const char* same : {"empty.quor", "./empty.quor", "link"}) {
-    EXPECT_THAT(Tool({"report", "empty.quor", "--html", same}).mErrors,
-                HasSubstr(std::string(same) + ": error: is the story itself"));
-    const std::string piped =
-        std::string("\"$0\" report - --html ") + same + " <empty.quor; test $? = 1";
-    EXPECT_THAT(Process("sh", {"-c", piped, ZELSTORY_TOOL}).mErrors,
-                HasSubstr(std::string(same) + ": error: is the story itself"));
-    EXPECT_EQ(Read("empty.quor"), story);
+  EXPECT_EQ(Tool("report empty.quor --html -").mOutput, page);
+  EXPECT_EQ(Printed("zelstory report - --html new.html <empty.quor"), "");
+  EXPECT_THAT(Read("new.html"), HasSubstr("Screenplay</h1>"));
+  Run("ln -s empty.quor link; mkfifo pipe");
+  const std::pair<std::string, std::string> cases[] = {
+      {"$stories/broken/second_section.quor --html page.html",
+       "second_section.quor:13:7: error: We found"},
+      {"empty.quor --html empty.quor", "empty.quor: error: is the story itself"},
+      {"- --html ./empty.quor <empty.quor", "./empty.quor: error: is the story itself"},
+      {"empty.quor --html link", "link: error: is the story itself"},
+      {"- --html link <empty.quor", "link: error: is the story itself"},
+      {"empty.quor --html pipe", "pipe: error: is not a regular file\n"}};
+  for (const auto& [arguments, error] : cases) {
+    const Outcome refused = Tool("report " + arguments);
+    EXPECT_EQ(refused.mStatus, 1) << arguments;
+    EXPECT_THAT(refused.mErrors, HasSubstr(error));
   }
-  ASSERT_EQ(Process("mkfifo", {"pipe"}).mStatus, 0);
-  EXPECT_EQ(Tool({"report", "empty.quor", "--html", "pipe"}).mErrors,
-            "pipe: error: is not a regular file\n");
-  EXPECT_TRUE(std::filesystem::is_fifo(File("pipe")));
-  EXPECT_EQ(FilesHere(), (std::vector<std::string>{"empty.quor", "link", "page.html", "pipe"}));
+  EXPECT_EQ(Read("page.html"), page);
+  EXPECT_EQ(Read("empty.quor"), "<TavroStory version='1.0'/>");
+  EXPECT_EQ(Run("test -p pipe && ls").mOutput, "empty.quor\nlink\nnew.html\npage.html\npipe\n");
 }
 
 }  // namespace

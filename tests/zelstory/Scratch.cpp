@@ -1,6 +1,5 @@
 #include "zelstory/Scratch.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -9,58 +8,19 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-
-std::string Quoted(const std::string& word) {
-  std::string quoted = "'";
-  for (const char c : word) quoted += c == '\'' ? "'\\''" : std::string(1, c);
-  return quoted + "'";
-}
-
-}  // namespace
-
-Scratch::Outcome Scratch::Process(const std::string& program,
-                                  const std::vector<std::string>& arguments,
-                                  const std::string& input) {
+Scratch::Outcome Scratch::Run(const std::string& script, const std::string& input) const {
+  const fs::path& streams = mStreams.Path();
   mStreams.Write("in", input);
-  std::string line = "cd " + Quoted(mFolder.Path().string()) + " && " + Quoted(program);
-  for (const std::string& argument : arguments) line += " " + Quoted(argument);
-  const auto stream = [this](const char* name) {
-    return Quoted((mStreams.Path() / name).string());
-  };
-  line += " <" + stream("in") + " >" + stream("out") + " 2>" + stream("err");
+  mStreams.Write("script", script);
+  const std::string path = fs::path(ZELSTORY_TOOL).parent_path().string() + ":" + getenv("PATH");
+  const std::string line = "cd '" + mFolder.Path().string() + "' && s='" + streams.string() +
+                           "' && stories='" ZELSTORY_EXAMPLES_DIR
+                           "/stories' data='" ZELSTORY_EXAMPLES_DIR
+                           "/../tests/zelstory/data' PATH='" +
+                           path + "' sh \"$s/script\" <\"$s/in\" >\"$s/out\" 2>\"$s/err\"";
   const int status = std::system(line.c_str());
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadBytes(mStreams.Path() / "out"),
-          ReadBytes(mStreams.Path() / "err")};
-}
-
-Scratch::Outcome Scratch::Tool(const std::vector<std::string>& arguments,
-                               const std::string& input) {
-  return Process(ZELSTORY_TOOL, arguments, input);
-}
-
-bool Scratch::IsInstalled(const std::string& program) {
-  return std::system(("command -v " + program + " >/dev/null 2>&1").c_str()) == 0;
-}
-
-std::vector<std::string> Scratch::FilesHere() const {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(mFolder.Path())) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-std::vector<std::string> Scratch::GoodExamples() {
-  std::vector<std::string> files;
-  for (const char* folder : {"", "encodings"}) {
-    for (const auto& entry : fs::directory_iterator(Example(folder))) {
-      if (entry.path().extension() == ".quor") files.push_back(entry.path().string());
-    }
-  }
-  std::sort(files.begin(), files.end());
-  return files;
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadBytes(streams / "out"),
+          ReadBytes(streams / "err")};
 }
 
 std::vector<std::string> Lines(const std::string& text) {
@@ -68,4 +28,17 @@ std::vector<std::string> Lines(const std::string& text) {
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
+}
+
+std::string Stream(const std::string& name, const std::string& scenes) {
+  return "<stream name='" + name + "'><section>" + scenes + "</section></stream>";
+}
+
+std::string Story(const std::string& scenes, const std::string& more) {
+  return "<TavroStory version='1.0'><document>" + Stream("body", scenes) + more +
+         "</document></TavroStory>";
+}
+
+std::string Paragraph(const std::string& kind, const std::string& text) {
+  return "<paragraph element='" + kind + "'><textRun>" + text + "</textRun></paragraph>";
 }

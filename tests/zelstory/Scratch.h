@@ -7,7 +7,7 @@
 
 #include "support/ScratchFolder.h"
 
-// A scratch folder in which the tool, and independent readers of its output, run as processes.
+// A scratch folder in which shell scripts run the tool, and other programs that check its output.
 class Scratch : public testing::Test {
  protected:
   struct Outcome {
@@ -16,31 +16,30 @@ class Scratch : public testing::Test {
     std::string mErrors;
   };
 
-  // Runs `zelstory` with the arguments and the given standard input.
-  Outcome Tool(const std::vector<std::string>& arguments, const std::string& input = "");
-  Outcome Process(const std::string& program, const std::vector<std::string>& arguments,
-                  const std::string& input = "");
-
-  // What an independent RDF reader finds in a packet, as N-Triples about <http://clip.example/>.
-  Outcome Triples(const std::string& packet) {
-    return Process("rapper", {"-q", "-f", "scanForRDF", "-i", "rdfxml", "-o", "ntriples", packet,
-                              "http://clip.example/"});
+  // Runs a script of sh in the folder. There `zelstory` is the tool, $stories the folder of the
+  // example stories, and $data that of the tests' own files.
+  Outcome Run(const std::string& script, const std::string& input = "") const;
+  // What a script prints on both streams.
+  std::string Printed(const std::string& script) const {
+    const Outcome outcome = Run(script);
+    return outcome.mErrors + outcome.mOutput;
+  }
+  // Runs one command of the tool.
+  Outcome Tool(const std::string& arguments, const std::string& input = "") const {
+    return Run("zelstory " + arguments, input);
   }
 
-  // Whether a program is installed, for tests that are skipped without it.
-  static bool IsInstalled(const std::string& program);
+  // Which of the programs are not installed, as a reason to skip a test; empty when all are.
+  std::string Missing(const std::string& programs) const {
+    return Run("for p in " + programs + "; do command -v $p >/dev/null || echo no $p; done")
+        .mOutput;
+  }
 
   std::string File(const std::string& name) const { return (mFolder.Path() / name).string(); }
   void Write(const std::string& name, const std::string& bytes) const {
     mFolder.Write(name, bytes);
   }
   std::string Read(const std::string& name) const { return ReadBytes(File(name)); }
-  std::vector<std::string> FilesHere() const;  // sorted names
-
-  static std::string Example(const std::string& name) {
-    return std::string(ZELSTORY_EXAMPLES_DIR) + "/stories/" + name;
-  }
-  static std::vector<std::string> GoodExamples();
 
  private:
   ScratchFolder mStreams;  // where standard input, output and error are kept
@@ -48,3 +47,8 @@ class Scratch : public testing::Test {
 };
 
 std::vector<std::string> Lines(const std::string& text);
+
+// A story with these scenes in its body; `more` follows the body.
+std::string Story(const std::string& scenes, const std::string& more = "");
+std::string Stream(const std::string& name, const std::string& scenes);
+std::string Paragraph(const std::string& kind, const std::string& text);

@@ -1,6 +1,6 @@
-"""Holds the manual page and the completions of bash, zsh and fish against the tool's own --help: the same
-commands, and for each the same options. The shells themselves tell what they would offer; one that is
-not installed is told of and left out. usage: check_manual.py TOOL SOURCE_FOLDER_OF_THE_TOOL"""
+"""Compares the manual page and the completions of bash, zsh and fish with the tool's own --help: the same
+commands, and for each the same options. Asks the shells themselves what they would offer; names and skips
+those that are not installed. usage: check_manual.py TOOL SOURCE_FOLDER_OF_THE_TOOL"""
 import pathlib
 import re
 import shutil
@@ -91,16 +91,12 @@ def main():
         faults += run("mandoc", "-T", "lint", "-W", "warning", SOURCES / "zelstory.1").splitlines()
     for place, commands in found.items():
         for command in sorted(set(expected) | set(commands)):
-            has, should = commands.get(command), expected.get(command)
-            if has != should:
+            if (has := commands.get(command)) != (should := expected.get(command)):
                 faults.append(f"{place}: {command}: has {has}, the tool has {should}")
     with tempfile.TemporaryDirectory() as folder:
-        for name in STORY, CLIP, TABLE:
-            (pathlib.Path(folder) / name).touch()
-        (pathlib.Path(folder) / "folder").mkdir()
+        run("sh", "-c", f"touch '{STORY}' {CLIP} {TABLE}; mkdir folder", cwd=folder)
         for words, should in BASH_CASES.items():
-            has = set(bash(*words, folder=folder).split("\n")) - {""}
-            if has != should:
+            if (has := set(bash(*words, folder=folder).split("\n")) - {""}) != should:
                 faults.append(f"bash: {words}: offers {has}, should offer {should}")
     print("\n".join(faults) or f"{len(expected)} commands: all in order")
     return 1 if faults else 0
