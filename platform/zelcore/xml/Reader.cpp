@@ -34,7 +34,7 @@ struct NameKey {
 };
 
 // Qualified names, each converted once a document.
-class NameTable {
+class QualifiedNames {
  public:
   const UTF16String& QualifiedName(const NameView& name) {
     const NameKey key(name);
@@ -62,7 +62,7 @@ class AttributeMap {
  public:
   using Map = std::map<UTF16String, UTF16String>;
 
-  const Map& Fill(std::span<const AttributeView> attributes, NameTable& names) {
+  const Map& Fill(std::span<const AttributeView> attributes, QualifiedNames& names) {
     if (!HasNamesOf(attributes)) Build(attributes, names);
     for (std::size_t i = 0; i < attributes.size(); ++i) {
       mValues[i]->clear();
@@ -79,7 +79,7 @@ class AttributeMap {
                       });
   }
 
-  void Build(std::span<const AttributeView> attributes, NameTable& names) {
+  void Build(std::span<const AttributeView> attributes, QualifiedNames& names) {
     mMap.clear();
     mNames.clear();
     mValues.clear();
@@ -98,7 +98,7 @@ class AttributeMap {
 class AttributeMaps {
  public:
   const AttributeMap::Map& Fill(const NameView& element, std::span<const AttributeView> attributes,
-                                NameTable& names) {
+                                QualifiedNames& names) {
     std::size_t bytes = 0;
     for (const AttributeView& attribute : attributes) bytes += attribute.mValue.size();
     constexpr std::size_t kKeptBytes = 65'536;
@@ -126,7 +126,7 @@ class NamespaceCalls {
   }
 
   void StartElement(const NameView& name, std::span<const AttributeView> attributes,
-                    NameTable& names) {
+                    QualifiedNames& names) {
     OpenElement& element = mOpenElements.back();
     element.mURI = utility::UTF8to16(name.mURI);
     element.mLocalName = utility::UTF8to16(name.mLocalName);
@@ -235,7 +235,7 @@ class Reader::Adapter final : public SAXEvents {
   AbstractParseHandler& mHandler;
   SAXDriver mDriver;
   std::optional<NamespaceCalls> mNamespaceCalls;
-  NameTable mNames;
+  QualifiedNames mNames;
   std::vector<const UTF16String*> mOpenNames;  // of the open elements, in mNames
   AttributeMaps mMaps;
   std::vector<AttributeView> mJoined;
