@@ -18,7 +18,7 @@ std::string_view BytesOf(const void* buffer, XMP_StringLen size) {
 void TXMPUtils::ComposeArrayItemPath(const char* schemaNS, const char* arrayName,
                                      XMP_Index itemIndex, std::string* fullPath) {
   const xmptoolkit::PathExpression checked(schemaNS, arrayName);
-  if (fullPath == nullptr) throw XMP_Error(kXMPErr_BadParam, "there is no string for the path");
+  if (fullPath == nullptr) throw XMP_Error(kXMPErr_BadParam, "the string for the path is null");
   if (itemIndex < 1 && itemIndex != kXMP_ArrayLastItem) {
     throw XMP_Error(kXMPErr_BadParam, "the index " + std::to_string(itemIndex) + " of an item of " +
                                           checked.Describe() +
@@ -36,7 +36,7 @@ XMP_PacketInfo TXMPUtils::LocatePacket(const void* buffer, XMP_StringLen size) {
 
 void TXMPUtils::ReplacePacket(const void* file, XMP_StringLen size,
                               const TXMPMeta<std::string>& metadata, std::string* newFile) {
-  if (newFile == nullptr) throw XMP_Error(kXMPErr_BadParam, "there is no string for the file");
+  if (newFile == nullptr) throw XMP_Error(kXMPErr_BadParam, "the string for the file is null");
   *newFile =
       xmptoolkit::ReplacePacket(BytesOf(file, size), xmptoolkit::DocumentAccess::Of(metadata));
 }

@@ -162,7 +162,7 @@ template <typename tStringObj>
 void TXMPMeta<tStringObj>::SerializeToBuffer(tStringObj* rdfString, XMP_OptionBits options,
                                              XMP_StringLen padding, const char* newline,
                                              const char* indent, XMP_Index baseIndent) const {
-  if (rdfString == nullptr) throw XMP_Error(kXMPErr_BadParam, "there is no string for the packet");
+  if (rdfString == nullptr) throw XMP_Error(kXMPErr_BadParam, "the string for the packet is null");
   *rdfString = WritePacket(
       *mDocument, {options, padding, TextOrNothing(newline), TextOrNothing(indent), baseIndent});
 }

@@ -34,7 +34,7 @@ bool IsASCII(char byte) {
   return static_cast<unsigned char>(byte) < 0x80;
 }
 
-// Of the bytes in a word of memory, how many precede the first that is not ASCII.
+// How many bytes in a word of memory precede the first that is not ASCII.
 std::size_t CountASCII(std::uint64_t word) {
   const std::uint64_t others = word & 0x8080808080808080;
   const int bits = std::endian::native == std::endian::little ? std::countr_zero(others)
@@ -43,8 +43,8 @@ std::size_t CountASCII(std::uint64_t word) {
 }
 
 // Widens the ASCII characters at the beginning of `bytes` and returns how many there were. `out`
-// has room for as many units as there are bytes. Most text is ASCII, so that blocks are worth the
-// trouble; they are laid out so that compilers turn them into vector code.
+// has room for as many units as there are bytes. Most text is ASCII, which compilers turn into
+// vector code in this form.
 std::size_t WidenASCII(std::string_view bytes, char16_t* out) {
   constexpr std::size_t kBlock = 16;
   std::size_t i = 0;
@@ -61,7 +61,7 @@ std::size_t WidenASCII(std::string_view bytes, char16_t* out) {
   return i;
 }
 
-// The same way back. `out` has room for as many bytes as there are units.
+// The reverse. `out` has room for as many bytes as there are units.
 std::size_t NarrowASCII(std::u16string_view text, char* out) {
   constexpr std::size_t kBlock = 8;
   std::size_t i = 0;
@@ -77,10 +77,11 @@ std::size_t NarrowASCII(std::u16string_view text, char* out) {
   return i;
 }
 
-// How many bytes UTF-8 takes at most: a surrogate pair takes fewer than its two units would alone.
+// At most how many bytes the text takes in UTF-8; a surrogate pair, counted as two units, takes
+// fewer.
 std::size_t MostUTF8Bytes(std::u16string_view text) {
   std::size_t count = text.size();
-  // Block by block, so that a count fits 16 bits, which compilers turn into vector code.
+  // In blocks whose count fits 16 bits, so that compilers turn the loop into vector code.
   constexpr std::size_t kBlock = 1024;
   for (; !text.empty(); text.remove_prefix(std::min(kBlock, text.size()))) {
     std::uint16_t more = 0;
@@ -177,7 +178,7 @@ iUTF16StringStream& iUTF16StringStream::operator>>(std::int32_t& value) {
   if (negative || at(mPosition) == u'+') ++mPosition;
   mFailed = !isDigit(mPosition);
 
-  // One beyond the largest magnitude is enough to know an overflow, however many digits follow.
+  // A magnitude beyond the largest shows an overflow, however many digits follow.
   constexpr std::int64_t kBeyond = std::int64_t{1} << 32;
   std::int64_t magnitude = 0;
   for (; isDigit(mPosition); ++mPosition) {

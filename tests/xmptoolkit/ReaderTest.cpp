@@ -115,7 +115,7 @@ constexpr const char* kRefused = R"(
   <q:a rdf:resource='u'><q:T/></q:a> => 202 3:23: ...its value is in its attributes
   <q:a s:f='1' s:g='2'/><q:b><q:T s:f='1'><s:f/></q:T></q:b> => 203 3:41: ...a second property s:f
   <q:a RES><rdf:value/><rdf:value/></q:a> => 202 3:43: ...second rdf:value
-  <q:a RES><rdf:value rdf:value='v'/></q:a> => 202 3:31: ...value of its own
+  <q:a RES><rdf:value rdf:value='v'/></q:a> => 202 3:31: ...own rdf:value
   <q:a><rdf:Bag><LI RES><rdf:value rdf:resource='u' q:q='1'/></LI></rdf:Bag></q:a> => 202 3:48:...qualifiers
   <q:a rdf:resource='u' rdf:value='v'/> => 202 3:1: ...both rdf:resource and rdf:value
   <q:a rdf:datatype='u'><q:T/></q:a> => 202 3:23: ...rdf:datatype ;; <q:a>\x01</q:a> => 201 3:

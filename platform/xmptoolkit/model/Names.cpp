@@ -6,7 +6,8 @@ namespace xmptoolkit {
 
 namespace {
 
-// Up to here a search by looking at each entry is as fast as an index.
+// Up to here a search looks at each entry. With an index in every table, writing and reading the
+// properties of a scene takes 5 % more instructions.
 constexpr std::size_t kSearchedLinearly = 32;
 
 std::size_t HashOf(NamespaceId space, std::string_view text) {

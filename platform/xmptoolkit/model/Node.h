@@ -115,7 +115,7 @@ class Node {
   void RemoveQualifier(std::size_t position);
 
  private:
-  // What most nodes do not have.
+  // What most nodes do not have: inside the node, it would take 80 bytes instead of 8.
   struct RareParts {
     NodeList mQualifiers;
     Comments mBefore;

@@ -37,7 +37,8 @@ QualifiedName SplitName(std::string_view text) {
   return name;
 }
 
-// Where the next step begins, or the text ends. Names are too short for the standard's search.
+// Where the next step begins, or the text ends. Names are short: with find_first_of, setting and
+// writing the properties of a scene takes 2 % more instructions.
 std::size_t FindStepBegin(std::string_view text, std::size_t position) {
   while (position < text.size() && text[position] != '/' && text[position] != '[') ++position;
   return position;

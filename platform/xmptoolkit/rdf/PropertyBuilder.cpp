@@ -34,8 +34,8 @@ void PassLang(const Node& lang, Node& node) {
   }
 }
 
-// Where rdf:value has a language of its own, that of the property is the language of the
-// qualifiers, which are still the node's children.
+// If rdf:value has its own language, that of the property is the language of the qualifiers, which
+// are still the node's children.
 void PassLangToChildren(Node& node) {
   const Node* outer = node.FindQualifier(kLangName);
   if (outer == nullptr) return;
@@ -249,7 +249,7 @@ void PropertyBuilder::ApplyResource(const RDFAttributes& attributes) {
   node.SetValue(std::string(*attributes.mResource));
   if (attributes.mProperties.empty()) return;
   if (node.Name() == kValueName) {
-    mRefuser.Refuse(kXMPErr_BadRDF, "rdf:value has qualifiers of its own");
+    mRefuser.Refuse(kXMPErr_BadRDF, "rdf:value has its own qualifiers");
   }
   node.AddForm(Node::kQualifiersOfResource);
   AddAttributeQualifiers(node, attributes);
@@ -259,7 +259,7 @@ void PropertyBuilder::ApplyResource(const RDFAttributes& attributes) {
 void PropertyBuilder::ApplyValue(const RDFAttributes& attributes) {
   Node& node = mOpen.back().mNode;
   if (node.Name() == kValueName) {
-    mRefuser.Refuse(kXMPErr_BadRDF, "rdf:value has a value of its own within it");
+    mRefuser.Refuse(kXMPErr_BadRDF, "rdf:value has its own rdf:value");
   }
   node.AddForm(Node::kWrittenWithValue);
   node.SetValue(std::string(*attributes.mValue));

@@ -33,7 +33,7 @@ NameView Interpret(NameView name, const Refuser& refuser) {
   return name;
 }
 
-// Properties are told from the attributes of XML and RDF by their namespace; only rdf:type is both.
+// An attribute of XML or RDF is not a property, except for rdf:type.
 bool IsProperty(const NameView& name) {
   return name.mURI != kXMLNamespace && (name.mURI != kRDFNamespace || name.mLocalName == "type");
 }

@@ -15,7 +15,7 @@ class DocumentLimits {
  public:
   using Fault = std::optional<std::string>;
 
-  // Bytes of the document were read. They allow as much again, and more, to be delivered.
+  // Bytes of the document were read: four times as many, and 64 MiB more, may be delivered.
   void Read(std::size_t bytes) { mRead += bytes; }
 
   // Bytes were delivered, or as much time was spent. Keeps documents from growing far beyond what

@@ -24,13 +24,12 @@ struct HeldInput {
 // text that it holds is kept here too, and places are counted in it.
 class DocumentPlace {
  public:
-  // Counting begins, behind the XML declaration: from there on the encoding stays the same.
+  // Begins to count, after the XML declaration: from there on the encoding stays the same.
   void Begin(const HeldInput& input);
   bool HasBegun() const { return mHasBegun; }
 
-  // Takes over what the library has read in since the last call. To be called whenever the library
-  // calls back or returns: it drops what it has read and converts more by itself. Does nothing
-  // before Begin.
+  // Takes over what the library has converted since the last call. Call it whenever the library
+  // calls back or returns, since the library drops what it has read. Does nothing before Begin.
   void Follow(const HeldInput& input);
 
   // Forgets what has been read.

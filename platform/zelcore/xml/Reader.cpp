@@ -33,7 +33,7 @@ struct NameKey {
   }
 };
 
-// Qualified names, each converted once a document.
+// Qualified names, each converted once per document.
 class QualifiedNames {
  public:
   const UTF16String& QualifiedName(const NameView& name) {
@@ -56,8 +56,8 @@ class QualifiedNames {
   std::unordered_map<NameKey, UTF16String, Hash> mNames;
 };
 
-// The map handed to StartElement. Tags of one name mostly carry the same attributes in the same
-// order, so that the map of such a tag before serves again, its values written over.
+// The map for StartElement. Tags of one name usually have the same attributes in the same order, so
+// the map of the last such tag is used again with new values.
 class AttributeMap {
  public:
   using Map = std::map<UTF16String, UTF16String>;
@@ -109,7 +109,7 @@ class AttributeMaps {
 
  private:
   std::array<AttributeMap, 16> mMaps;
-  AttributeMap mOversize;  // so that the others do not hold on to the memory of a few huge tags
+  AttributeMap mOversize;  // so that the others do not keep the memory of a few huge tags
 };
 
 // Makes the namespace-aware calls, for the handlers that want them.
@@ -159,7 +159,7 @@ class NamespaceCalls {
   std::vector<OpenElement> mOpenElements;
 };
 
-// A run of text is joined before it is handed on, up to this many code units.
+// Pieces of text are joined before the handler gets them, up to this many code units.
 constexpr std::size_t kLongestText = 65'536;
 
 }  // namespace
@@ -219,7 +219,7 @@ class Reader::Adapter final : public SAXEvents {
  private:
   static constexpr std::string_view kXmlns = "xmlns";
 
-  // The plain callbacks know namespace declarations as attributes.
+  // To the plain callbacks, namespace declarations are attributes.
   std::span<const AttributeView> Join(std::span<const NamespaceView> declarations,
                                       std::span<const AttributeView> attributes) {
     mJoined.clear();
