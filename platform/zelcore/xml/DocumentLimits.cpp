@@ -22,12 +22,6 @@ std::size_t CountValues(std::string_view tag) {
 
 }  // namespace
 
-DocumentLimits::Fault DocumentLimits::Deliver(std::size_t bytes) {
-  mDelivered += bytes;
-  if (mDelivered <= 4 * mRead + kMostExpandedBytes) return std::nullopt;
-  return "entities or default attributes expand beyond the limit";
-}
-
 DocumentLimits::Fault DocumentLimits::Refer(std::size_t length) {
   constexpr std::size_t kCostOfReference = 32;
   return Deliver(kCostOfReference + length);

@@ -20,7 +20,11 @@ class DocumentLimits {
 
   // Bytes were delivered, or as much time was spent. Keeps documents from growing far beyond what
   // was read: by entities that multiply each other, or by long default attributes of short tags.
-  Fault Deliver(std::size_t bytes);
+  Fault Deliver(std::size_t bytes) {
+    mDelivered += bytes;
+    if (mDelivered <= 4 * mRead + kMostExpandedBytes) return std::nullopt;
+    return "entities or default attributes expand beyond the limit";
+  }
 
   // A reference to an entity with a text of `length` bytes. Charged when the reference is met: in
   // an attribute the text is expanded without an event, until it is too late.

@@ -9,9 +9,7 @@ void DocumentPlace::Begin(const HeldInput& input) {
   mHasBegun = true;
 }
 
-void DocumentPlace::Follow(const HeldInput& input) {
-  if (!mHasBegun) return;
-  mRead = input.ReadOffset();
+void DocumentPlace::TakeNew(const HeldInput& input) {
   if (mWindow.End() < input.mOffset) {
     // The library skips white space outside the root element without a call, however much there is,
     // and may have dropped some of it unseen. Its lines are right, so the place of the first byte

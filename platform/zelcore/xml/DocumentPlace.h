@@ -30,7 +30,11 @@ class DocumentPlace {
 
   // Takes over what the library has converted since the last call. Call it whenever the library
   // calls back or returns, since the library drops what it has read. Does nothing before Begin.
-  void Follow(const HeldInput& input);
+  void Follow(const HeldInput& input) {
+    if (!mHasBegun) return;
+    mRead = input.ReadOffset();
+    if (mWindow.End() < input.mOffset + input.mText.size()) TakeNew(input);
+  }
 
   // Forgets what has been read.
   void DropRead();
@@ -44,6 +48,7 @@ class DocumentPlace {
   Position EndOf(const HeldInput& input);
 
  private:
+  void TakeNew(const HeldInput& input);
   void Take(const HeldInput& input);
 
   TextWindow mWindow;
