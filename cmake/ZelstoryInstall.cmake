@@ -75,7 +75,8 @@ foreach(
   zelcore/xml/Reader.h
   zelmetadata/Path.h
   xmptoolkit/XMP.h
-  xmptoolkit/XMPTree.h)
+  xmptoolkit/XMPTree.h
+  xmptoolkit/XMPTypes.h)
   get_filename_component(folder ${header} DIRECTORY)
   install(FILES platform/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder}
           COMPONENT development)

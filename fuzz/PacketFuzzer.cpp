@@ -58,7 +58,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   constexpr XMP_OptionBits kWide[] = {kXMP_EncodeUTF16Big, kXMP_EncodeUTF16Little,
                                       kXMP_EncodeUTF32Big, kXMP_EncodeUTF32Little};
   RequireRoundTrip(meta, 0, Equality::kFile);
-  RequireRoundTrip(meta, kXMP_UseCompactFormat, Equality::kMetadata);
   RequireRoundTrip(meta, kWide[size % 4] | kXMP_ReadOnlyPacket, Equality::kFile);
   RequireRoundTrip(Meta(meta), 0, Equality::kFile);
   TestScene(meta);

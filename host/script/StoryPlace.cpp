@@ -44,6 +44,7 @@ std::string StoryPlace::Describe() const {
 
 void StoryPlace::EnterStream(std::string stream) {
   mStream = std::move(stream);
+  mScene.clear();
   mPosition = 0;
 }
 

@@ -1,25 +1,16 @@
-#include <xmptoolkit/XMP.h>
+#include <string>
+#include <string_view>
 
-#include "PacketLocation.h"
-#include "PathExpression.h"
+#include <xmptoolkit/DocumentAccess.h>
+#include <xmptoolkit/XMP.h>
+#include <xmptoolkit/model/PathExpression.h>
+#include <xmptoolkit/packet/PacketLocation.h>
+#include <xmptoolkit/packet/PacketReplacement.h>
 
 namespace {
 
-XMP_OptionBits OptionOf(xmptoolkit::Encoding encoding) {
-  using xmptoolkit::Encoding;
-  switch (encoding) {
-    case Encoding::kUTF8:
-      return kXMP_EncodeUTF8;
-    case Encoding::kUTF16Big:
-      return kXMP_EncodeUTF16Big;
-    case Encoding::kUTF16Little:
-      return kXMP_EncodeUTF16Little;
-    case Encoding::kUTF32Big:
-      return kXMP_EncodeUTF32Big;
-    case Encoding::kUTF32Little:
-      return kXMP_EncodeUTF32Little;
-  }
-  return kXMP_EncodeUTF8;
+std::string_view BytesOf(const void* buffer, XMP_StringLen size) {
+  return {static_cast<const char*>(buffer), buffer == nullptr ? 0 : size};
 }
 
 }  // namespace
@@ -27,11 +18,11 @@ XMP_OptionBits OptionOf(xmptoolkit::Encoding encoding) {
 void TXMPUtils::ComposeArrayItemPath(const char* schemaNS, const char* arrayName,
                                      XMP_Index itemIndex, std::string* fullPath) {
   const xmptoolkit::PathExpression checked(schemaNS, arrayName);
-  if (fullPath == nullptr) throw XMP_Error(kXMPErr_BadParam, "there is no string for the path");
+  if (fullPath == nullptr) throw XMP_Error(kXMPErr_BadParam, "the string for the path is null");
   if (itemIndex < 1 && itemIndex != kXMP_ArrayLastItem) {
-    throw XMP_Error(kXMPErr_BadParam, "the item " + std::to_string(itemIndex) + " of " +
+    throw XMP_Error(kXMPErr_BadParam, "the index " + std::to_string(itemIndex) + " of an item of " +
                                           checked.Describe() +
-                                          " is asked for, but items are counted from 1");
+                                          " is below 1, where counting starts");
   }
   const std::string item =
       itemIndex == kXMP_ArrayLastItem ? std::string("last()") : std::to_string(itemIndex);
@@ -39,8 +30,13 @@ void TXMPUtils::ComposeArrayItemPath(const char* schemaNS, const char* arrayName
 }
 
 XMP_PacketInfo TXMPUtils::LocatePacket(const void* buffer, XMP_StringLen size) {
-  const std::string_view bytes(static_cast<const char*>(buffer), buffer == nullptr ? 0 : size);
-  const xmptoolkit::PacketRange range = xmptoolkit::LocatePacket(bytes);
-  return {range.mOffset, range.mLength, OptionOf(range.mEncoding), range.mHasWrapper,
-          range.mIsReadOnly};
+  const std::string_view bytes = BytesOf(buffer, size);
+  return xmptoolkit::WithoutSurroundings(bytes, xmptoolkit::FindPacket(bytes));
+}
+
+void TXMPUtils::ReplacePacket(const void* file, XMP_StringLen size,
+                              const TXMPMeta<std::string>& metadata, std::string* newFile) {
+  if (newFile == nullptr) throw XMP_Error(kXMPErr_BadParam, "the string for the file is null");
+  *newFile =
+      xmptoolkit::ReplacePacket(BytesOf(file, size), xmptoolkit::DocumentAccess::Of(metadata));
 }

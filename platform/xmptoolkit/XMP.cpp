@@ -3,18 +3,16 @@
 #include <utility>
 
 #include <xmptoolkit/XMP.h>
-
-#include "Document.h"
-#include "NamespaceRegistry.h"
-#include "PacketWriter.h"
-#include "PathExpression.h"
-#include "PropertyAccess.h"
-#include "RDFReader.h"
+#include <xmptoolkit/model/Document.h>
+#include <xmptoolkit/model/NamespaceRegistry.h>
+#include <xmptoolkit/model/PathExpression.h>
+#include <xmptoolkit/model/PropertyAccess.h>
+#include <xmptoolkit/packet/PacketReader.h>
+#include <xmptoolkit/packet/PacketWriter.h>
 
 using xmptoolkit::Document;
 using xmptoolkit::Node;
 using xmptoolkit::PathExpression;
-using xmptoolkit::PathStep;
 
 namespace {
 
@@ -44,18 +42,13 @@ bool Read(const Document& document, const PathExpression& path, std::string* val
   if (node == nullptr) return false;
   if (value != nullptr) *value = node->Value();
   if (options != nullptr) {
-    const bool isQualifier = path.Steps().back().mKind == PathStep::Kind::kQualifier;
+    const bool isQualifier = path.Steps().back().mKind == PathExpression::StepKind::kQualifier;
     *options = node->ReceivedOptions() | (isQualifier ? kXMP_PropIsQualifier : 0);
   }
   return true;
 }
 
 }  // namespace
-
-XMP_Error::XMP_Error(XMP_ErrorID id, const std::string& message)
-    : std::runtime_error(message), mID(id) {}
-
-XMP_Error::~XMP_Error() = default;
 
 template <typename tStringObj>
 TXMPMeta<tStringObj>::TXMPMeta() : mDocument(std::make_unique<Document>()) {}
@@ -169,7 +162,7 @@ template <typename tStringObj>
 void TXMPMeta<tStringObj>::SerializeToBuffer(tStringObj* rdfString, XMP_OptionBits options,
                                              XMP_StringLen padding, const char* newline,
                                              const char* indent, XMP_Index baseIndent) const {
-  if (rdfString == nullptr) throw XMP_Error(kXMPErr_BadParam, "there is no string for the packet");
+  if (rdfString == nullptr) throw XMP_Error(kXMPErr_BadParam, "the string for the packet is null");
   *rdfString = WritePacket(
       *mDocument, {options, padding, TextOrNothing(newline), TextOrNothing(indent), baseIndent});
 }

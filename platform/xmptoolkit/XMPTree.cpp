@@ -1,50 +1,36 @@
-#include "XMPTree.h"
-
-#include <optional>
-#include <utility>
-
-#include "Document.h"
-#include "NamespaceRegistry.h"
-#include "PrefixTable.h"
+#include <xmptoolkit/DocumentAccess.h>
+#include <xmptoolkit/XMPTree.h>
+#include <xmptoolkit/model/Document.h>
+#include <xmptoolkit/model/NamespaceRegistry.h>
 
 namespace xmptoolkit {
-
-struct TreeAccess {
-  static const Document& DocumentOf(const TXMPMeta<std::string>& metadata) {
-    return *metadata.mDocument;
-  }
-};
 
 namespace {
 
 class Comparison {
  public:
   Comparison(const Document& left, const Document& right, Equality equality)
-      : mLeft(left), mRight(right), mEquality(equality) {
-    if (equality != Equality::kFile) return;
-    mLeftPrefixes.emplace(left);
-    mRightPrefixes.emplace(right);
-  }
+      : mLeft(left), mRight(right), mEquality(equality) {}
 
   bool Run() const {
     if (mLeft.mAbout != mRight.mAbout) return false;
-    if (mEquality == Equality::kFile && !HaveEqualFrames()) return false;
+    if (mEquality == Equality::kFile && !HaveEqualSurroundings()) return false;
     return AreEqualNodes(mLeft.mRoot, mRight.mRoot);
   }
 
  private:
-  bool HaveEqualFrames() const {
-    if (mLeft.mRemarks != mRight.mRemarks) return false;
+  bool HaveEqualSurroundings() const {
+    if (mLeft.mComments != mRight.mComments) return false;
     return mLeft.mMetaAttributes == mRight.mMetaAttributes;
   }
 
   bool AreEqualNodes(const Node& left, const Node& right) const {
-    // That alternatives differ by language follows from their items.
+    // Whether alternatives differ by language follows from their items.
     constexpr XMP_OptionBits kIgnored = Node::kSpelling | kXMP_PropArrayIsAltText;
     if ((left.Form() & ~kIgnored) != (right.Form() & ~kIgnored)) return false;
     if (left.Value() != right.Value()) return false;
-    if (mEquality == Equality::kFile && (left.RemarksBefore() != right.RemarksBefore() ||
-                                         left.RemarksAtEnd() != right.RemarksAtEnd())) {
+    if (mEquality == Equality::kFile && (left.CommentsBefore() != right.CommentsBefore() ||
+                                         left.CommentsAtEnd() != right.CommentsAtEnd())) {
       return false;
     }
     return AreEqualLists(left.Children(), right.Children(), left.IsArray()) &&
@@ -66,26 +52,12 @@ class Comparison {
     const NamespaceId space = mLeft.mNames.NamespaceOf(node.Name());
     const auto name =
         mRight.mNames.FindName(mLeft.mNames.URI(space), mLeft.mNames.LocalName(node.Name()));
-    if (!name) return NodeList::npos;
-    if (mEquality == Equality::kFile &&
-        HaveOtherPrefixes(space, mRight.mNames.NamespaceOf(*name))) {
-      return NodeList::npos;
-    }
-    return right.Find(*name);
-  }
-
-  // As they are written: a file may have used one prefix for two namespaces, or one that is kept
-  // for others.
-  bool HaveOtherPrefixes(NamespaceId left, NamespaceId right) const {
-    const bool hadBoth =
-        !mLeft.mNames.FilePrefix(left).empty() && !mRight.mNames.FilePrefix(right).empty();
-    return hadBoth && mLeftPrefixes->PrefixOf(left) != mRightPrefixes->PrefixOf(right);
+    return name ? right.Find(*name) : NodeList::npos;
   }
 
   const Document& mLeft;
   const Document& mRight;
   const Equality mEquality;
-  std::optional<PrefixTable> mLeftPrefixes, mRightPrefixes;
 };
 
 }  // namespace
@@ -131,13 +103,13 @@ TreeNode TreeNode::Qualifier(std::size_t position) const {
 }
 
 TreeNode RootOf(const TXMPMeta<std::string>& metadata) {
-  const Document& document = TreeAccess::DocumentOf(metadata);
+  const Document& document = DocumentAccess::Of(metadata);
   return {document, document.mRoot, false};
 }
 
 bool AreEqual(const TXMPMeta<std::string>& left, const TXMPMeta<std::string>& right,
               Equality equality) {
-  return Comparison(TreeAccess::DocumentOf(left), TreeAccess::DocumentOf(right), equality).Run();
+  return Comparison(DocumentAccess::Of(left), DocumentAccess::Of(right), equality).Run();
 }
 
 }  // namespace xmptoolkit

@@ -13,12 +13,12 @@ class Document;
 class Node;
 
 // One property, array item, struct field or qualifier; or the root, a struct whose fields are the
-// properties of all schemas. A small value to be passed around by copy, valid until the metadata
-// that it looks at changes or goes. Positions are counted from 0 and must lie below the count.
+// properties of all schemas. A small value to be copied freely, valid until the metadata that it
+// belongs to changes or is destroyed. Positions are counted from 0 and must be below the count.
 class ZELPLATFORM_API TreeNode {
  public:
-  // The name; an array item is rdf:li. The root has none that means anything. The prefix is the one
-  // of the file that was read, or else the registry's, or else empty.
+  // The name; an array item is rdf:li, and the root's name has no meaning. The prefix is that of
+  // the file that was read, or else the registry's, or else empty.
   const std::string& NamespaceURI() const;
   std::string Prefix() const;
   const std::string& LocalName() const;
@@ -45,13 +45,14 @@ class ZELPLATFORM_API TreeNode {
   bool mIsQualifier;
 };
 
-// The root of an object's metadata; valid until the object changes or goes.
+// The root of an object's metadata; valid until the object changes or is destroyed.
 ZELPLATFORM_API TreeNode RootOf(const TXMPMeta<std::string>& metadata);
 
-// What has to agree for two trees to be equal.
+// What must agree for two trees to be equal.
 enum class Equality {
-  kMetadata,  // what XMP says: the order of properties, fields and qualifiers has no meaning
-  kFile,      // that order, comments, x:xmpmeta's attributes, and prefixes where both had one, too
+  kMetadata,  // what has a meaning in XMP, which the order of fields and qualifiers has not
+  kFile,      // also the order of properties, fields and qualifiers, comments, and the attributes
+              // of x:xmpmeta
 };
 
 // True when two objects hold the same metadata: the same subject, properties, kinds, values and

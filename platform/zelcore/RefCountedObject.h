@@ -18,7 +18,7 @@ class ZELPLATFORM_API RefCountedObject {
  public:
   RefCountedObject() = default;
 
-  // A copy is an object of its own: it starts with no holders and with both flags false.
+  // A copy starts with no holders and with both flags false.
   RefCountedObject(const RefCountedObject&) noexcept : RefCountedObject() {}
   RefCountedObject& operator=(const RefCountedObject&) = delete;
 

@@ -6,10 +6,10 @@
 
 #include <zelcore/Export.h>
 
-// The allocator behind the many small objects of a story: the host's strings and its counted
-// objects. It is the program's operator new, unless the platform was built with
-// ZELSTORY_LIBRARY_MIMALLOC; what it hands out is freed by it alone. All functions may be called
-// from any thread, and a block may be freed on another thread than the one that allocated it.
+// The allocator for the many small objects of a story: the host's strings and its counted objects.
+// It is the program's operator new, unless the platform was built with ZELSTORY_LIBRARY_MIMALLOC;
+// only FreeBlock may free its blocks. All functions may be called from any thread, and a block may
+// be freed on another thread than the one that allocated it.
 namespace zelcore {
 
 // A block of at least `bytes` bytes, aligned for every type of fundamental alignment. Throws

@@ -19,25 +19,6 @@ bool IsLowSurrogate(char16_t unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-// The allowed range of a sequence's second byte and the sequence's length, by its first byte; a
-// length of 0 marks a byte that starts nothing. (Unicode standard, table of well-formed sequences.)
-struct LeadByte {
-  int mLength;
-  unsigned char mSecondLow;
-  unsigned char mSecondHigh;
-};
-
-constexpr LeadByte ClassifyLead(unsigned char lead) {
-  if (lead >= 0xC2 && lead <= 0xDF) return {2, 0x80, 0xBF};
-  if (lead == 0xE0) return {3, 0xA0, 0xBF};
-  if (lead == 0xED) return {3, 0x80, 0x9F};
-  if (lead >= 0xE1 && lead <= 0xEF) return {3, 0x80, 0xBF};
-  if (lead == 0xF0) return {4, 0x90, 0xBF};
-  if (lead >= 0xF1 && lead <= 0xF3) return {4, 0x80, 0xBF};
-  if (lead == 0xF4) return {4, 0x80, 0x8F};
-  return {0, 0, 0};
-}
-
 char16_t* WriteUTF16(char32_t codePoint, char16_t* out) {
   if (codePoint < 0x10000) {
     *out++ = static_cast<char16_t>(codePoint);
@@ -53,7 +34,7 @@ bool IsASCII(char byte) {
   return static_cast<unsigned char>(byte) < 0x80;
 }
 
-// Of the bytes in a word of memory, how many precede the first that is not ASCII.
+// How many bytes in a word of memory precede the first that is not ASCII.
 std::size_t CountASCII(std::uint64_t word) {
   const std::uint64_t others = word & 0x8080808080808080;
   const int bits = std::endian::native == std::endian::little ? std::countr_zero(others)
@@ -62,8 +43,8 @@ std::size_t CountASCII(std::uint64_t word) {
 }
 
 // Widens the ASCII characters at the beginning of `bytes` and returns how many there were. `out`
-// has room for as many units as there are bytes. Most text is ASCII, so that blocks are worth the
-// trouble; they are laid out so that compilers turn them into vector code.
+// has room for as many units as there are bytes. Most text is ASCII, which compilers turn into
+// vector code in this form.
 std::size_t WidenASCII(std::string_view bytes, char16_t* out) {
   constexpr std::size_t kBlock = 16;
   std::size_t i = 0;
@@ -80,7 +61,7 @@ std::size_t WidenASCII(std::string_view bytes, char16_t* out) {
   return i;
 }
 
-// The same way back. `out` has room for as many bytes as there are units.
+// The reverse. `out` has room for as many bytes as there are units.
 std::size_t NarrowASCII(std::u16string_view text, char* out) {
   constexpr std::size_t kBlock = 8;
   std::size_t i = 0;
@@ -96,10 +77,11 @@ std::size_t NarrowASCII(std::u16string_view text, char* out) {
   return i;
 }
 
-// How many bytes UTF-8 takes at most: a surrogate pair takes fewer than its two units would alone.
+// At most how many bytes the text takes in UTF-8; a surrogate pair, counted as two units, takes
+// fewer.
 std::size_t MostUTF8Bytes(std::u16string_view text) {
   std::size_t count = text.size();
-  // Block by block, so that a count fits 16 bits, which compilers turn into vector code.
+  // In blocks whose count fits 16 bits, so that compilers turn the loop into vector code.
   constexpr std::size_t kBlock = 1024;
   static_assert(2 * kBlock <= std::numeric_limits<std::uint16_t>::max());
   for (; !text.empty(); text.remove_prefix(std::min(kBlock, text.size()))) {
@@ -125,30 +107,6 @@ bool IsSpace(char16_t unit) {
 }  // namespace
 
 namespace utility {
-
-DecodedUTF8 DecodeUTF8(std::string_view bytes) {
-  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  if (byteAt(0) < 0x80) return {byteAt(0), 1, true};
-  const LeadByte lead = ClassifyLead(byteAt(0));
-  if (lead.mLength == 0) return {0, 1, false};
-  char32_t character = byteAt(0) & (0xFFu >> (lead.mLength + 1));
-  for (std::size_t i = 1; i < static_cast<std::size_t>(lead.mLength); ++i) {
-    const unsigned char low = i == 1 ? lead.mSecondLow : 0x80;
-    const unsigned char high = i == 1 ? lead.mSecondHigh : 0xBF;
-    if (i >= bytes.size() || byteAt(i) < low || byteAt(i) > high) return {0, i, false};
-    character = (character << 6) | (byteAt(i) & 0x3Fu);
-  }
-  return {character, static_cast<std::size_t>(lead.mLength), true};
-}
-
-bool IsUTF8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const DecodedUTF8 decoded = DecodeUTF8(bytes);
-    if (!decoded.mWellFormed) return false;
-    bytes.remove_prefix(decoded.mBytes);
-  }
-  return true;
-}
 
 UTF16String AsciiToUTF16(std::string_view ascii) {
   UTF16String text(ascii.size(), u'\0');
@@ -202,6 +160,12 @@ UTF16String UTF8to16(std::string_view bytes) {
   return text;
 }
 
+bool EqualsIgnoringASCIICase(std::string_view left, std::string_view right) {
+  const auto fold = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c; };
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                    [fold](char a, char b) { return fold(a) == fold(b); });
+}
+
 }  // namespace utility
 
 iUTF16StringStream::iUTF16StringStream(UTF16String text) : mText(std::move(text)) {}
@@ -215,7 +179,7 @@ iUTF16StringStream& iUTF16StringStream::operator>>(std::int32_t& value) {
   if (negative || at(mPosition) == u'+') ++mPosition;
   mFailed = !isDigit(mPosition);
 
-  // One beyond the largest magnitude is enough to know an overflow, however many digits follow.
+  // A magnitude beyond the largest shows an overflow, however many digits follow.
   constexpr std::int64_t kBeyond = std::int64_t{1} << 32;
   std::int64_t magnitude = 0;
   for (; isDigit(mPosition); ++mPosition) {

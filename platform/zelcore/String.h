@@ -9,7 +9,7 @@
 #include <zelcore/SmallBlocks.h>
 
 // The host's string types and the conversions between them. All functions are pure and may be
-// called from any thread; the only error they know is std::bad_alloc.
+// called from any thread; the only error is std::bad_alloc.
 namespace zelcore {
 
 // A string of 16-bit UTF-16 code units. Sizes and positions count code units, not characters.
@@ -22,7 +22,7 @@ using UTF8String = std::string;
 
 namespace utility {
 
-// Widens ASCII text, one code unit a byte. A byte above 0x7F is no ASCII and becomes U+FFFD.
+// Widens ASCII text, one code unit per byte. A byte above 0x7F is not ASCII and becomes U+FFFD.
 ZELPLATFORM_API UTF16String AsciiToUTF16(std::string_view ascii);
 
 // Converts UTF-16 to UTF-8. A surrogate without its partner becomes U+FFFD.
@@ -33,18 +33,22 @@ ZELPLATFORM_API UTF8String UTF16to8(std::u16string_view text);
 // U+FFFD, as the Unicode standard recommends.
 ZELPLATFORM_API UTF16String UTF8to16(std::string_view bytes);
 
-// UTF8to16, appended to `text`: what it holds already stays, so text can be joined piece by piece.
+// Appends the result of UTF8to16 to `text`.
 ZELPLATFORM_API void AppendUTF8to16(std::string_view bytes, UTF16String& text);
+
+// Compares two texts of bytes, such as UTF-8, without regard to the case of ASCII letters; all
+// other bytes must be equal.
+ZELPLATFORM_API bool EqualsIgnoringASCIICase(std::string_view left, std::string_view right);
 
 }  // namespace utility
 
 // Reads numbers from the front of a text, as an input stream does under the classic locale: leading
 // white space (space, tab, line feed, vertical tab, form feed, carriage return) is skipped, then an
-// optional sign and decimal digits are taken; reading stops in front of the first other code unit.
+// optional sign and decimal digits are taken; reading stops at the first other code unit.
 // Not safe for use by two threads at once.
 class ZELPLATFORM_API iUTF16StringStream {
  public:
-  // Copies `text`; the stream is good and stands at its first code unit.
+  // Starts at the first code unit of `text`; the stream is good.
   explicit iUTF16StringStream(UTF16String text);
 
   // Extracts a number. On success `value` is that number. When no digit is found, `value` becomes

@@ -9,7 +9,7 @@
 // String.h.
 namespace zelcore::utility {
 
-// What stands at the beginning of some bytes.
+// The first character of some bytes.
 struct DecodedUTF8 {
   char32_t mCharacter = 0;  // a Unicode scalar value; meaningless when ill-formed
   std::size_t mBytes = 1;   // its length; of an ill-formed sequence, that of its maximal part

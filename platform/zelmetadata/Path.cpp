@@ -13,7 +13,7 @@ PathRange RangeOf(std::vector<Path> paths) {
   return {PathIterator(shared, 0), PathIterator(shared, count)};
 }
 
-// The fields that the schema gives a path: those of a struct, or of an array's item.
+// The fields of a path in the schema: those of a struct, or of an array's item.
 std::span<const FieldShape> FieldsBelow(const Path& path) {
   if (path.Steps().size() != 1) return {};
   const PathStep& step = path.Steps().front();
@@ -63,7 +63,7 @@ PathRange ChildPaths(const Path& path) {
   return RangeOf(std::move(children));
 }
 
-// Fields of fields are nowhere in the schema: what lies below a path is leaves alone.
+// No field in the schema has fields, so everything below a path is a leaf.
 PathRange DescendantLeafPaths(const Path& path) {
   return ChildPaths(path);
 }

@@ -11,8 +11,8 @@
 #include <zelcore/String.h>
 
 // Metadata paths: how a host names a property, an array item or a struct field of a clip's
-// metadata, for example to tell which of them changed. What lies below a path is told by the host's
-// schema (Schema.h), not by any clip. All functions are safe to call from any thread.
+// metadata, for example to report which of them changed. Child paths come from the host's schema
+// (Schema.h), not from a clip. All functions are safe to call from any thread.
 namespace zelmetadata {
 
 using zelcore::UTF8String;
@@ -43,7 +43,7 @@ class ZELPLATFORM_API Path {
   const std::vector<PathStep>& Steps() const { return mSteps; }
 
   // The text form, UTF-8: xmpScript:dialogSequence[2]/xmpScript:character. A namespace that the
-  // schema does not know stands in braces: {http://ns.example/}name.
+  // schema does not know is written in braces: {http://ns.example/}name.
   UTF8String AsString() const;
 
   friend bool operator==(const Path&, const Path&) = default;
@@ -53,8 +53,8 @@ class ZELPLATFORM_API Path {
   std::vector<PathStep> mSteps;
 };
 
-// Walks paths that it owns together with its copies. The end of a range compares equal to an
-// iterator that has gone through all of them.
+// Iterates over paths that it owns together with its copies. The end of a range compares equal to
+// an iterator that has passed all of them.
 class PathIterator {
  public:
   using iterator_category = std::forward_iterator_tag;
@@ -96,8 +96,8 @@ ZELPLATFORM_API Path PathForSchemaNameAndPropertyName(UTF8String schemaURI,
 // without steps or an index below 1.
 ZELPLATFORM_API Path CreatePathFromArrayItem(const Path& array, int index);
 
-// What lies directly below a path, and everything below it that has nothing below itself; both in
-// the order of the schema, both empty for a path that the schema does not know or that is a leaf.
+// The paths directly below a path, and all paths below it that have none below themselves. Both are
+// in the order of the schema, and empty for a leaf and for a path that the schema does not know.
 // The items of an array are not among them, since the schema cannot know their number.
 ZELPLATFORM_API PathRange ChildPaths(const Path& path);
 ZELPLATFORM_API PathRange DescendantLeafPaths(const Path& path);

@@ -3,8 +3,8 @@
 #include <span>
 #include <string_view>
 
-// What the host knows of its metadata: the namespaces' usual prefixes and the shapes of the story
-// properties. Constant tables; internal to the metadata library.
+// What the host knows about its metadata: the usual prefixes of the namespaces, and the shapes of
+// the story properties. Constant tables; internal to the metadata library.
 namespace zelmetadata {
 
 // A field of a struct.
@@ -13,7 +13,7 @@ struct FieldShape {
   std::string_view mName;
 };
 
-// A property with fields: of its own, or, for an array, of each of its items.
+// A property with fields: a struct, or an array whose items are structs.
 struct PropertyShape {
   std::string_view mNamespaceURI;
   std::string_view mName;

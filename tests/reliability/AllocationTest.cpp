@@ -104,8 +104,8 @@ class Allocations : public ::testing::Test {  // must give back all that they to
     Packet packet = MakePacket("A:x");
     PacketText(packet);
     HasAnyStoryRelatedMetadata(packet);
-    zelcore::xml::AbstractParseHandler nothing;
-    ASSERT_TRUE(kIsSetUp && zelcore::xml::Reader().ParseBuffer("<a/>", "", nothing));
+    StoryParser parser;
+    ASSERT_TRUE(kIsSetUp && zelcore::xml::Reader().ParseBuffer("<TavroStory/>", "", parser));
   }
   void TearDown() override {
     gXMLLibraryFails = false;

@@ -80,11 +80,11 @@ TEST_F(DataModelTest, RefusesAndStaysAsItWas) {
       seq => null => bag => 103 ...another kind ;; new => x => struct => 103 ...cannot have a value
       new => null => => 4 ...no value ;; new => null => struct bag => 103 ...several kinds
       new => x => unknown => 103 ...bits ;; seq[2] => x => => 104 ...has 1 items
-      new[1] => x => => 102 ..."new" is not there ;; text/?rdf:datatype => x => => 102 ...only read
-      new/?s:q => x => => 102 ...not there to be qualified ;; text => ab\xC3( => => 205 ...byte 3
+      new[1] => x => => 102 ..."new" is absent ;; text/?rdf:datatype => x => => 102 ...only be read
+      new/?s:q => x => => 102 ...absent, so it cannot be qualified ;; text => ab\xC3( => => 205 ...byte 3
       text/?xml:lang => null => struct => 103 ...plain text ;; text => a\x01 => => 205 ...byte 2\s
       typed => x => uri => 103 ...rdf:datatype ;; text => \xED\xA0\x80 => => 205 ...not UTF-8
-      text => \xEF\xBF\xBE => => 205 ...XML cannot carry ;; text => a\x00b => => 205 ...byte 2)")) {
+      text => \xEF\xBF\xBE => => 205 ...XML cannot represent ;; text => a\x00b => => 205 ...byte 2)")) {
     SCOPED_TRACE(row[0] + ' ' + row[3]);
     const auto set = [&](auto value) {
       ExpectError([&] { mMeta.SetProperty(kQ, row[0].c_str(), value, options(row[2])); }, row[3]);
@@ -95,7 +95,7 @@ TEST_F(DataModelTest, RefusesAndStaysAsItWas) {
   const Row deep{"$deep", Repeated("/s:f", kXMP_MaxNesting - 1)};
   for (const Row& row : Rows(R"(
       text => bag => 102 ..."text"  ;; new => => 103 ...no kind of array
-      new => struct => 103 ...no array ;; seq => bag => 103 ...another kind
+      new => struct => 103 ...not name an array ;; seq => bag => 103 ...another kind
       deep$deep => bag => 102 ...nested too deeply)")) {
     SCOPED_TRACE(row[0] + ' ' + row[2]);
     const std::string path = Replaced(row[0], {deep});

@@ -42,9 +42,6 @@ TEST_F(PacketTest, DefaultLayout) {
   ASSERT_THAT(packet, StartsWith(std::string(kHeader) + body));
   EXPECT_EQ(packet.size(), kHeader.size() + body.size() + 2048 + kTrailer.size());
   EXPECT_TRUE(packet.ends_with("\n" + std::string(kTrailer)));
-  EXPECT_THAT(Write(kXMP_UseCompactFormat),
-              HasSubstr("q:a=\"x&lt;&amp;>&quot;&#x9;&#xA;&#xD;]]>"
-                        "\xF0\x9F\x8E\xAC\xF4\x8F\xBF\xBF\">\n   <q:b>"));
   ExpectReadsAs(packet, mMeta);
 }
 
@@ -147,6 +144,42 @@ TEST_F(PacketTest, EncodingsAreFoundAndRead) {
   }
   const std::string readOnly = Write(kXMP_ReadOnlyPacket | kXMP_EncodeUTF16Little);
   EXPECT_TRUE(TXMPUtils::LocatePacket(readOnly.data(), Size(readOnly)).mIsReadOnly);
+}
+
+// The old packet, what precedes it, and what precedes the new one; the same bytes follow both.
+TEST_F(PacketTest, ReplacingKeepsTheRestOfTheFile) {
+  const std::string ascii = "<?xml version='1.0' encoding='us-ascii'?>";
+  const std::string utf8 = "<?xml version='1.0' encoding='UTF-8'   ?>";
+  const std::string mark = "\xEF\xBB\xBF";
+  Meta edited(mMeta);
+  edited.SetProperty(kQ, "c", "\xC3\xA9");
+  for (const XMP_OptionBits form :
+       {XMP_OptionBits{0}, kXMP_EncodeUTF16Big, kXMP_EncodeUTF32Little, kXMP_ReadOnlyPacket,
+        kXMP_OmitPacketWrapper, kXMP_OmitPacketWrapper | kXMP_EncodeUTF16Little}) {
+    const bool isWide = (form & kXMP_EncodingMask) != 0;
+    for (const auto& [front, newFront] :
+         {std::pair(std::string(), std::string()), std::pair(ascii, utf8),
+          std::pair(mark + ascii, mark + utf8)}) {
+      if (isWide && !front.empty()) continue;
+      SCOPED_TRACE(std::to_string(form) + front);
+      const std::string old = Write(form), after = (form & kXMP_OmitPacketWrapper) ? "" : "\xFF\n";
+      std::string file = front + old + after, expected;
+      TXMPUtils::ReplacePacket(file.data(), Size(file), edited, &file);
+      edited.SerializeToBuffer(&expected, form);
+      const bool isPadded = (form & (kXMP_OmitPacketWrapper | kXMP_ReadOnlyPacket)) == 0;
+      if (isPadded) edited.SerializeToBuffer(&expected, form | kXMP_ExactPacketLength, Size(old));
+      EXPECT_EQ(file, newFront + expected + after);
+    }
+  }
+  const std::string tight = Write(kXMP_ExactPacketLength, Size(Write(kXMP_ReadOnlyPacket)));
+  std::string renewed, expected;
+  TXMPUtils::ReplacePacket(tight.data(), Size(tight), edited, &renewed);
+  edited.SerializeToBuffer(&expected);
+  EXPECT_EQ(renewed, expected);
+  ExpectError([&] { TXMPUtils::ReplacePacket(tight.data(), Size(tight) - 1, edited, &renewed); },
+              "203 ");
+  EXPECT_EQ(renewed, expected);
+  ExpectError([&] { TXMPUtils::ReplacePacket(tight.data(), Size(tight), edited, nullptr); }, "4 ");
 }
 
 TEST_F(PacketTest, BrokenEncodingsAreRefusedWithTheirPlace) {

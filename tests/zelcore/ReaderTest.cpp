@@ -262,10 +262,10 @@ TEST(ReaderErrors, NameThePlace) {  // line, and what was reported before, unles
       <r>\n&#xD800;</r> => 2 => <r>'\n' ;; <r>\n\x01</r> => 2 => ? ;; <r>\n\xC3(</r> => 2 => ? ;; <r>\n]]></r> => 2 => ?
       <r>\n<![CDATA[\xC1\x81]]></r> => 2 => <r>'\n'[ ;; <r>\n<!-- -- --></r> => 2 => ? ;; \s<?xml version='1.0'?><r/> => 1 ;; => 1 ;; \s => 1 ;; \n\s => ?
       <?xml version='1.0' encoding='klingon'?><r/> => 1 ;; <?xml version='1.0' encoding='US-ASCII'?>\n<r>\xE9</r> => 2 => ?
-      <?xml version='1.0' encoding='windows-1252'?>\n<r>\n<b/>\x81$long</r> => 3:5: bytes that are no text in the document encoding => ?
-      <?xml version='1.0' encoding='windows-1252'?>\n<r>\n<b/>\x81</r> => 3:5: bytes that are no text in the document encoding => ?
-      <?xml version='1.0' encoding='US-ASCII'?>\n<r/>\n\xE9 => 3:1: bytes that are no text in the document encoding => <r></r>
-      <?xml version='1.0' encoding='UTF-8'?>\n<r>\xE9</r> => 2 => ? ;; <?xml version='1.0' encoding='Shift_JIS'?><r>\x83 => 1:46: bytes that are no text in the document encoding => ?
+      <?xml version='1.0' encoding='windows-1252'?>\n<r>\n<b/>\x81$long</r> => 3:5: bytes that are not text in the document encoding => ?
+      <?xml version='1.0' encoding='windows-1252'?>\n<r>\n<b/>\x81</r> => 3:5: bytes that are not text in the document encoding => ?
+      <?xml version='1.0' encoding='US-ASCII'?>\n<r/>\n\xE9 => 3:1: bytes that are not text in the document encoding => <r></r>
+      <?xml version='1.0' encoding='UTF-8'?>\n<r>\xE9</r> => 2 => ? ;; <?xml version='1.0' encoding='Shift_JIS'?><r>\x83 => 1:46: bytes that are not text in the document encoding => ?
       <!DOCTYPE r [<!ENTITY e SYSTEM 'file:///etc/hostname'>]>\n<r>&e;</r> => 2 => <r>
       <!DOCTYPE r [<!ENTITY e SYSTEM '/dev/zero'>]>\n<r a='&e;'/> => 2
       <!DOCTYPE r [<!ENTITY % p SYSTEM 'file:///etc/hostname'>\n%p;]><r/> => 2

@@ -36,13 +36,13 @@ TEST_F(SidecarFileTest, AClipsNameFindsItsSidecar) {
       {"c.mov c.mov.xMP", "c.mov", "c.mov.xMP"},
       {"c.mov c.mov.xmp", "c.mov --sidecar-name stem", "c.mov.xmp"},
       {"c.mov c.mov.xmp c.xmp", "c.mov",
-       "c.mov: error: has two sidecars, c.mov.xmp and c.xmp; name one"},
-      {"c.mov c.xmp c.xMp", "c.mov --sidecar-name stem", "c.mov: error: has two sidecars"},
+       "c.mov: error: has several sidecars: c.mov.xmp and c.xmp; name one"},
+      {"c.mov c.xmp c.xMp", "c.mov --sidecar-name stem", "c.mov: error: has several sidecars"},
       {"c.mov c.mov.xmp c.xmp", "c.mov --sidecar-name stem", "c.xmp"},
       {"c.mov c.mov.xmp c.xmp", "c.mov --sidecar-name full", "c.mov.xmp"},
       {"c.mov c.avi c.WAV c.mp4 c.xmp", "c.mov",
        "c.mov: error: would share the sidecar c.xmp with c.WAV; --sidecar-name stem shares it, "
-       "--sidecar-name full takes c.mov.xmp\n"},
+       "--sidecar-name full gives the clip its own\n"},
       {"c.mov c.3gp c.xmp", "c.mov --sidecar-name stem", "c.xmp"},
       {"c.mov c.webm c.xmp", "c.mov --sidecar-name full", "c.mov.xmp"},
       {"c.mov c.wav", "c.mov", "c.mov.xmp"},
@@ -89,7 +89,7 @@ TEST_F(SidecarFileTest, OneFilesRefusalDoesNotStopTheOthers) {
 
 TEST_F(SidecarFileTest, AProtectedFileIsChangedOnlyWithForce) {
   const std::string error =
-      "with.xmp: error: the file has no write permission; --force replaces it all the same\n";
+      "with.xmp: error: the file has no write permission; --force replaces it anyway\n";
   EXPECT_EQ(
       Run("chmod 444 with.xmp; zelstory clear with.xmp; zelstory clear with.xmp --dry-run").mErrors,
       error + error);

@@ -126,7 +126,7 @@ TEST_F(SidecarTest, AClipHoldsOnlyTheSceneWrittenLast) {
     const bool merges = option == " --merge";
     WriteScene();
     const std::string preview = Tool(second + "clip.xmp --dry-run" + option).mOutput;
-    EXPECT_EQ(preview.starts_with("clears the scene that it holds first"), !merges);
+    EXPECT_EQ(preview.starts_with("removes the clip's old scene first"), !merges);
     EXPECT_EQ(preview.find("action: \"Rain & wind.\" -> (none)") == std::string::npos, merges);
     EXPECT_EQ(Tool(second + "clip.xmp" + option).mOutput,
               "xmpScript:sceneSetting\nxmpDM:shotLocation\nxmpScript:sceneTimeOfDay\n"

@@ -62,16 +62,16 @@ TEST_F(TagTest, AFaultyTableWritesNothingUnlessAsked) {
   EXPECT_EQ(refused.mStatus, 1);
   EXPECT_THAT(refused.mErrors, StartsWith("day/clips.csv: error: 9 of 10 rows have faults"));
   const std::string faults =
-      "a.mov: refused: no scene is at position 9: the body has 4 scenes\n"
+      "a.mov: refused: there is no scene at position 9; the body has 4 scenes\n"
       "day/clips.csv:4: refused: the row names no clip\n"
-      "b.mov: refused: several lines mean its sidecar: 5, 6\n"
-      "./b.mov.xmp: refused: several lines mean its sidecar: 5, 6\n"
+      "b.mov: refused: several lines name its sidecar: 5, 6\n"
+      "./b.mov.xmp: refused: several lines name its sidecar: 5, 6\n"
       "none.mov: refused: No such clip (a sidecar's name ends in .xmp)\n"
       "x.xmp: refused: the row names two scenes, at the positions 1 and 2\n"
       "y.xmp: refused: the row names no scene\n"
-      "z.xmp: refused: \"two\" is not a position: scenes count from 1, in whole numbers\n"
-      "no/z.xmp: refused: there is no folder day/no\n";
-  EXPECT_EQ(refused.mOutput, "c.mov: refused: other lines have faults\n" + faults);
+      "z.xmp: refused: \"two\" is not a position; positions are whole numbers from 1\n"
+      "no/z.xmp: refused: the folder day/no does not exist\n";
+  EXPECT_EQ(refused.mOutput, "c.mov: refused: other rows have faults\n" + faults);
   EXPECT_EQ(Run("ls day").mOutput, "a.mov\nb.mov\nc.mov\nclips.csv\n");
   const Outcome going = Tag(table, "--keep-going");
   EXPECT_EQ(going.mStatus, 1);
@@ -96,10 +96,10 @@ TEST_F(TagTest, OneClipsFaultStopsNoOther) {
 
 TEST_F(TagTest, AnInvalidTableIsRefused) {
   const std::pair<const char*, const char*> tables[] = {
-      {"", ": error: is empty; its first line names the columns"},
-      {"clip,take\na.mov,1\n", ":1: error: the first line names the columns: clip, and"},
-      {"\nscene,number\n1,7\n", ":2: error: the first line names the columns: clip"},
-      {"clip,scene,Scene\n", ":1: error: two columns are called scene"},
+      {"", ": error: is empty; its first line must name the columns"},
+      {"clip,take\na.mov,1\n", ":1: error: the first line must name the columns: clip, and"},
+      {"\nscene,number\n1,7\n", ":2: error: the first line must name the columns: clip"},
+      {"clip,scene,Scene\n", ":1: error: two columns have the name scene"},
       {"clip,scene\n\"a\r\n.mov\",1\r\n\"b\"c,1\n", ":4: error: a quotation mark is out"},
       {"clip,scene\na.mov,\"1", ":2: error: a quotation mark is out of place"},
       {"clip,scene\na\xFF.mov,1\n", ":2: error: the text is not UTF-8"},

@@ -39,7 +39,7 @@ TEST_F(UsageTest, WrongUsageIsOneLineAndStatus2) {
     EXPECT_EQ(outcome.mOutput, "");
     EXPECT_THAT(Lines(outcome.mErrors), SizeIs(1));
   }
-  EXPECT_THAT(Tool("chek x.quor").mErrors, HasSubstr("no command or option chek "));
+  EXPECT_THAT(Tool("chek x.quor").mErrors, HasSubstr("unknown command or option: chek "));
   EXPECT_EQ(Run("ls -A").mOutput, "");
 }
 
@@ -60,15 +60,15 @@ TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
       {"show 'no\x1B[2J\x7Fne.quor'", "^no\\?\\[2J\\?ne.quor: error: No such file"},
       {"show .", "^.: error: is a directory"},
       {"show $stories/harbour_lights.quor --position 99",
-       "no scene is at position 99: the body has 4 scenes"},
+       "there is no scene at position 99; the body has 4 scenes"},
       {"show $stories/harbour_lights.quor --scene 99",
        "no scene has the number \"99\"; zelstory scenes lists"},
       {"show same.quor --scene 7",
-       "same.quor: error: 2 scenes have the number \"7\", at the positions 1, 2: name one by"},
+       "same.quor: error: 2 scenes have the number \"7\", at the positions 1, 2: choose one by"},
       {"show same.quor --scene 3", "number \"3\"; the scene at position 3 has no number"},
       {"show same.quor --scene 4", "the scene at position 4 has the number \"1\""},
       {"show same.quor --id x", "no scene has the identifier \"x\""},
-      {"xmp D/b", "^D/b: error: has no sidecar: there is no D/b.xmp\n"},
+      {"xmp D/b", "^D/b: error: has no sidecar: D/b.xmp does not exist\n"},
       {"has D", "^D: error: is a directory"},
       {"has D/b --strict", "^D/b: error: has no sidecar"},
       {"shots $stories/harbour_lights.quor --out .",
@@ -82,7 +82,7 @@ TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
       {"clear none.xmp", "^none.xmp: error: No such file or directory"},
       {"has none.xmp", "^none.xmp: error: No such file or directory"},
       {"stats none.quor", "^none.quor: error: "},
-      {"shots same.quor --out same.quor", "same.quor: error: is no folder"},
+      {"shots same.quor --out same.quor", "same.quor: error: is not a folder"},
   };
   for (const auto& [arguments, error] : cases) {
     SCOPED_TRACE(arguments);

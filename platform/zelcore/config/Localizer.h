@@ -9,8 +9,8 @@
 
 namespace zelcore::config {
 
-// The texts of the process in the user's language. Texts are looked up by a whole key text,
-// "$$$/product/Name=English default", so that every call carries its own fallback.
+// The texts of the process in the user's language. A text is looked up by its whole key text,
+// "$$$/product/Name=English default", so every call has its own fallback.
 //
 // There is one localiser in a process. All operations may be called from any thread.
 class ZELPLATFORM_API Localizer {
@@ -21,11 +21,11 @@ class ZELPLATFORM_API Localizer {
   // The process's localiser; lives until the process ends.
   static Localizer& Get();
 
-  // Returns the translation installed for the key, or the text behind the first equals sign, or,
+  // Returns the translation installed for the key, or the text after the first equals sign, or,
   // for a key text without one, the key text itself. `keyText` is UTF-8.
   UTF16String GetLocalizedString(std::string_view keyText) const;
 
-  // Installs, or replaces, the translation of a key; `key` is the part in front of the equals sign.
+  // Installs, or replaces, the translation of a key; `key` is the part before the equals sign.
   void InstallTranslation(std::string_view key, UTF16String translation);
 
   // Removes all translations.

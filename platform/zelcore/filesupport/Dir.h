@@ -7,8 +7,8 @@
 
 namespace zelcore::filesupport {
 
-// The name of a directory entry, which need not exist. A plain value; no operation touches the disk
-// but TempDir, which asks the system for its temporary folder.
+// The path of a directory entry, which need not exist. A plain value; only TempDir, which asks the
+// system for its temporary folder, touches the disk.
 class ZELPLATFORM_API Dir {
  public:
   // The system's temporary folder. Throws std::filesystem::filesystem_error when there is none.
@@ -17,7 +17,7 @@ class ZELPLATFORM_API Dir {
   // The entry `name` inside `parent`. `name` is one path component.
   Dir(const Dir& parent, const UTF16String& name);
 
-  // The absolute path, without a separator at its end (the root folder's own excepted).
+  // The absolute path, without a separator at its end (except for that of the root folder).
   UTF16String FullPath() const;
 
  private:

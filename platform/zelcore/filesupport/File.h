@@ -7,18 +7,18 @@
 
 namespace zelcore::filesupport {
 
-// A file by its path. A plain value that holds nothing open. Both operations speak of the directory
-// entry at the path itself: a symbolic link is that entry, whatever it points to.
+// A file by its path. A plain value that keeps nothing open. Both operations are about the
+// directory entry at the path itself: a symbolic link is that entry, whatever it points to.
 class ZELPLATFORM_API File {
  public:
-  // Only notes the path, absolute or relative to the working directory.
+  // Only stores the path, absolute or relative to the working directory.
   explicit File(const UTF16String& path);
 
-  // True when there is an entry at the path, also a link that points nowhere. An entry that cannot
-  // be looked at counts as absent.
+  // True when there is an entry at the path, even a link that points nowhere. An entry that cannot
+  // be examined counts as absent.
   bool Exists() const;
 
-  // Removes the entry; a link is removed, not followed. Nothing happens when there is none. Throws
+  // Removes the entry; a link is removed, not followed. Does nothing when there is none. Throws
   // std::filesystem::filesystem_error when the entry cannot be removed.
   void Delete();
 

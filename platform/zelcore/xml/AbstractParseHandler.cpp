@@ -2,7 +2,7 @@
 
 namespace zelcore::xml {
 
-// Out of line, so that the class's virtual table stands in one place.
+// Out of line, so that the class has its virtual table in one place.
 AbstractParseHandler::~AbstractParseHandler() = default;
 
 }  // namespace zelcore::xml

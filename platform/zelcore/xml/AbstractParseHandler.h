@@ -16,10 +16,10 @@ struct Attribute {
   UTF16String mValue;          // unescaped and normalised as XML asks
 };
 
-// The receiver of a document's events. Every operation does nothing here; a handler overrides those
-// that it needs. A reader calls them in document order, on the thread that runs the parse, and
-// keeps every argument alive and unchanged only until the callback returns. An exception that
-// leaves a callback ends the parse and leaves the reader's parse call.
+// The receiver of a document's events. By default every callback does nothing; a handler overrides
+// those that it needs. A reader calls them in document order, on the thread that runs the parse.
+// Arguments are valid only until the callback returns. An exception that leaves a callback ends the
+// parse and leaves the reader's parse call.
 class ZELPLATFORM_API AbstractParseHandler {
  public:
   AbstractParseHandler() = default;
@@ -39,7 +39,7 @@ class ZELPLATFORM_API AbstractParseHandler {
   // A start tag with its namespace resolved: namespace URI, local name, qualified name, attributes
   // (without namespace declarations) in document order. Called right after StartElement, for a
   // handler that wants namespaces. The URI is empty for a name in no namespace, and for a prefix
-  // that no declaration in force names: such a document is well-formed, and the handler decides.
+  // that no declaration in force names: such a document is well-formed XML, so the handler decides.
   virtual void StartElementWithNamespace(const UTF16String& /*namespaceURI*/,
                                          const UTF16String& /*localName*/,
                                          const UTF16String& /*qualifiedName*/,
@@ -69,14 +69,14 @@ class ZELPLATFORM_API AbstractParseHandler {
   virtual void EndDocument() {}
 
   // A namespace declaration comes into force before the start tag that carries it (an empty prefix
-  // is the default namespace, an empty URI takes it back) and ends after the matching end tag; of
+  // is the default namespace, an empty URI cancels it) and ends after the matching end tag; of
   // several on one tag the last declared ends first. For a handler that wants namespaces.
   virtual void StartPrefixMapping(const UTF16String& /*prefix*/,
                                   const UTF16String& /*namespaceURI*/) {}
   virtual void EndPrefixMapping(const UTF16String& /*prefix*/) {}
 
-  // Whether a reader calls the four namespace-aware callbacks, too, besides the plain ones. Asked
-  // once per document, in front of StartDocument.
+  // Whether a reader makes the four namespace-aware calls in addition to the plain ones. A reader
+  // asks once per document, before StartDocument.
   virtual bool WantsNamespaces() const { return false; }
 };
 

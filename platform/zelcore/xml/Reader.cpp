@@ -33,8 +33,8 @@ struct NameKey {
   }
 };
 
-// Qualified names, each converted once a document.
-class NameTable {
+// Qualified names, each converted once per document.
+class QualifiedNames {
  public:
   const UTF16String& QualifiedName(const NameView& name) {
     const NameKey key(name);
@@ -56,13 +56,13 @@ class NameTable {
   std::unordered_map<NameKey, UTF16String, Hash> mNames;
 };
 
-// The map handed to StartElement. Tags of one name mostly carry the same attributes in the same
-// order, so that the map of such a tag before serves again, its values written over.
+// The map for StartElement. Tags of one name usually have the same attributes in the same order, so
+// the map of the last such tag is used again with new values.
 class AttributeMap {
  public:
   using Map = std::map<UTF16String, UTF16String>;
 
-  const Map& Fill(std::span<const AttributeView> attributes, NameTable& names) {
+  const Map& Fill(std::span<const AttributeView> attributes, QualifiedNames& names) {
     if (!HasNamesOf(attributes)) Build(attributes, names);
     for (std::size_t i = 0; i < attributes.size(); ++i) {
       mValues[i]->clear();
@@ -79,7 +79,7 @@ class AttributeMap {
                       });
   }
 
-  void Build(std::span<const AttributeView> attributes, NameTable& names) {
+  void Build(std::span<const AttributeView> attributes, QualifiedNames& names) {
     mMap.clear();
     mNames.clear();
     mValues.clear();
@@ -98,7 +98,7 @@ class AttributeMap {
 class AttributeMaps {
  public:
   const AttributeMap::Map& Fill(const NameView& element, std::span<const AttributeView> attributes,
-                                NameTable& names) {
+                                QualifiedNames& names) {
     std::size_t bytes = 0;
     for (const AttributeView& attribute : attributes) bytes += attribute.mValue.size();
     constexpr std::size_t kKeptBytes = 65'536;
@@ -109,7 +109,7 @@ class AttributeMaps {
 
  private:
   std::array<AttributeMap, 16> mMaps;
-  AttributeMap mOversize;  // so that the others do not hold on to the memory of a few huge tags
+  AttributeMap mOversize;  // so that the others do not keep the memory of a few huge tags
 };
 
 // Makes the namespace-aware calls, for the handlers that want them.
@@ -126,7 +126,7 @@ class NamespaceCalls {
   }
 
   void StartElement(const NameView& name, std::span<const AttributeView> attributes,
-                    NameTable& names) {
+                    QualifiedNames& names) {
     OpenElement& element = mOpenElements.back();
     element.mURI = utility::UTF8to16(name.mURI);
     element.mLocalName = utility::UTF8to16(name.mLocalName);
@@ -159,7 +159,7 @@ class NamespaceCalls {
   std::vector<OpenElement> mOpenElements;
 };
 
-// A run of text is joined before it is handed on, up to this many code units.
+// Pieces of text are joined before the handler gets them, up to this many code units.
 constexpr std::size_t kLongestText = 65'536;
 
 }  // namespace
@@ -219,7 +219,7 @@ class Reader::Adapter final : public SAXEvents {
  private:
   static constexpr std::string_view kXmlns = "xmlns";
 
-  // The plain callbacks know namespace declarations as attributes.
+  // To the plain callbacks, namespace declarations are attributes.
   std::span<const AttributeView> Join(std::span<const NamespaceView> declarations,
                                       std::span<const AttributeView> attributes) {
     mJoined.clear();
@@ -235,7 +235,7 @@ class Reader::Adapter final : public SAXEvents {
   AbstractParseHandler& mHandler;
   SAXDriver mDriver;
   std::optional<NamespaceCalls> mNamespaceCalls;
-  NameTable mNames;
+  QualifiedNames mNames;
   std::vector<const UTF16String*> mOpenNames;  // of the open elements, in mNames
   AttributeMaps mMaps;
   std::vector<AttributeView> mJoined;

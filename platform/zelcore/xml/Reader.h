@@ -24,16 +24,16 @@ struct ReadError {
 //
 // Understood: XML 1.0 in UTF-8, UTF-16 with a byte-order mark, and the encodings that the XML
 // declaration may name. Nothing outside the given document is ever opened. Refused: what is not
-// well-formed, or no text in its encoding; any use of an external entity or of an undeclared one;
+// well-formed, or not text in its encoding; any use of an external entity or of an undeclared one;
 // more than 10,000 open elements, attributes of a tag, declared attributes, or namespaces in force;
 // more than 250,000 different names; a tag, comment or CDATA section of much more than 8 MiB (the
 // next piece read may still pass); entities that multiply each other to more than about ten times
 // the document's bytes, as the XML library counts; entities and default attributes that deliver
 // more than four times the document's bytes and 64 MiB, or take as long.
 //
-// A parse that fails returns false and leaves the reason in Error(); the handler keeps what it had
-// built from the events up to that place, EndDocument included. An exception of the handler passes
-// through, and the reader may be used again.
+// A parse that fails returns false and leaves the reason in Error(); the handler has received the
+// events up to that place, and EndDocument. An exception of the handler passes through. In both
+// cases the reader may be used again.
 //
 // Threads: one thread at a time per reader; any number of readers at once.
 class ZELPLATFORM_API Reader {
@@ -56,9 +56,8 @@ class ZELPLATFORM_API Reader {
                                  AbstractParseHandler& handler);
 
   // During a callback: for a start or end tag, the place of its "<"; for anything else, and for
-  // tags in the text of an entity, the place up to which the document has been read: behind the
-  // comment, the reference, or the tag that ends a text. Columns count characters. Outside a parse:
-  // 1:1.
+  // tags in the text of an entity, the place up to which the document has been read: after the
+  // comment, the reference, or the tag that ends a text. Outside a parse: 1:1.
   [[nodiscard]] Position CurrentPosition() const;
 
   // The reason of the last parse that returned false.

@@ -13,9 +13,12 @@
 #include <libxml/xmlerror.h>
 
 #include <zelcore/UTF8.h>
+#include <zelcore/xml/CDATAText.h>
+#include <zelcore/xml/DocumentLimits.h>
+#include <zelcore/xml/DocumentPlace.h>
 #include <zelcore/xml/SAXDriver.h>
-#include <zelcore/xml/TextWindow.h>
 
+// The only source that knows libxml2: its callbacks, and what has to be known of its inside.
 namespace zelcore::xml {
 namespace {
 
@@ -29,7 +32,19 @@ std::string_view View(const xmlChar* begin, const xmlChar* end) {
   return {reinterpret_cast<const char*>(begin), static_cast<std::size_t>(end - begin)};
 }
 
-// The XML library's messages end in a line feed and may hold more of them.
+std::string_view Content(xmlBufPtr buffer) {
+  return {reinterpret_cast<const char*>(xmlBufContent(buffer)), xmlBufUse(buffer)};
+}
+
+// `consumed` counts what was dropped before `base`; the bytes up to `cur` have been read.
+HeldInput Held(const xmlParserInput& input) {
+  return {input.consumed,
+          View(input.base, input.end),
+          static_cast<std::size_t>(input.cur - input.base),
+          {input.line, input.col}};
+}
+
+// libxml2's messages end in a line feed and may contain more of them.
 std::string OneLine(const char* message) {
   std::string line = message == nullptr ? "unknown error" : message;
   while (!line.empty() && (line.back() == '\n' || line.back() == ' ')) line.pop_back();
@@ -37,26 +52,14 @@ std::string OneLine(const char* message) {
   return line;
 }
 
-// Bytes of the document, or of what the library has made of it in UTF-8.
-std::size_t OffsetOf(const xmlParserInput& input) {
-  return input.consumed + static_cast<std::size_t>(input.cur - input.base);
-}
-
-std::string_view Content(xmlBufPtr buffer) {
-  return {reinterpret_cast<const char*>(xmlBufContent(buffer)), xmlBufUse(buffer)};
-}
-
-// How many values are quoted in the beginning of a tag.
-std::size_t CountValues(std::string_view tag) {
-  std::size_t count = 0;
-  std::size_t quote = tag.find_first_of("\"'");
-  while (quote != std::string_view::npos) {
-    const std::size_t end = tag.find(tag[quote], quote + 1);
-    if (end == std::string_view::npos) break;
-    ++count;
-    quote = tag.find_first_of("\"'", end + 1);
+std::string Hex(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text;
+  for (const char byte : bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    ((text += " 0x") += kDigits[value / 16]) += kDigits[value % 16];
   }
-  return count;
+  return text;
 }
 
 struct ContextDeleter {
@@ -66,13 +69,16 @@ struct ContextDeleter {
   }
 };
 
+// Thrown to stop a parse where the driver itself refuses the document.
+struct Refusal {
+  SyntaxError mError;
+};
+
 }  // namespace
 
-class ParseState;
-
-// Many of the library's functions know no parse: where they find no memory, or bytes that cannot be
-// converted, they say so to the thread at large (by default on standard error), and their callers
-// go on and complain of what they then miss.
+// libxml2 reports lack of memory and failed conversions to the thread's error handler, by default
+// on standard error, and not to the parser. It then goes on and complains of what it misses, which
+// is misleading. While a trap lives, a state receives these reports.
 class ErrorTrap {
  public:
   explicit ErrorTrap(ParseState& state)
@@ -91,8 +97,8 @@ class ErrorTrap {
   void* const mContext;
 };
 
-// The state of one parse, reached from the XML library's callbacks through _private. The text of an
-// entity is parsed in a context of its own, so callbacks may come from another context than ours.
+// One parse. libxml2's callbacks reach it through the _private of their context, which is the
+// document's own or, in the text of an entity, another one.
 class ParseState {
  public:
   explicit ParseState(SAXEvents& events);
@@ -101,332 +107,342 @@ class ParseState {
     return *static_cast<ParseState*>(static_cast<xmlParserCtxt*>(context)->_private);
   }
 
-  // Runs a piece of a callback: nothing after a stop, and no exception may cross the C library.
+  // Parses the next bytes, and returns whether more are wanted.
+  bool Feed(std::string_view bytes, bool isLast);
+
+  // The source of the bytes failed.
+  void FailToRead() { mError = SyntaxError{CurrentPosition(), "reading failed"}; }
+
+  // Ends the parse. Throws what a receiver has thrown, and std::bad_alloc.
+  std::optional<SyntaxError> Finish(bool anyBytes);
+
+  Position CurrentPosition() const;
+
+  // Whether the parse has come to its end early. No event follows then.
+  bool HasStopped() const { return mError || mException; }
+
+  // Runs a callback's action: none after a stop, and no exception crosses the C library.
   template <typename Action>
   void Guard(void* context, Action action) {
-    if (mHalted) return;
-    mInner = static_cast<xmlParserCtxt*>(context);
-    try {
+    if (HasStopped()) return;
+    mCurrent = static_cast<xmlParserCtxt*>(context);
+    Try([&] {
       FollowInput();
       action();
+    });
+    if (HasStopped()) Halt();
+  }
+
+  // What the callbacks do, within Guard. All of them may throw.
+  void StartElement(const NameView& name, std::span<const xmlChar*> namespaces,
+                    std::span<const xmlChar*> attributes, std::size_t defaulted);
+  void EndElement();
+  void Characters(std::string_view text);
+  void CDATA(std::string_view text, bool beginsSection);
+  void Comment(std::string_view text);
+  void ProcessingInstruction(std::string_view target, std::string_view data);
+  void Doctype() { mEvents.Doctype(); }
+  void DeclareAttribute() { Enforce(mLimits.DeclareAttribute()); }
+  void ReferTo(std::string_view name, const xmlEntity* entity);
+
+  // These guard themselves.
+  void BeginDocument();
+  void ReportError(void* context, const xmlError& error);
+  void ReportStrayError(const xmlError& error);
+
+ private:
+  template <typename Action>
+  void Try(Action action) {
+    try {
+      action();
+    } catch (Refusal& refusal) {
+      mError = std::move(refusal.mError);
     } catch (...) {
       mException = std::current_exception();
-      Halt();
     }
   }
 
+  [[noreturn]] void Refuse(std::string reason) const {
+    throw Refusal{{CurrentPosition(), std::move(reason)}};
+  }
+
+  void Enforce(DocumentLimits::Fault fault) const {
+    if (fault) Refuse(*std::move(fault));
+  }
+
+  // Has libxml2 stop, in the text of an entity too.
   void Halt() {
-    mHalted = true;
-    if (mInner != nullptr && mInner != mContext.get()) xmlStopParser(mInner);
+    if (mCurrent != mContext.get()) xmlStopParser(mCurrent);
     xmlStopParser(mContext.get());
   }
 
-  void Refuse(std::string reason) {
-    if (!mError) mError = SyntaxError{CurrentPosition(), std::move(reason)};
-    Halt();
-  }
-
-  void RefuseMoreThan(std::size_t limit, const char* what) {
-    Refuse("more than " + std::to_string(limit) + " " + what);
-  }
-
-  // The document; the texts of entities are inputs of their own. Null before it has begun, and when
-  // the library has given it up.
-  const xmlParserInput* Input() const {
-    const bool isThere = mContext && mContext->inputNr > 0 && mContext->inputTab[0]->buf;
-    return isThere ? mContext->inputTab[0] : nullptr;
-  }
-
+  const xmlParserInput* Input() const;
   void FollowInput();
-  void Take(std::size_t offset, std::string_view bytes);
-
-  // Up to where the library has read; in the text of an entity, behind the reference to it.
-  Position ReadingPosition() const {
-    if (mHasWindow) return mWindow.At(mRead);
-    const xmlParserInput* input = Input();  // no further than the XML declaration
-    return input == nullptr ? Position{} : Position{input->line, input->col};
-  }
-
-  // The library reads at or behind a tag's end when it reports the tag; no "<" can stand inside a
-  // tag, so the last one before is the tag's own.
-  Position CurrentPosition() const {
-    const bool isTag = mInTag && mInner == mContext.get();
-    return isTag ? mWindow.At(mWindow.LastTagBefore(mRead)) : ReadingPosition();
-  }
-
-  std::string ReasonOf(const xmlError& error) const {
-    // The library takes a document that is cut off for one with something behind its end.
-    const bool endsEarly = error.code == XML_ERR_DOCUMENT_END && !mRootEnded;
-    if (endsEarly) return "the document ends before its root element does";
-    if (error.code == XML_ERR_ENTITY_LOOP) return "entities expand too far, or refer to themselves";
-    // It has that name for whatever does not begin like one, too.
-    if (error.code == XML_ERR_DOCUMENT_EMPTY) return "the document does not begin with markup";
-    return OneLine(error.message);
-  }
-
-  // Keeps documents from growing far beyond what was read: by entities that multiply each other, or
-  // by long default attributes of short tags.
-  void Account(std::size_t bytes) {
-    mDelivered += bytes;
-    if (mDelivered > 4 * mFed + kMostExpandedBytes)
-      Refuse("entities or default attributes expand beyond the limit");
-  }
-
-  void StartElement(const NameView& name, std::span<const xmlChar*> namespaces,
-                    std::span<const xmlChar*> attributes, std::size_t defaulted);
-  void CDATA(std::string_view text);
+  Position ReadingPosition() const;
   void EndCDATASection();
-  void StrayError(const xmlError& error);
-  void RefuseUnconverted();
-  void CheckLimits();
-  bool Feed(std::string_view bytes, bool isLast);
-  std::optional<SyntaxError> Finish(bool anyBytes);
+  std::size_t Convert(std::span<const xmlChar*> attributes);
+  void CheckConversion();
+  std::string ReasonOf(const xmlError& error) const;
 
   SAXEvents& mEvents;
-  std::unique_ptr<xmlParserCtxt, ContextDeleter> mContext;
-  xmlParserCtxt* mInner = nullptr;
-  std::exception_ptr mException;
+  std::unique_ptr<xmlParserCtxt, ContextDeleter> mContext;  // of the document
+  xmlParserCtxt* mCurrent = nullptr;                        // of the callback; set by the first
+
+  // What has stopped the parse, if anything has.
   std::optional<SyntaxError> mError;
-  TextWindow mWindow;     // in UTF-8, whatever the document's encoding
-  std::size_t mRead = 0;  // the offset in the window up to where the library has read
-  bool mHasWindow = false;
-  std::size_t mDepth = 0;
-  std::size_t mDeclaredAttributes = 0;
-  std::size_t mFed = 0;
-  std::size_t mDelivered = 0;
-  bool mRootEnded = false;
-  bool mHalted = false;
-  bool mInTag = false;
-  bool mInCDATA = false;
-  bool mEndsInCR = false;  // the piece of a CDATA section before
-  std::string mText;       // a piece of a CDATA section with its line ends normalised
-  bool mHasNoMemory = false;
+  std::exception_ptr mException;
+  bool mHasNoMemory = false;  // libxml2 may go on without
+
+  DocumentPlace mPlace;
+  DocumentLimits mLimits;
+  CDATAText mCDATA;
+  bool mIsInTag = false;    // a tag is being reported
+  bool mRootEnded = false;  // the root element is complete
+
+  // Of the tag that is being reported; kept for their memory.
   std::vector<NamespaceView> mDeclarations;
   std::vector<AttributeView> mAttributes;
 };
 
 void ErrorTrap::Catch(void* context, xmlErrorPtr error) {
   const ErrorTrap& trap = *static_cast<ErrorTrap*>(context);
-  trap.mState.StrayError(*error);
+  trap.mState.ReportStrayError(*error);
   if (trap.mFunction != nullptr) trap.mFunction(trap.mContext, error);
 }
 
-void ParseState::StrayError(const xmlError& error) {
-  if (error.code == XML_ERR_NO_MEMORY) mHasNoMemory = true;
-  if (error.code != XML_I18N_CONV_FAILED || mException) return;
-  try {
-    RefuseUnconverted();
-  } catch (...) {
-    mException = std::current_exception();
-    mHalted = true;
-  }
+// The document; the texts of entities are inputs of their own. Null before it has begun, and once
+// libxml2 has given it up.
+const xmlParserInput* ParseState::Input() const {
+  const bool isThere = mContext && mContext->inputNr > 0 && mContext->inputTab[0]->buf;
+  return isThere ? mContext->inputTab[0] : nullptr;
 }
 
-// Refuses a document of which a part could not be converted, where that part begins.
-void ParseState::RefuseUnconverted() {
+void ParseState::FollowInput() {
+  if (const xmlParserInput* input = Input()) mPlace.Follow(Held(*input));
+}
+
+// Up to where libxml2 has read; in the text of an entity, the place after the reference to it.
+Position ParseState::ReadingPosition() const {
+  if (mPlace.HasBegun()) return mPlace.Read();
+  const xmlParserInput* input = Input();  // no further than the XML declaration
+  return input == nullptr ? Position{} : Position{input->line, input->col};
+}
+
+// libxml2 reports a tag when it has read it, or nearly. No "<" can be inside a tag, so the last one
+// before is the tag's own.
+Position ParseState::CurrentPosition() const {
+  const bool isDocumentsTag = mIsInTag && mCurrent == mContext.get();
+  return isDocumentsTag ? mPlace.LastTag() : ReadingPosition();
+}
+
+// Refuses a document of which a part could not be converted to UTF-8. libxml2 converts what it is
+// fed at once, from `raw` to `buffer`: what is left in `raw` begins with the bytes that failed.
+void ParseState::CheckConversion() {
   const xmlParserInput* input = Input();
-  if (input == nullptr || input->buf->encoder == nullptr || mError) return;
+  if (input == nullptr || input->buf->encoder == nullptr) return;  // UTF-8 is not converted
   const std::string_view rest = Content(input->buf->raw);
   if (rest.empty()) return;
-  // In the declaration that names the encoding, the library has put aside what it has read.
-  if (!mHasWindow) mWindow.Restart(input->consumed, {input->line, input->col});
-  Take(input->consumed, Content(input->buf->buffer));
-  std::string reason = "bytes that are no text in the document encoding:";
-  for (const char byte : rest.substr(0, 4)) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    const auto value = static_cast<unsigned char>(byte);
-    ((reason += " 0x") += kDigits[value / 16]) += kDigits[value % 16];
-  }
-  mError = SyntaxError{mWindow.At(mWindow.End()), std::move(reason)};
-  mHalted = true;
+  HeldInput held = Held(*input);
+  held.mText = Content(input->buf->buffer);  // `end` may still be that of the piece before
+  throw Refusal{{mPlace.EndOf(held),
+                 "bytes that are not text in the document encoding:" + Hex(rest.substr(0, 4))}};
 }
 
-// Called wherever the library lets go, since it converts by itself what it is fed and drops what it
-// has read.
-void ParseState::FollowInput() {
-  const xmlParserInput* input = Input();
-  if (input == nullptr || !mHasWindow) return;
-  mRead = OffsetOf(*input);
-  if (mWindow.End() < input->consumed) {
-    // White space without end goes by in silence: its lines are counted back from here.
-    const std::string_view read = View(input->base, input->cur);
-    const auto newlines = std::count(read.begin(), read.end(), '\n');
-    const auto column = newlines > 0 ? 1 : input->col - static_cast<std::int64_t>(read.size());
-    mWindow.Restart(input->consumed, {input->line - newlines, column});
-  }
-  Take(input->consumed, View(input->base, input->end));
+std::string ParseState::ReasonOf(const xmlError& error) const {
+  // libxml2 uses this code for a document that is cut off and for one with more after its end.
+  const bool endsEarly = error.code == XML_ERR_DOCUMENT_END && !mRootEnded;
+  if (endsEarly) return "the document ends before its root element does";
+  if (error.code == XML_ERR_ENTITY_LOOP) return "entities expand too far, or refer to themselves";
+  // libxml2 also uses this code for input that does not begin with markup.
+  if (error.code == XML_ERR_DOCUMENT_EMPTY) return "the document does not begin with markup";
+  return OneLine(error.message);
 }
 
-// Adds to the window what it has not yet of bytes that begin at `offset`.
-void ParseState::Take(std::size_t offset, std::string_view bytes) {
-  const std::size_t known = mWindow.End() - std::min(offset, mWindow.End());
-  if (known < bytes.size()) mWindow.Append(bytes.substr(known));
+// Called after the XML declaration.
+void ParseState::BeginDocument() {
+  if (const xmlParserInput* input = Input()) mPlace.Begin(Held(*input));
 }
 
-void ParseState::StartElement(const NameView& name, std::span<const xmlChar*> namespaces,
-                              std::span<const xmlChar*> attributes, std::size_t defaulted) {
-  if (++mDepth > kMostOpenElements) return RefuseMoreThan(kMostOpenElements, "elements are open");
-  // Two entries a declaration: prefix, URI.
-  if (mInner->nsNr / 2 > static_cast<int>(kMostAttributes)) {
-    return RefuseMoreThan(kMostAttributes, "namespace declarations are in force");
-  }
-  mDeclarations.clear();
-  for (std::size_t i = 0; i < namespaces.size(); i += 2) {
-    mDeclarations.push_back({View(namespaces[i]), View(namespaces[i + 1])});
-  }
-  // Five entries an attribute: local name, prefix, URI, first byte of the value, end of the value.
-  const std::size_t count = attributes.size() / 5;
-  if (count > kMostAttributes) return RefuseMoreThan(kMostAttributes, "attributes are in a tag");
+// Stores the attributes and returns what delivering them costs, in bytes.
+std::size_t ParseState::Convert(std::span<const xmlChar*> attributes) {
+  std::size_t cost = 0;
   mAttributes.clear();
-  // The library compares each attribute of a tag with each, and default ones cost no bytes.
-  std::size_t cost = 1 + defaulted * count / 64;
+  // Five entries per attribute: local name, prefix, URI, first byte of the value, end of the value.
   for (std::size_t i = 0; i < attributes.size(); i += 5) {
     mAttributes.push_back({{View(attributes[i + 1]), View(attributes[i]), View(attributes[i + 2])},
                            View(attributes[i + 3], attributes[i + 4])});
     cost += mAttributes.back().mValue.size() + 1;
   }
-  Account(cost);
-  if (!mHalted) mEvents.StartElement(name, mDeclarations, mAttributes);
+  return cost;
 }
 
-// The library hands a section over as it stands: its line ends are those of the document, and
-// bytes longer than their character needs have passed.
-void ParseState::CDATA(std::string_view text) {
-  Account(text.size());
-  if (!mHalted && !utility::IsUTF8(text)) Refuse("a CDATA section is not UTF-8");
-  if (mHalted || text.empty()) return;
-  if (mEndsInCR || text.find('\r') != std::string_view::npos) {
-    mText.clear();
-    for (const char c : text) {
-      if (c != '\n' || !mEndsInCR) mText.push_back(c == '\r' ? '\n' : c);
-      mEndsInCR = c == '\r';
-    }
-    text = mText;
+void ParseState::StartElement(const NameView& name, std::span<const xmlChar*> namespaces,
+                              std::span<const xmlChar*> attributes, std::size_t defaulted) {
+  EndCDATASection();
+  mIsInTag = true;
+  const std::size_t count = attributes.size() / 5;
+  // nsNr counts two entries per declaration: prefix, URI.
+  Enforce(mLimits.OpenElement(static_cast<std::size_t>(mCurrent->nsNr) / 2, count));
+  mDeclarations.clear();
+  for (std::size_t i = 0; i < namespaces.size(); i += 2) {
+    mDeclarations.push_back({View(namespaces[i]), View(namespaces[i + 1])});
   }
-  if (!text.empty()) mEvents.Characters(text);
+  // libxml2 compares each attribute of a tag with each, and default ones cost the document nothing.
+  const std::size_t costOfComparing = defaulted * count / 64;
+  Enforce(mLimits.Deliver(1 + costOfComparing + Convert(attributes)));
+  mEvents.StartElement(name, mDeclarations, mAttributes);
+  mIsInTag = false;
+}
+
+void ParseState::EndElement() {
+  EndCDATASection();
+  mLimits.CloseElement();
+  mRootEnded = mLimits.OpenElements() == 0;
+  mIsInTag = true;
+  mEvents.EndElement();
+  mIsInTag = false;
+}
+
+void ParseState::Characters(std::string_view text) {
+  EndCDATASection();
+  Enforce(mLimits.Deliver(text.size()));
+  mEvents.Characters(text);
+}
+
+void ParseState::CDATA(std::string_view text, bool beginsSection) {
+  if (beginsSection) EndCDATASection();
+  if (mCDATA.Open()) mEvents.StartCDATA();
+  Enforce(mLimits.Deliver(text.size()));
+  // libxml2 lets overlong forms of characters pass here.
+  if (!utility::IsUTF8(text)) Refuse("a CDATA section is not UTF-8");
+  const std::string_view normalised = mCDATA.Normalise(text);
+  if (!normalised.empty()) mEvents.Characters(normalised);
 }
 
 void ParseState::EndCDATASection() {
-  if (!std::exchange(mInCDATA, false)) return;
-  mEndsInCR = false;
-  mEvents.EndCDATA();
+  if (mCDATA.Close()) mEvents.EndCDATA();
+}
+
+void ParseState::Comment(std::string_view text) {
+  EndCDATASection();
+  mEvents.Comment(text);
+}
+
+void ParseState::ProcessingInstruction(std::string_view target, std::string_view data) {
+  EndCDATASection();
+  mEvents.ProcessingInstruction(target, data);
+}
+
+// `entity` is null when it is not declared.
+void ParseState::ReferTo(std::string_view name, const xmlEntity* entity) {
+  Enforce(
+      mLimits.Refer(entity == nullptr ? 0 : static_cast<std::size_t>(std::max(entity->length, 0))));
+  if (entity == nullptr) return;
+  const bool isInternal = entity->etype == XML_INTERNAL_GENERAL_ENTITY ||
+                          entity->etype == XML_INTERNAL_PARAMETER_ENTITY ||
+                          entity->etype == XML_INTERNAL_PREDEFINED_ENTITY;
+  if (isInternal) return;
+  Refuse("entity '" + std::string(name) + "' is external; external entities are never read");
+}
+
+// Fatal errors stop libxml2. An undeclared entity may be a mere warning to it, as the declaration
+// could be in an external part; but its text would be lost.
+void ParseState::ReportError(void* context, const xmlError& error) {
+  const bool losesText =
+      error.code == XML_ERR_UNDECLARED_ENTITY || error.code == XML_WAR_UNDECLARED_ENTITY;
+  if (HasStopped() || (error.level != XML_ERR_FATAL && !losesText)) return;
+  Try([&] {
+    FollowInput();
+    // Bytes that failed to be converted look like the end of the document.
+    if (error.code == XML_ERR_DOCUMENT_END) CheckConversion();
+    Position position = ReadingPosition();
+    // libxml2 may have looked further ahead than it has read.
+    if (context == mContext.get() && error.line > position.mLine) {
+      position = {error.line, std::max(error.int2, 1)};
+    }
+    throw Refusal{{position, ReasonOf(error)}};
+  });
+}
+
+void ParseState::ReportStrayError(const xmlError& error) {
+  if (error.code == XML_ERR_NO_MEMORY) mHasNoMemory = true;
+  if (error.code == XML_I18N_CONV_FAILED && !HasStopped()) Try([this] { CheckConversion(); });
 }
 
 namespace {
 
+// Runs a callback's action on the state that the callback belongs to.
+template <typename Action>
+ParseState& OnState(void* context, Action action) {
+  ParseState& state = ParseState::Of(context);
+  state.Guard(context, [&] { action(state); });
+  return state;
+}
+
 void OnStartElement(void* context, const xmlChar* localName, const xmlChar* prefix,
                     const xmlChar* uri, int namespaceCount, const xmlChar** namespaces,
                     int attributeCount, int defaultedCount, const xmlChar** attributes) {
-  ParseState& state = ParseState::Of(context);
-  state.Guard(context, [&] {
-    state.EndCDATASection();
-    state.mInTag = true;
+  OnState(context, [&](ParseState& state) {
     state.StartElement({View(prefix), View(localName), View(uri)},
                        {namespaces, 2 * static_cast<std::size_t>(namespaceCount)},
                        {attributes, 5 * static_cast<std::size_t>(attributeCount)},
                        static_cast<std::size_t>(defaultedCount));
-    state.mInTag = false;
   });
 }
 
 void OnEndElement(void* context, const xmlChar* /*localName*/, const xmlChar* /*prefix*/,
                   const xmlChar* /*uri*/) {
-  ParseState& state = ParseState::Of(context);
-  state.Guard(context, [&] {
-    state.EndCDATASection();
-    state.mRootEnded = --state.mDepth == 0;
-    state.mInTag = true;
-    state.mEvents.EndElement();
-    state.mInTag = false;
-  });
+  OnState(context, [](ParseState& state) { state.EndElement(); });
 }
 
 void OnCharacters(void* context, const xmlChar* text, int length) {
-  ParseState& state = ParseState::Of(context);
-  state.Guard(context, [&] {
-    state.EndCDATASection();
-    state.Account(static_cast<std::size_t>(length));
-    if (!state.mHalted) state.mEvents.Characters(View(text, text + length));
-  });
+  OnState(context, [&](ParseState& state) { state.Characters(View(text, text + length)); });
 }
 
-// The library hands a long section over in pieces, each where it stands in the input.
+// libxml2 delivers a long section in pieces, each at its place in the input; a text elsewhere is a
+// whole section, in the text of an entity.
 bool BeginsSection(const xmlParserInput& input, const xmlChar* text) {
   constexpr std::string_view kOpening = "<![CDATA[";
   return text != input.cur || View(input.base, input.cur).ends_with(kOpening);
 }
 
 void OnCDATA(void* context, const xmlChar* text, int length) {
-  ParseState& state = ParseState::Of(context);
-  state.Guard(context, [&] {
-    if (BeginsSection(*static_cast<xmlParserCtxt*>(context)->input, text)) state.EndCDATASection();
-    if (!std::exchange(state.mInCDATA, true)) state.mEvents.StartCDATA();
-    state.CDATA(View(text, text + length));
-  });
+  const bool begins = BeginsSection(*static_cast<xmlParserCtxt*>(context)->input, text);
+  OnState(context, [&](ParseState& state) { state.CDATA(View(text, text + length), begins); });
 }
 
 void OnComment(void* context, const xmlChar* text) {
-  ParseState& state = ParseState::Of(context);
-  state.Guard(context, [&] {
-    state.EndCDATASection();
-    state.mEvents.Comment(View(text));
-  });
+  OnState(context, [&](ParseState& state) { state.Comment(View(text)); });
 }
 
 void OnProcessingInstruction(void* context, const xmlChar* target, const xmlChar* data) {
-  ParseState& state = ParseState::Of(context);
-  state.Guard(context, [&] {
-    state.EndCDATASection();
-    state.mEvents.ProcessingInstruction(View(target), View(data));
-  });
+  OnState(context,
+          [&](ParseState& state) { state.ProcessingInstruction(View(target), View(data)); });
 }
 
-// Called behind the XML declaration, from which on the encoding stays.
 void OnStartDocument(void* context) {
-  ParseState& state = ParseState::Of(context);
-  if (const xmlParserInput* input = state.Input()) {
-    state.mWindow.Restart(OffsetOf(*input), {input->line, input->col});
-    state.mHasWindow = true;
-  }
+  ParseState::Of(context).BeginDocument();
   xmlSAX2StartDocument(context);
 }
 
 void OnInternalSubset(void* context, const xmlChar* name, const xmlChar* publicID,
                       const xmlChar* systemID) {
-  ParseState& state = ParseState::Of(context);
-  state.Guard(context, [&] { state.mEvents.Doctype(); });
-  if (!state.mHalted) xmlSAX2InternalSubset(context, name, publicID, systemID);
+  const ParseState& state = OnState(context, [](ParseState& running) { running.Doctype(); });
+  if (!state.HasStopped()) xmlSAX2InternalSubset(context, name, publicID, systemID);
 }
 
 void OnAttributeDeclaration(void* context, const xmlChar* /*element*/, const xmlChar* /*name*/,
                             int /*type*/, int /*kind*/, const xmlChar* /*value*/,
                             xmlEnumerationPtr values) {
   xmlFreeEnumeration(values);
-  ParseState& state = ParseState::Of(context);
-  state.Guard(context, [&] {
-    if (++state.mDeclaredAttributes <= kMostAttributes) return;
-    state.RefuseMoreThan(kMostAttributes, "attributes are declared");
-  });
+  OnState(context, [](ParseState& state) { state.DeclareAttribute(); });
 }
 
 // Every reference to an entity comes through here, also those inside other entities.
 xmlEntityPtr FindEntity(void* context, const xmlChar* name, xmlEntityPtr entity) {
-  ParseState& state = ParseState::Of(context);
-  const bool isExternal = entity != nullptr && entity->etype != XML_INTERNAL_GENERAL_ENTITY &&
-                          entity->etype != XML_INTERNAL_PARAMETER_ENTITY &&
-                          entity->etype != XML_INTERNAL_PREDEFINED_ENTITY;
-  state.Guard(context, [&] {
-    // The text may be expanded inside an attribute, where no event tells of it until it is too
-    // late.
-    constexpr std::size_t kCostOfReference = 32;
-    const int length = entity == nullptr ? 0 : std::max(entity->length, 0);
-    state.Account(kCostOfReference + static_cast<std::size_t>(length));
-    if (isExternal) {
-      state.Refuse("entity '" + std::string(View(name)) +
-                   "' is external; external entities are never read");
-    }
-  });
-  return state.mHalted ? nullptr : entity;
+  const ParseState& state =
+      OnState(context, [&](ParseState& running) { running.ReferTo(View(name), entity); });
+  return state.HasStopped() ? nullptr : entity;
 }
 
 xmlEntityPtr OnGetEntity(void* context, const xmlChar* name) {
@@ -437,29 +453,10 @@ xmlEntityPtr OnGetParameterEntity(void* context, const xmlChar* name) {
   return FindEntity(context, name, xmlSAX2GetParameterEntity(context, name));
 }
 
-// Fatal errors stop the library by themselves. An undeclared entity may be a mere warning to it
-// (the declaration could stand in an external part), but its text would be lost.
 void OnError(void* context, xmlErrorPtr error) {
   // Without memory, a context may complain before it has been given its state.
   if (static_cast<xmlParserCtxt*>(context)->_private == nullptr) return;
-  ParseState& state = ParseState::Of(context);
-  const bool losesText =
-      error->code == XML_ERR_UNDECLARED_ENTITY || error->code == XML_WAR_UNDECLARED_ENTITY;
-  if (state.mError || (error->level != XML_ERR_FATAL && !losesText)) return;
-  try {
-    state.FollowInput();
-    if (error->code == XML_ERR_DOCUMENT_END) state.RefuseUnconverted();
-    if (state.mError) return;
-    Position position = state.ReadingPosition();
-    // The library may have counted lines further than it says that it has read.
-    if (context == state.mContext.get() && error->line > position.mLine) {
-      position = {error->line, std::max(error->int2, 1)};
-    }
-    state.mError = SyntaxError{position, state.ReasonOf(*error)};
-  } catch (...) {
-    state.mException = std::current_exception();
-  }
-  state.mHalted = true;
+  ParseState::Of(context).ReportError(context, *error);
 }
 
 xmlSAXHandler MakeHandler() {
@@ -486,7 +483,7 @@ xmlSAXHandler MakeHandler() {
 }
 
 void InitialiseLibrary() {
-  static std::once_flag once;  // the library asks for it before its first use by several threads
+  static std::once_flag once;  // libxml2 requires it before its first use by several threads
   std::call_once(once, xmlInitParser);
 }
 
@@ -502,46 +499,34 @@ ParseState::ParseState(SAXEvents& events) : mEvents(events) {
   xmlCtxtUseOptions(mContext.get(), XML_PARSE_NOENT | XML_PARSE_NONET);
 }
 
-void ParseState::CheckLimits() {
-  // The library finds a name ever more slowly among many.
-  if (xmlDictSize(mContext->dict) > static_cast<int>(kMostNames)) {
-    return RefuseMoreThan(kMostNames, "different names are used");
-  }
-  const xmlParserInput* input = Input();
-  if (input == nullptr) return;
-  // Markup is not reported before it ends.
-  const std::string_view pending = View(input->cur, input->end);
-  if (pending.size() > kMostMarkupBytes) {
-    return Refuse("a tag, a comment or other markup is longer than the limit");
-  }
-  const bool isTag = pending.starts_with('<') && !pending.starts_with("<!");
-  if (isTag && CountValues(pending) > kMostAttributes) {
-    RefuseMoreThan(kMostAttributes, "attributes are in a tag");
-  }
-}
-
-// Returns whether more is wanted.
 bool ParseState::Feed(std::string_view bytes, bool isLast) {
-  mFed += bytes.size();
-  if (mHasWindow) mWindow.DropBefore(mRead);
+  mLimits.Read(bytes.size());
+  mPlace.DropRead();
   const ErrorTrap trap(*this);
   xmlParseChunk(mContext.get(), bytes.data(), static_cast<int>(bytes.size()), isLast ? 1 : 0);
-  FollowInput();
-  if (isLast) RefuseUnconverted();
-  if (!mHalted) CheckLimits();
-  return !mHalted && mContext->wellFormed == 1;
+  if (HasStopped()) return false;
+  Try([&] {
+    FollowInput();
+    if (isLast) CheckConversion();
+    // libxml2 finds a name ever more slowly among many.
+    Enforce(DocumentLimits::CheckNames(
+        static_cast<std::size_t>(std::max(xmlDictSize(mContext->dict), 0))));
+    const xmlParserInput* input = Input();
+    if (input != nullptr) Enforce(DocumentLimits::CheckPending(View(input->cur, input->end)));
+  });
+  return !HasStopped() && mContext->wellFormed == 1;
 }
 
 std::optional<SyntaxError> ParseState::Finish(bool anyBytes) {
-  if (!mException && !mError && !anyBytes) mError = SyntaxError{{}, "the document is empty"};
-  const bool noMemory = mHasNoMemory || mContext->errNo == XML_ERR_NO_MEMORY;
-  if (!mException && !mError && mContext->wellFormed != 1) {
+  if (!HasStopped() && !anyBytes) mError = SyntaxError{{}, "the document is empty"};
+  if (!HasStopped() && mContext->wellFormed != 1) {
     mError = SyntaxError{ReadingPosition(), "the document is not well-formed"};
   }
-  if (!mException && !mError) EndCDATASection();
+  if (!HasStopped()) EndCDATASection();
+  const bool hasNoMemory = mHasNoMemory || mContext->errNo == XML_ERR_NO_MEMORY;
   mContext.reset();
-  mInner = nullptr;
-  if (noMemory) throw std::bad_alloc();  // whatever the receiver made of what was missing
+  // Lack of memory comes first: any error may be a consequence of it.
+  if (hasNoMemory) throw std::bad_alloc();
   if (mException) std::rethrow_exception(std::exchange(mException, nullptr));
   return std::move(mError);
 }
@@ -550,7 +535,7 @@ SAXDriver::SAXDriver(SAXEvents& events) : mEvents(events) {}
 
 SAXDriver::~SAXDriver() = default;
 
-// Runs `feed` over a state of its own, which goes with the parse however it ends.
+// Runs `feedAll` with a state of its own, which is destroyed however the parse ends.
 template <typename FeedAll>
 std::optional<SyntaxError> SAXDriver::Run(FeedAll feedAll) {
   mState = std::make_unique<ParseState>(mEvents);
@@ -582,9 +567,12 @@ std::optional<SyntaxError> SAXDriver::ParseStream(std::istream& stream) {
     bool wantsMore = true;
     while (wantsMore) {
       stream.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+      if (stream.bad()) {
+        state.FailToRead();
+        return true;
+      }
       const auto count = static_cast<std::size_t>(stream.gcount());
-      if (stream.bad()) state.Refuse("reading failed");
-      anyBytes = anyBytes || count > 0 || stream.bad();
+      anyBytes = anyBytes || count > 0;
       const bool isLast = count < chunk.size();
       wantsMore = anyBytes && state.Feed({chunk.data(), count}, isLast) && !isLast;
     }

@@ -11,9 +11,9 @@
 #include <zelcore/Export.h>
 #include <zelcore/xml/Position.h>
 
-// The bytes-to-events engine below every XML reader of the platform: one place where the XML
-// library is configured and where documents from strangers meet their limits. Events are UTF-8,
-// whatever the document's encoding. Hosts use Reader.h; this header is the platform's own.
+// Turns bytes into events for every XML reader of the platform: the one place where the XML library
+// is configured and where documents from strangers meet their limits. Events are UTF-8, whatever
+// the document's encoding. Hosts use Reader.h; this header is internal to the platform.
 namespace zelcore::xml {
 
 // Why a document could not be read to its end.
@@ -22,9 +22,9 @@ struct SyntaxError {
   std::string mReason;  // one line of UTF-8 text, no full stop, no line end
 };
 
-// A name with its namespace resolved. Prefixes and local names are interned: equal ones are the
-// same memory for the whole parse, so a receiver can know a name by the addresses of the two. mURI
-// is empty without a namespace; an undeclared prefix leaves it empty too.
+// A name with its namespace resolved. Prefixes and local names are interned: equal ones have the
+// same address for the whole parse, so a receiver can compare names by address. mURI is empty
+// without a namespace, and for an undeclared prefix.
 struct NameView {
   std::string_view mPrefix;
   std::string_view mLocalName;
@@ -41,8 +41,8 @@ struct NamespaceView {
   std::string_view mURI;
 };
 
-// The receiver of events. Arguments live until the callback returns, names until the parse ends. An
-// exception that leaves a callback stops the parse and leaves SAXDriver's Parse call.
+// The receiver of events. Arguments are valid until the callback returns, names until the parse
+// ends. An exception that leaves a callback stops the parse and leaves SAXDriver's Parse call.
 class SAXEvents {
  public:
   virtual ~SAXEvents() = default;
@@ -57,7 +57,7 @@ class SAXEvents {
   virtual void Doctype() {}  // a document type declaration has begun
 };
 
-// The limits that every document must keep; beyond one of them it is refused.
+// The limits for documents; a document beyond one of them is refused.
 inline constexpr std::size_t kMostOpenElements = 10'000;
 inline constexpr std::size_t kMostNames = 250'000;      // different ones, of whatever kind
 inline constexpr std::size_t kMostAttributes = 10'000;  // of a tag; declared; namespaces in force
@@ -79,14 +79,14 @@ class ZELPLATFORM_API SAXDriver {
 
   // Both read a whole document and return what stopped it, or nothing when it was well-formed to
   // its end. The encoding is the one that the XML declaration names, else that of a byte-order
-  // mark, else UTF-8; bytes that are no text in it are an error.
-  // ParseStream reads 64 KiB at a time, so that memory does not grow with the document.
+  // mark, else UTF-8; bytes that are not text in it are an error. ParseStream reads 64 KiB at a
+  // time, so that memory does not grow with the document.
   [[nodiscard]] std::optional<SyntaxError> ParseBuffer(std::string_view bytes);
   [[nodiscard]] std::optional<SyntaxError> ParseStream(std::istream& stream);
 
   // During a callback: for a start or end tag, the place of its "<"; for anything else, the place
-  // up to which the document has been read; for tags in the text of an entity, too, which is right
-  // behind the reference. Outside a parse: 1:1.
+  // up to which the document has been read. Inside the text of an entity, also for tags, that is
+  // the place after the reference. Outside a parse: 1:1.
   [[nodiscard]] Position CurrentPosition() const;
 
  private:

@@ -5,7 +5,7 @@
 namespace zelcore::xml {
 namespace {
 
-// Counts bytes in blocks whose count fits a byte, which compilers turn into vector code.
+// Counts bytes in blocks whose count fits a byte, so that compilers turn the loop into vector code.
 template <typename Predicate>
 std::int64_t CountBytes(std::string_view bytes, Predicate isCounted) {
   constexpr std::size_t kBlock = 128;
@@ -20,7 +20,7 @@ std::int64_t CountBytes(std::string_view bytes, Predicate isCounted) {
   return count;
 }
 
-// A column counts characters; continuation bytes are not their beginnings.
+// A column counts characters, so continuation bytes do not count.
 std::int64_t CountCharacters(std::string_view bytes) {
   return CountBytes(bytes,
                     [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; });
@@ -39,7 +39,7 @@ std::size_t TextWindow::Index(std::size_t offset) const {
 }
 
 Position TextWindow::At(std::size_t offset) const {
-  const Mark& from = mLast.mOffset <= offset ? mLast : mBegin;
+  const Mark& from = mLast.mOffset <= offset ? mLast : mBegin;  // mLast is in the window
   const std::size_t begin = Index(from.mOffset);
   const auto passed = std::string_view(mText).substr(begin, Index(offset) - begin);
   Position position = from.mPosition;
@@ -58,7 +58,7 @@ void TextWindow::DropBefore(std::size_t offset) {
   const std::size_t index = Index(offset);
   mBegin = {mBegin.mOffset + (index - mIndex), At(offset)};
   mIndex = index;
-  // Moved only when it halves the text, so that many small steps through a long one stay linear.
+  // The text is moved only when that halves it, so many small steps through a long one stay linear.
   if (mIndex < mText.size() / 2) return;
   mText.erase(0, mIndex);
   mIndex = 0;

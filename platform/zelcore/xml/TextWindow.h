@@ -8,14 +8,14 @@
 
 namespace zelcore::xml {
 
-// The part of a UTF-8 document that has been read but not yet been left behind, with the place of
-// its beginning: tells the line and column of any byte in it. Offsets count the document's bytes.
+// A part of a UTF-8 document with the place of its beginning, which gives the line and column of
+// any byte in it. Offsets count the document's bytes.
 class TextWindow {
  public:
-  // Forgets everything; what follows begins at `offset`, whose place is given.
+  // Forgets everything and begins again, empty, at `offset`, whose place is given.
   void Restart(std::size_t offset, Position position);
 
-  // Where the next byte belongs.
+  // The offset of the next byte to append.
   std::size_t End() const { return mBegin.mOffset + (mText.size() - mIndex); }
 
   // Adds the bytes that follow.
@@ -24,10 +24,10 @@ class TextWindow {
   // Forgets everything before `offset`.
   void DropBefore(std::size_t offset);
 
-  // The place of the byte at `offset`, which lies in the window or just behind it.
+  // The place of the byte at `offset`, which is in the window or at its end.
   Position At(std::size_t offset) const;
 
-  // The offset of the last "<" in front of `offset`; `offset` itself when there is none.
+  // The offset of the last "<" before `offset`; `offset` itself when there is none.
   std::size_t LastTagBefore(std::size_t offset) const;
 
  private:
@@ -39,11 +39,10 @@ class TextWindow {
 
   std::size_t Index(std::size_t offset) const;
 
-  std::string mText;       // bytes left behind, then the window
+  std::string mText;       // bytes dropped already, then the window
   std::size_t mIndex = 0;  // of the window's first byte
   Mark mBegin;             // the window's first byte
-  // What was asked for last, never before mBegin: the next question is mostly a little further on.
-  mutable Mark mLast;
+  mutable Mark mLast;      // the last result of At; the next is usually a little further on
 };
 
 }  // namespace zelcore::xml
