@@ -82,6 +82,7 @@ TEST_F(DataModelTest, RefusesAndStaysAsItWas) {
       new => x => unknown => 103 ...bits ;; seq[2] => x => => 104 ...has 1 items
       new[1] => x => => 102 ..."new" is absent ;; text/?rdf:datatype => x => => 102 ...only be read
       new/?s:q => x => => 102 ...absent, so it cannot be qualified ;; text => ab\xC3( => => 205 ...byte 3
+      text/?xml:lang => en => uri => 103 ...plain text
       text/?xml:lang => null => struct => 103 ...plain text ;; text => a\x01 => => 205 ...byte 2\s
       typed => x => uri => 103 ...rdf:datatype ;; text => \xED\xA0\x80 => => 205 ...not UTF-8
       text => \xEF\xBF\xBE => => 205 ...XML cannot represent ;; text => a\x00b => => 205 ...byte 2)")) {

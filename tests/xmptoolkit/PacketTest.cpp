@@ -126,6 +126,12 @@ TEST_F(PacketTest, EncodingsAreFoundAndRead) {
     const std::string packet = Write(encoding, static_cast<XMP_StringLen>(100 * unit));
     EXPECT_EQ(Write(encoding), Write(encoding, 2048));
     EXPECT_EQ(Write(encoding | kXMP_ExactPacketLength, Size(packet)), packet);
+    if (unit > 1) {
+      ExpectError([&] { Write(rows[1].mEncoding | kXMP_ExactPacketLength, 9999); }, "110 ");
+      std::string quoted = packet;
+      for (int i = 0; i < 2; ++i) quoted.replace(quoted.find(widen("\"")), unit, widen("'"));
+      expectFound("", quoted.size(), quoted, true);
+    }
     for (const std::string& junk : {std::string(), mark, std::string("junk"), widen(declaration),
                                     std::string("\0<\0\xFF\n", 5), std::string("odd\0", 4)}) {
       // The last could be a trailer in two bytes, but begins where no character of the packet does.
@@ -191,7 +197,7 @@ TEST_F(PacketTest, BrokenEncodingsAreRefusedWithTheirPlace) {
     ExpectError([&] { Parse(broken); }, "205 7:14: ");
   }
   const std::string wide = Write(kXMP_EncodeUTF32Little | kXMP_OmitPacketWrapper);
-  for (const Row& end : Rows(R"(\x00\x00\x11\x00 ;; \x00\xD8\x00\x00 ;; a)")) {
+  for (const Row& end : Rows(R"(\x00\x00\x11\x00 ;; \x00\xD8\x00\x00\x00\xDC\x00\x00 ;; a)")) {
     ExpectError([&] { Parse(wide + end[0]); }, "205 15:1: ");
   }
 }

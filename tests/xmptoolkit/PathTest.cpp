@@ -42,11 +42,12 @@ TEST_F(PathTest, RefusesWhatIsNotAPathOrDoesNotFit) {
       null => 102 ...null ;; => 102 ...begin with a property name ;; q: => 102 ...begin with
       q:a:b => 102 ...begin with ;; /simple => 102 ...begin with ;; \xFF => 102 ...begin with
       s:simple => 102 ...does not belong to the schema ;; unknown:simple => 101 ..."unknown"
-      seq[ => 102 ...not closed ;; seq[] => 102 ..."" ;; seq[0] => 102 ..."0"
+      seq[ => 102 ...not closed ;; seq[] => 102 ..."" ;; seq[1x] => 102 ..."1x" ;; seq[0] => 102 ..."0"
       seq[+1] => 102 ..."+1" ;; seq[2147483648] => 102 ..."2147483648" ;; seq[last] => 102 ..."last"
       seq[?xml:lang="en"] => 102 ...?xml:lang ;; seq[1]x => 102 ...followed by
       seq[1]//s:f => 102 ...not a name ;; seq[1]/f => 102 ...needs its prefix
-      simple/rdf:value => 102 ...cannot be metadata ;; seq/s:f => 102 ..."seq" is not a struct
+      simple/rdf:value => 102 ...cannot be metadata ;; q\x01 => 102 ..."q?"
+      simple/rdf:datatype => 102 ...cannot be metadata ;; seq/s:f => 102 ..."seq" is not a struct
       qualified/?xml:space => 102 ...cannot be metadata ;; simple[1] => 102 ..."simple" is not an array
       qualified/?xml:lang/?s:a => 102 ...has no parts ;; simple/s:f => 102 ..."simple" is not a struct
       seq[1]/s:f/s:g => 102 ..."seq[1]" is not a struct ;; simple$deep => 102 ...more than 100 steps)");

@@ -5,7 +5,7 @@ namespace {
 using namespace xmptest;
 
 // A tree, and spellings of it; a row without a tree has more spellings of the one above. In the
-// last five a language on an element that is not a property belongs to the properties directly
+// last six a language on an element that is not a property belongs to the properties directly
 // within.
 constexpr const char* kForms = R"(
   {} => <!--empty-->
@@ -54,6 +54,8 @@ constexpr const char* kForms = R"(
       => <q:a><rdf:Description xml:lang='en' s:f='1'><s:g rdf:resource='u'/></rdf:Description></q:a>
   {q:a='v'/xml:lang='en'/s:q='w'/xml:lang='fr'}
       => <q:a xml:lang='fr' RES><rdf:value xml:lang='en'>v</rdf:value><s:q>w</s:q></q:a>
+  {q:a='v'/xml:lang='fr'/s:u=<u>}
+      => <q:a xml:lang='en' RES><rdf:value xml:lang='fr'>v</rdf:value><s:u rdf:resource='u'/></q:a>
   {q:a=bag(<u>/xml:lang='fr'/s:q='w' <v>)}
       => <q:a><rdf:Bag xml:lang='fr'><LI resource='u' s:q='w'/><LI resource='v'/></rdf:Bag></q:a>
   {q:a='v'/xml:lang='fr'/s:q='w'/xml:lang='de'/s:r='t'/xml:lang='en'/s:u=<u>/xml:lang='en'/s:r='t'}
@@ -81,11 +83,14 @@ TEST(ReaderTest, MergesDescriptionsOfOneSubject) {
       {q:a='1' rdf:type=<u> q:b='2'} => <D rdf:about='' q:a='1' rdf:type='u'><q:b>2</q:b></D>
       {q:a='1' q:b='2'} => <D about='x' q:a='1'/> <D rdf:about='x'><q:b>2</q:b></D>
       {q:a='1' q:b='2'} => <D rdf:about='' q:a='1'/><D q:b='2'/>
-      {q:a='1'/xml:lang='en' q:b='2'} => <D xml:lang='en' q:a='1'/><D q:b='2'/>)")) {
+      {q:a='1'/xml:lang='en' rdf:type=<u> q:b='2'} => <D xml:lang='en' q:a='1' rdf:type='u'/><D q:b='2'/>)")) {
     const std::string body =
         Replaced(row[1], Rows("<D => <rdf:Description ;; /D => /rdf:Description"));
     EXPECT_EQ(Show(Parse(RDF(body))), row[0]) << body;
   }
+  const std::string packet = RDF("<rdf:Description q:a='1'/>");
+  EXPECT_EQ(Show(Parse(Replaced(packet, {{"<rdf:RDF", "<rdf:RDF xml:lang='en'"}}))),
+            "{q:a='1'/xml:lang='en'}");
 }
 
 // The first property is at 3:1.
@@ -108,7 +113,7 @@ constexpr const char* kRefused = R"(
   <q:a rdf:resource='u' rdf:value='v'/> => 202 3:1: ...both rdf:resource and rdf:value
   <q:a rdf:datatype='u'><q:T/></q:a> => 202 3:23: ...rdf:datatype ;; <q:a>\x01</q:a> => 201 3:
   <q:a rdf:parseType='Literal'><b/></q:a> => 202 3:1: ..."Literal"
-  <q:a RES q:b='1'/> => 202 3:1: ...rdf:parseType and another
+  <q:a RES q:b='1'/> => 202 3:1: ...rdf:parseType and another ;; <q:a RES rdf:datatype='u'/> => 202 3:1: ...another
   <q:a rdf:resource='u' resource='v'/> => 202 3:1: ...twice
   <q:a rdf:nodeID='i'/> => 202 3:1: ...rdf:nodeID ;; <q:1a/> => 201 3:1: ...q:1a is not a name
   <q:a><rdf:Description rdf:about='x'/></q:a> => 202 3:6: ...rdf:about
@@ -155,6 +160,8 @@ TEST(ReaderTest, RefusesOtherFrames) {
       203 3:1:\s => $open$D rdf:about='a'/>\n$D/></rdf:RDF>
       203 1:1: the packet has no trailer => $begin$xmp
       203 3:11: the trailer has neither => \n $begin$xmp<?xpacket end='x'?>
+      203 2:11: the trailer has neither => $begin$xmp<?xpacket end='w"?>
+      202 3:1:\s => garbage $begin\n$open<rdf:Bag/></rdf:RDF>$end ;; 203 2:24: an xpacket => $begin$xmp<?xpacket x?>$end
       203 2:11: the trailer has no end => $begin$xmp<?xpacket end='w'
       203 2:80: an xpacket instruction => $begin$xmp$end$begin$xmp$end
       203 1:22: an xpacket instruction without a header => <?xpacket  begin=''?>$xmp$end
@@ -189,6 +196,9 @@ TEST(ReaderTest, NestsToTheLimitAndNoFurther) {
       ExpectError([&] { Parse(nested(tooMany)); }, "203 3:...deeper than 100");
     }
   }
+  ExpectError(
+      [] { Parse(Described(Repeated("<q:a RES>", kXMP_MaxNesting - 1) + "<q:leaf s:f='1'/>")); },
+      "203 3:...deeper than 100");
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ using xmptoolkit::Equality;
 // A packet as strangers write them, with everything that has to survive.
 constexpr std::string_view kForeign = R"(<?xpacket begin='' id='W5M0MpCehiHzreSzNTczkc9d'?>
 <!--before-->
-<m:xmpmeta xmlns:m='adobe:ns:meta/' m:xmptk='Tool &lt;1&gt;' xmlns:v='urn:v' v:extra='1' v:e='' plain='2'>
+<m:xmpmeta xmlns:m='adobe:ns:meta/' m:xmptk='Tool &lt;1&gt;' xmlns:v='urn:v' v:extra='1' v:e='' plain='2' xml:lang='en'>
 <!--in meta-->
 <rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns:q='urn:q#'
 xmlns:mine='urn:s#'>
@@ -20,12 +20,13 @@ xmlns:mine='urn:s#'>
 <q:list><!--list--><rdf:Alt><!--item--><rdf:li xml:lang='x-default'>x</rdf:li><!--last--></rdf:Alt>
 </q:list>
 <q:struct rdf:parseType='Resource'><!--field--><mine:f>1</mine:f><!--end of struct--></q:struct>
-<q:odd rdf:parseType='Resource'><rdf:value xml:lang='de'>v</rdf:value><!--qualifier-->
+<q:odd rdf:parseType='Resource'><!--value--><rdf:value xml:lang='de'>v</rdf:value><!--qualifier-->
 <mine:q>w</mine:q></q:odd>
-<q:link rdf:resource='http://x.example/' mine:q='w'/><!--end of first-->
+<q:bag rdf:parseType='Resource'><rdf:value><rdf:Bag><!--in value--></rdf:Bag></rdf:value><mine:q/>
+</q:bag><q:link rdf:resource='http://x.example/' mine:q='w'/><!--end of first-->
 </rdf:Description><!--between-->
 <rdf:Description rdf:about='uuid:1'><q:more/><!--end--></rdf:Description><!--after--></rdf:RDF>
-<!--after RDF--></m:xmpmeta><?keep this?>
+<!--after RDF--></m:xmpmeta><?keep this?><?too?>
 <?xpacket end='w'?>)";
 
 TEST(RoundTripTest, ForeignPacketsKeepEverything) {
@@ -34,15 +35,15 @@ TEST(RoundTripTest, ForeignPacketsKeepEverything) {
   ExpectReadsAs(packet, Meta(meta));
   std::size_t at = 0;
   for (const Row& row : Rows(R"(
-      <!--before--> ;; x:xmptk="Tool &lt;1>" xmlns:v="urn:v" v:extra="1" v:e="" plain="2"
+      <!--before--> ;; x:xmptk="Tool &lt;1>" xmlns:v="urn:v" v:extra="1" v:e="" plain="2" xml:lang="en"
       <!--in meta--> ;; <!--in RDF--> ;; rdf:about="uuid:1" ;; xmlns:mine="urn:s#"
       <q:attribute>a\nb< ;; <!--first--> ;; <!--inside--> ;; <q:text>ab</q:text>
       <!--list--> ;; <q:list> ;; <!--item--> ;; <!--last--> ;; </rdf:Alt>
-      <!--field--> ;; <!--end of struct--> ;; </q:struct>
+      <!--field--> ;; <!--end of struct--> ;; </q:struct> ;; <!--value-->
       <rdf:value xml:lang="de"> ;; <!--qualifier-->
-      <q:link rdf:resource="http://x.example/" mine:q="w"/> ;; <!--end of first-->
+      <!--in value--> ;; <q:link rdf:resource="http://x.example/" mine:q="w"/> ;; <!--end of first-->
       <!--between--> ;; <q:more/> ;; <!--end--> ;; </rdf:Description> ;; <!--after-->
-      <!--after RDF--> ;; </x:xmpmeta> ;; <?keep this?>)")) {
+      <!--after RDF--> ;; </x:xmpmeta> ;; <?keep this?> ;; <?too?>)")) {
     const std::size_t found = packet.find(row[0], at);
     ASSERT_NE(found, std::string::npos) << row[0] << " is missing or misplaced in\n" << packet;
     at = found + 1;

@@ -262,7 +262,6 @@ TEST(ReaderErrors, NameThePlace) {  // line, and what was reported before, unles
       <r>\n&#xD800;</r> => 2 => <r>'\n' ;; <r>\n\x01</r> => 2 => ? ;; <r>\n\xC3(</r> => 2 => ? ;; <r>\n]]></r> => 2 => ?
       <r>\n<![CDATA[\xC1\x81]]></r> => 2 => <r>'\n'[ ;; <r>\n<!-- -- --></r> => 2 => ? ;; \s<?xml version='1.0'?><r/> => 1 ;; => 1 ;; \s => 1 ;; \n\s => ?
       <?xml version='1.0' encoding='klingon'?><r/> => 1 ;; <?xml version='1.0' encoding='US-ASCII'?>\n<r>\xE9</r> => 2 => ?
-      <?xml version='1.0' encoding='windows-1252'?>\n<r>\n<b/>\x81$long</r> => 3:5: bytes that are not text in the document encoding => ?
       <?xml version='1.0' encoding='windows-1252'?>\n<r>\n<b/>\x81</r> => 3:5: bytes that are not text in the document encoding => ?
       <?xml version='1.0' encoding='US-ASCII'?>\n<r/>\n\xE9 => 3:1: bytes that are not text in the document encoding => <r></r>
       <?xml version='1.0' encoding='UTF-8'?>\n<r>\xE9</r> => 2 => ? ;; <?xml version='1.0' encoding='Shift_JIS'?><r>\x83 => 1:46: bytes that are not text in the document encoding => ?
@@ -272,9 +271,8 @@ TEST(ReaderErrors, NameThePlace) {  // line, and what was reported before, unles
       <!DOCTYPE r SYSTEM 'file:///dev/zero'>\n<r>&e;</r> => 2 => <r>
       <!DOCTYPE r SYSTEM 'http://localhost/x'>\n<r a='&e;'/> => 2 => ?
       <!DOCTYPE r [<!ENTITY a '&b;'><!ENTITY b '&a;'>]>\n<r>&a;</r> => 2 => <r>
-      <!DOCTYPE r [<!ENTITY a '</r>'>]>\n<r>&a; => 2 => <r>)")) {
-    const std::string document = Replaced(row[0], {{"$long", std::string(100'000, ' ')}});
-    const auto [events, places, error] = ParseAll(document);
+      <!DOCTYPE r [<!ENTITY a '&#10;&#10;&#10;</r>'>]>\n<r>&a; => 2:7 => <r>'\n\n\n')")) {
+    const auto [events, places, error] = ParseAll(row[0]);
     EXPECT_THAT(error, StartsWith(row[1] == "?" ? "s:" : "s:" + row[1] + ":")) << row[0];
     EXPECT_TRUE(row[2] == "?" || events == "^" + row[2] + "$" + error) << row[0] << events;
   }
