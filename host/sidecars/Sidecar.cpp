@@ -10,36 +10,8 @@
 
 #include <xmptoolkit/XMPTree.h>
 
-#include "LowerCase.h"
-
 namespace zelstoryhost {
 namespace {
-
-constexpr std::size_t npos = std::string_view::npos;
-
-// Changes ASCII in an XML declaration before the packet to UTF-8, since the new packet may not be
-// ASCII. Nothing after the declaration moves.
-void CorrectDeclaration(std::string& front) {
-  constexpr std::string_view kName = "UTF-8";
-  const std::string_view declaration = std::string_view(front).substr(0, front.find("?>"));
-  const std::string_view start =
-      declaration.substr(declaration.starts_with("\xEF\xBB\xBF") ? 3 : 0);
-  if (!start.starts_with("<?xml") || start.find_first_of(" \t\n\r") != 5) return;
-  const std::size_t key = declaration.find("encoding");
-  const std::size_t open = key == npos ? npos : declaration.find_first_of("\"'", key);
-  const std::size_t close = open == npos ? npos : declaration.find(declaration[open], open + 1);
-  if (close == npos) return;
-  const std::string name = LowerCase(std::string(declaration.substr(open + 1, close - open - 1)));
-  if (name != "us-ascii" && name != "ascii") return;
-  const std::string blanks(name.size() - kName.size(), ' ');
-  front.replace(open + 1, name.size() + 1, std::string(kName) + front[open] + blanks);
-}
-
-// The size of a line feed, in bytes.
-std::size_t CharacterSize(XMP_OptionBits encoding) {
-  if (encoding == kXMP_EncodeUTF8) return 1;
-  return encoding == kXMP_EncodeUTF16Big || encoding == kXMP_EncodeUTF16Little ? 2 : 4;
-}
 
 // Removes a number from the start of a text and returns it; nothing if there is none.
 std::optional<std::int64_t> TakeNumber(std::string_view& text) {
@@ -83,7 +55,7 @@ Sidecar::Sidecar(std::string name, std::optional<std::string> bytes, bool isCrea
   try {
     const auto size = static_cast<XMP_StringLen>(mBytes->size());
     mMetadata.ParseFromBuffer(mBytes->data(), size);
-    mPacket = TXMPUtils::LocatePacket(mBytes->data(), size);
+    mIsReadOnlyPacket = TXMPUtils::LocatePacket(mBytes->data(), size).mIsReadOnly;
   } catch (const XMP_Error& error) {
     throw PacketError(mFile, error);
   }
@@ -99,52 +71,24 @@ void Sidecar::RefuseReadOnly() const {
   if (mIsFile && IsWriteProtected(mFile)) {
     throw Error(mFile, "the file has no write permission", ErrorKind::kWriteProtected);
   }
-  if (mPacket.mIsReadOnly) {
+  if (mIsReadOnlyPacket) {
     throw Error(mFile, "the packet is marked read-only", ErrorKind::kReadOnlyPacket);
   }
-}
-
-std::string Sidecar::NewPacket() const {
-  try {
-    return Serialized();
-  } catch (const XMP_Error& error) {
-    throw Error(mFile, error.GetErrMsg());
-  }
-}
-
-std::string Sidecar::Serialized() const {
-  std::string packet;
-  if (!mBytes) {
-    mMetadata.SerializeToBuffer(&packet);
-    return packet;
-  }
-  if (!mPacket.mHasWrapper) {
-    mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding | kXMP_OmitPacketWrapper);
-    // Without its last line end: the white space after the old packet stays.
-    packet.erase(packet.size() - CharacterSize(mPacket.mEncoding));
-    return packet;
-  }
-  if (mPacket.mIsReadOnly) {
-    mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding | kXMP_ReadOnlyPacket);
-    return packet;
-  }
-  try {
-    mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding | kXMP_ExactPacketLength,
-                                static_cast<XMP_StringLen>(mPacket.mLength));
-  } catch (const XMP_Error& error) {
-    if (error.GetID() != kXMPErr_NoRoom) throw;
-    mMetadata.SerializeToBuffer(&packet, mPacket.mEncoding);
-  }
-  return packet;
 }
 
 std::string Sidecar::NewBytes() const {
   if (!IsChanged()) return mBytes.value_or("");
   std::string bytes;
-  if (mBytes) bytes = mBytes->substr(0, mPacket.mOffset);
-  CorrectDeclaration(bytes);
-  bytes += NewPacket();
-  if (mBytes) bytes += std::string_view(*mBytes).substr(mPacket.mOffset + mPacket.mLength);
+  try {
+    if (mBytes) {
+      const auto size = static_cast<XMP_StringLen>(mBytes->size());
+      TXMPUtils::ReplacePacket(mBytes->data(), size, mMetadata, &bytes);
+    } else {
+      mMetadata.SerializeToBuffer(&bytes);
+    }
+  } catch (const XMP_Error& error) {
+    throw Error(mFile, error.GetErrMsg());
+  }
   RefuseUnlessReadable(bytes);
   return bytes;
 }

@@ -47,15 +47,13 @@ class ZELSTORYHOST_API Sidecar {
  private:
   Sidecar(std::string name, std::optional<std::string> bytes, bool isCreated);
 
-  std::string NewPacket() const;  // throws Error
-  std::string Serialized() const;
   void RefuseUnlessReadable(const std::string& bytes) const;
 
   std::string mFile;
   bool mIsFile = false;               // rather than bytes from elsewhere
   bool mIsCreated;                    // when absent
   std::optional<std::string> mBytes;  // of the file as it was; none when it was absent
-  XMP_PacketInfo mPacket;             // where the packet lies in them
+  bool mIsReadOnlyPacket = false;
   TXMPMeta<std::string> mMetadata;
   TXMPMeta<std::string> mBefore;
 };

@@ -41,7 +41,7 @@ TEST(Hostile, DocumentsWithoutEndAreRefusedSoon) {
   for (const Row& row : Rows(R"(
       <a b=' => x => limit ;; <a\s => b#='' => 10000 attributes ;; <a xmlns:x=' => u => limit ;; <!-- => - x => limit
       <a><![CDATA[ => x => limit ;; <?p\s => x => limit ;; <!DOCTYPE => \sx => . ;; <a>& => x => .
-      <?xml version='1.0' encoding='windows-1252'?><a>\x81 => x => no text in the document encoding
+      <?xml version='1.0' encoding='windows-1252'?><a>\x81 => x => not text in the document encoding
       => <u> => 10000 elements are open ;; < => x => limit ;; <a> => <n#/> => 250000 different names ;; <!DOCTYPE a [ => <!ENTITY e# 'x'> => .
       <!DOCTYPE a [<!ENTITY e ' => x => limit ;; <!DOCTYPE a [<!ENTITY e 'xxxxxxxxxxxxxxxxxxxxxxxxxxxx'>]><a> => &e; => .)")) {
     Endless bytes(row[0], row[1]);

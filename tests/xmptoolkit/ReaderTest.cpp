@@ -147,7 +147,7 @@ TEST(ReaderTest, RefusesOtherFrames) {
   for (const Row& row : Rows(R"(
       none => <?xml-stylesheet encoding='latin1'?>$xmp ;; 201 1:1: the buffer is empty => ;; 201 1:1:\s => no XML ;; 201 2: => $xmp$xmp
       202 1:1: the root element is Ā => <\x00\x00\x01/\x00>\x00
-      203 2:...q:a is there already => $open$D q:a='1'/>$D q:a='2'/></rdf:RDF>
+      203 2:...a second property q:a => $open$D q:a='1'/>$D q:a='2'/></rdf:RDF>
       202 1:1: the root element is q:a => <q:a xmlns:q='urn:q#'/> ;; 201 1: => $xml'UTF-8' ?$xmp
       201 1:1: the prefix of rdf:RDF is not declared => <rdf:RDF/>
       202 1:37: x:xmpmeta holds no rdf:RDF => $meta</x:xmpmeta> ;; 201 1:31:\s => $xml'UTF-16'?>$xmp
