@@ -9,6 +9,7 @@
 #include <zelstoryhost/RunningTime.h>
 #include <zelstoryhost/SceneFacts.h>
 #include <zelstoryhost/SceneFinder.h>
+#include <zelstoryhost/ShotPackets.h>
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/SidecarEdit.h>
 #include <zelstoryhost/SidecarName.h>

@@ -1,20 +1,8 @@
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
-#include <optional>
-#include <set>
-#include <string_view>
-#include <utility>
 #include <vector>
 
-#include <zelstoryhost/Error.h>
-#include <zelstoryhost/Files.h>
-#include <zelstoryhost/Story.h>
-#include <zelstoryhost/Text.h>
-
-#include <xmptoolkit/XMPTree.h>
-#include <zelmetadata/Path.h>
-#include <zelstoryparser/SceneXMP.h>
+#include <zelstoryhost/ShotPackets.h>
 
 #include "commands/Commands.h"
 #include "terminal/Batch.h"
@@ -22,56 +10,9 @@
 #include "terminal/Input.h"
 
 namespace zelstory {
-
-using zelstoryhost::BodyScenes;
-using zelstoryhost::Error;
-using zelstoryhost::ReadFile;
-using zelstoryhost::ReplaceFile;
-using zelstoryhost::ToUTF8;
-
 namespace {
 
 namespace fs = std::filesystem;
-
-// File names come from the position, never from a document's text.
-std::string PacketName(std::size_t position) {
-  char name[40];
-  std::snprintf(name, sizeof name, "scene_%04zu.xmp", position);
-  return name;
-}
-
-// Returns whether the folder was created.
-bool MakeFolder(const fs::path& folder) {
-  std::error_code error;
-  const bool isNew = fs::create_directories(folder, error);
-  if (error || !fs::is_directory(folder)) {
-    throw Error(folder.string(), "is not a folder and cannot be created" +
-                                     (error ? ": " + error.message() : std::string()));
-  }
-  return isNew;
-}
-
-// Whether a file is a packet that holds a shot's properties and no others, as this command writes.
-bool IsShotPacket(const fs::path& file) {
-  constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
-  constexpr const char* kMedia = zelmetadata::kDynamicMediaSchemaURI;
-  static const std::set<std::pair<std::string_view, std::string_view>> kProperties{
-      {kScript, "sceneSetting"}, {kMedia, "shotLocation"}, {kScript, "sceneTimeOfDay"},
-      {kScript, "action"},       {kMedia, "shotName"},     {kScript, "dialogSequence"},
-      {kMedia, "scene"},         {kMedia, "duration"}};
-  const std::string bytes = ReadFile(file).value_or("");
-  try {
-    const TXMPMeta<std::string> packet(bytes.data(), static_cast<XMP_StringLen>(bytes.size()));
-    const xmptoolkit::TreeNode root = xmptoolkit::RootOf(packet);
-    for (std::size_t i = 0; i < root.ChildCount(); ++i) {
-      const xmptoolkit::TreeNode property = root.Child(i);
-      if (!kProperties.contains({property.NamespaceURI(), property.LocalName()})) return false;
-    }
-    return packet.DoesPropertyExist(kMedia, "scene");
-  } catch (const XMP_Error&) {
-    return false;
-  }
-}
 
 struct ShotOptions {
   std::vector<std::string> mStories;
@@ -79,66 +20,14 @@ struct ShotOptions {
   bool mForce = false;
 };
 
-// Writes the shots of one story into a folder.
-class Shots {
- public:
-  Shots(const std::string& file, fs::path folder) : mFile(file), mFolder(std::move(folder)) {}
-
-  // Checks every file that would be replaced before any is replaced.
-  void RefuseForeignFiles() const {
-    ForEach([](const fs::path& packet, std::size_t, const auto& shot) {
-      if (!fs::exists(packet) || IsShotPacket(packet) || !shot()) return;
-      throw Error(packet.string(), "is not a shot's packet; --force replaces it anyway");
-    });
-  }
-
-  void Write(const std::string& label) const {
-    ForEach([&](const fs::path& packet, std::size_t position, const auto& shot) {
-      const std::optional<zelstoryparser::ShotXMP> made = shot();
-      if (!made) return;
-      if (IsStoryItself(mFile, packet)) {
-        throw Error(packet.string(), "is the story itself: name another folder after --out");
-      }
-      ReplaceFile(packet, made->mXMPPacket);
-      PrintLine(label + std::to_string(position) + '\t' + ToUTF8(made->mShotID) + '\t' +
-                packet.string());
-    });
-  }
-
- private:
-  // Calls work(file, position, shot) for each scene; shot() makes its packet, if it has one.
-  template <typename Work>
-  void ForEach(Work work) const {
-    std::size_t position = 0;
-    for (const auto& scene : BodyScenes(*mStory)) {
-      ++position;
-      work(mFolder / PacketName(position), position,
-           [&]() -> std::optional<zelstoryparser::ShotXMP> {
-             std::vector<zelstoryparser::ShotXMP> shots;
-             zelstoryparser::GetSceneXMP(mStory, scene, static_cast<std::int32_t>(position), shots);
-             if (shots.empty()) return std::nullopt;
-             return std::move(shots.front());
-           });
-    }
-  }
-
-  const std::string& mFile;
-  const fs::path mFolder;
-  const boost::intrusive_ptr<zelstoryparser::TavroStory> mStory = LoadStory(mFile);
-};
-
-void WriteShots(const std::string& file, const fs::path& folder, const std::string& label,
+void WriteShots(const std::string& story, const fs::path& folder, const std::string& label,
                 bool force) {
-  const Shots shots(file, folder);
-  const bool isNew = MakeFolder(folder);
-  try {
-    if (!force) shots.RefuseForeignFiles();
-    shots.Write(label);
-  } catch (...) {
-    std::error_code isFilled;  // a folder with files in it stays
-    if (isNew) fs::remove(folder, isFilled);
-    throw;
-  }
+  const auto isStory = [&story](const fs::path& file) { return IsStoryItself(story, file); };
+  const auto print = [&label](const zelstoryhost::ShotPacket& packet) {
+    PrintLine(label + std::to_string(packet.mPosition) + '\t' + packet.mShotID + '\t' +
+              packet.mFile.string());
+  };
+  zelstoryhost::WriteShotPackets(LoadStory(story), folder, {force, isStory, print});
 }
 
 // Several stories get one folder each, named after the story.

@@ -102,6 +102,7 @@ std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error
     case ErrorKind::kOther:
       return text;
     case ErrorKind::kWriteProtected:
+    case ErrorKind::kForeignFile:
       return text + "; --force replaces it anyway";
     case ErrorKind::kReadOnlyPacket:
       return text + "; --force changes it anyway";

@@ -1,0 +1,129 @@
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <zelstoryhost/Error.h>
+#include <zelstoryhost/Files.h>
+#include <zelstoryhost/ShotPackets.h>
+#include <zelstoryhost/Story.h>
+#include <zelstoryhost/Text.h>
+
+#include <xmptoolkit/XMPTree.h>
+#include <zelmetadata/Path.h>
+#include <zelstoryparser/SceneXMP.h>
+
+namespace zelstoryhost {
+namespace {
+
+namespace fs = std::filesystem;
+
+using zelstoryparser::Scene;
+using zelstoryparser::ShotXMP;
+using zelstoryparser::TavroStory;
+
+// File names come from the position, never from a document's text.
+std::string PacketName(std::size_t position) {
+  char name[40];
+  std::snprintf(name, sizeof name, "scene_%04zu.xmp", position);
+  return name;
+}
+
+// Returns whether the folder was created.
+bool MakeFolder(const fs::path& folder) {
+  std::error_code error;
+  const bool isNew = fs::create_directories(folder, error);
+  if (error || !fs::is_directory(folder)) {
+    throw Error(folder.string(), "is not a folder and cannot be created" +
+                                     (error ? ": " + error.message() : std::string()));
+  }
+  return isNew;
+}
+
+// Whether a file is a packet that holds a shot's properties and no others, as is written here.
+bool IsShotPacket(const fs::path& file) {
+  constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
+  constexpr const char* kMedia = zelmetadata::kDynamicMediaSchemaURI;
+  static const std::set<std::pair<std::string_view, std::string_view>> kProperties{
+      {kScript, "sceneSetting"}, {kMedia, "shotLocation"}, {kScript, "sceneTimeOfDay"},
+      {kScript, "action"},       {kMedia, "shotName"},     {kScript, "dialogSequence"},
+      {kMedia, "scene"},         {kMedia, "duration"}};
+  const std::string bytes = ReadFile(file).value_or("");
+  try {
+    const TXMPMeta<std::string> packet(bytes.data(), static_cast<XMP_StringLen>(bytes.size()));
+    const xmptoolkit::TreeNode root = xmptoolkit::RootOf(packet);
+    for (std::size_t i = 0; i < root.ChildCount(); ++i) {
+      const xmptoolkit::TreeNode property = root.Child(i);
+      if (!kProperties.contains({property.NamespaceURI(), property.LocalName()})) return false;
+    }
+    return packet.DoesPropertyExist(kMedia, "scene");
+  } catch (const XMP_Error&) {
+    return false;
+  }
+}
+
+class ShotWriter {
+ public:
+  ShotWriter(const boost::intrusive_ptr<TavroStory>& story, const fs::path& folder)
+      : mStory(story), mFolder(folder), mScenes(BodyScenes(*story)) {}
+
+  // Checks every file that would be replaced before any is replaced.
+  void RefuseForeignFiles() const {
+    for (std::size_t position = 1; position <= mScenes.size(); ++position) {
+      const fs::path file = FileAt(position);
+      if (!fs::exists(file) || IsShotPacket(file) || !ShotAt(position)) continue;
+      throw Error(file.string(), "is not a shot's packet", ErrorKind::kForeignFile);
+    }
+  }
+
+  void Write(const ShotSettings& settings) const {
+    for (std::size_t position = 1; position <= mScenes.size(); ++position) {
+      const std::optional<ShotXMP> shot = ShotAt(position);
+      if (!shot) continue;
+      const fs::path file = FileAt(position);
+      if (settings.mIsStory && settings.mIsStory(file)) {
+        throw Error(file.string(), "is the story itself: name another folder");
+      }
+      ReplaceFile(file, shot->mXMPPacket);
+      if (settings.mReport) settings.mReport({position, ToUTF8(shot->mShotID), file});
+    }
+  }
+
+ private:
+  fs::path FileAt(std::size_t position) const { return mFolder / PacketName(position); }
+
+  // The shot of the scene at a position; nothing if it makes none.
+  std::optional<ShotXMP> ShotAt(std::size_t position) const {
+    std::vector<ShotXMP> shots;
+    zelstoryparser::GetSceneXMP(mStory, mScenes[position - 1], static_cast<std::int32_t>(position),
+                                shots);
+    if (shots.empty()) return std::nullopt;
+    return std::move(shots.front());
+  }
+
+  const boost::intrusive_ptr<TavroStory>& mStory;
+  const fs::path& mFolder;
+  const std::vector<boost::intrusive_ptr<Scene>> mScenes;
+};
+
+}  // namespace
+
+void WriteShotPackets(const boost::intrusive_ptr<TavroStory>& story, const fs::path& folder,
+                      const ShotSettings& settings) {
+  const ShotWriter writer(story, folder);
+  const bool isNew = MakeFolder(folder);
+  try {
+    if (!settings.mForce) writer.RefuseForeignFiles();
+    writer.Write(settings);
+  } catch (...) {
+    std::error_code isFilled;  // a folder with files in it stays
+    if (isNew) fs::remove(folder, isFilled);
+    throw;
+  }
+}
+
+}  // namespace zelstoryhost
