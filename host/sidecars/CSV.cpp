@@ -31,7 +31,6 @@ unsigned char SeparatorOf(std::string_view text) {
   for (const char c : text) {
     if (c == '"') isQuoted = !isQuoted;
     if (isQuoted) continue;
-    if (c == '\n' || c == '\r') break;
     if (c == ',' || c == ';' || c == '\t') return static_cast<unsigned char>(c);
   }
   return ',';

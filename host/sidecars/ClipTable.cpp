@@ -143,7 +143,7 @@ class TableReader {
   bool AgreeOnShared(const std::vector<ClipRow*>& rows) const {
     return mSource.mForm == SidecarForm::kStem &&
            std::all_of(rows.begin(), rows.end(), [&](const ClipRow* row) {
-             return !row->mFault && row->mScene.mPosition == rows[0]->mScene.mPosition;
+             return row->mScene.mPosition == rows[0]->mScene.mPosition;
            });
   }
 

@@ -106,6 +106,20 @@ class Allocations : public ::testing::Test {  // must give back all that they to
     HasAnyStoryRelatedMetadata(packet);
     StoryParser parser;
     ASSERT_TRUE(kIsSetUp && zelcore::xml::Reader().ParseBuffer("<TavroStory/>", "", parser));
+    RegisterWithoutMemory();
+  }
+  // A registration that fails leaves the prefix free.
+  static void RegisterWithoutMemory() {
+    std::string prefix;
+    for (long nth = 0; prefix.empty(); ++nth) {
+      gCountdown = nth;
+      try {
+        TXMPMeta<std::string>::RegisterNamespace("http://example.org/memory", "memory", &prefix);
+      } catch (const std::bad_alloc&) {
+      }
+      gCountdown = -1;
+    }
+    ASSERT_EQ(prefix, "memory:");
   }
   void TearDown() override {
     gXMLLibraryFails = false;

@@ -42,6 +42,7 @@ TEST_F(PacketTest, DefaultLayout) {
   ASSERT_THAT(packet, StartsWith(std::string(kHeader) + body));
   EXPECT_EQ(packet.size(), kHeader.size() + body.size() + 2048 + kTrailer.size());
   EXPECT_TRUE(packet.ends_with("\n" + std::string(kTrailer)));
+  EXPECT_TRUE(Write(0, 101).ends_with(" \n\n" + std::string(kTrailer)));  // the padding's last line
   ExpectReadsAs(packet, mMeta);
 }
 
@@ -195,6 +196,7 @@ TEST_F(PacketTest, BrokenEncodingsAreRefusedWithTheirPlace) {
     std::string broken = packet;
     broken.replace(place, 3, std::string(surrogate, 2) + '\0');
     ExpectError([&] { Parse(broken); }, "205 7:14: ");
+    ExpectError([&] { Parse("\xEF\xBB\xBF\n" + broken); }, "205 7:");  // a mark of another encoding
   }
   const std::string wide = Write(kXMP_EncodeUTF32Little | kXMP_OmitPacketWrapper);
   for (const Row& end : Rows(R"(\x00\x00\x11\x00 ;; \x00\xD8\x00\x00\x00\xDC\x00\x00 ;; a)")) {

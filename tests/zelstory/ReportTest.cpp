@@ -61,6 +61,14 @@ TEST_F(ReportTest, ABrowserReadsIt) {
   EXPECT_THAT(InBrowser("phone.html"), HasSubstr("title=\"0\""));
 }
 
+// After a change that is meant, copy the new page to $data, and look at the difference.
+TEST_F(ReportTest, PagesAreAsApproved) {
+  for (const std::string story : {"every_element", "headings"}) {
+    Page("$stories/" + story + ".quor");
+    EXPECT_EQ(Run("diff $data/" + story + ".html page.html").mOutput, "");
+  }
+}
+
 TEST_F(ReportTest, EveryLinkHasItsTarget) {
   for (const std::string& story : Lines(Run("ls $stories/*.quor $stories/encodings/*").mOutput)) {
     const std::string page = Page(story);
