@@ -119,7 +119,7 @@ class Allocations : public ::testing::Test {  // must give back all that they to
       }
       gCountdown = -1;
     }
-    ASSERT_EQ(prefix, "memory:");
+    ASSERT_EQ(prefix, "memory");
   }
   void TearDown() override {
     gXMLLibraryFails = false;
