@@ -26,7 +26,7 @@ class ZELSTORYHOST_API FolderLock {
   FolderLock& operator=(const FolderLock&) = delete;
 
  private:
-  int mDescriptor = -1;
+  [[maybe_unused]] int mDescriptor = -1;  // without POSIX there is none
 };
 
 }  // namespace zelstoryhost
