@@ -21,7 +21,7 @@ class ZELSTORYHOST_API FolderLock {
   // process ends. While another process holds the lock, waits, and reports that through `note`
   // after a second, once; `note` may be empty. With kNever, throws Error instead of waiting.
   FolderLock(const std::filesystem::path& file, Waiting waiting, const Note& note);
-  ~FolderLock();
+  ~FolderLock();  // NOLINT(performance-trivially-destructible): it is not, with POSIX
   FolderLock(const FolderLock&) = delete;
   FolderLock& operator=(const FolderLock&) = delete;
 

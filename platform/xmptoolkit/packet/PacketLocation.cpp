@@ -70,12 +70,12 @@ void ReadTrailer(std::string_view buffer, std::size_t start, Encoding encoding,
 }
 
 // Of a character that several units make up, the first counts.
-bool IsFirstUnit(char32_t unit, std::size_t unitSize) {
+bool IsFirstUnit(char32_t value, std::size_t unitSize) {
   switch (unitSize) {
     case 1:
-      return (unit & 0xC0) != 0x80;  // not a continuation byte
+      return (value & 0xC0) != 0x80;  // not a continuation byte
     case 2:
-      return (unit & 0xFC00) != 0xDC00;  // not a second surrogate
+      return (value & 0xFC00) != 0xDC00;  // not a second surrogate
     default:
       return true;
   }
@@ -127,16 +127,16 @@ XMP_PacketInfo WithoutSurroundings(std::string_view buffer, XMP_PacketInfo packe
 
 zelcore::xml::Position PositionAt(std::string_view buffer, std::size_t offset, Encoding encoding) {
   zelcore::xml::Position position;
-  const std::size_t unit = UnitSize(encoding);
+  const std::size_t unitSize = UnitSize(encoding);
   std::size_t markSize = 0;
   if (DetectEncoding(buffer, markSize) != encoding) markSize = 0;
-  for (std::size_t i = markSize; i + unit <= offset; i += unit) {
+  for (std::size_t i = markSize; i + unitSize <= offset; i += unitSize) {
     const char32_t value =
-        unit == 1 ? static_cast<unsigned char>(buffer[i]) : UnitAt(buffer, i, encoding);
+        unitSize == 1 ? static_cast<unsigned char>(buffer[i]) : UnitAt(buffer, i, encoding);
     if (value == '\n') {
       ++position.mLine;
       position.mColumn = 1;
-    } else if (IsFirstUnit(value, unit)) {
+    } else if (IsFirstUnit(value, unitSize)) {
       ++position.mColumn;
     }
   }

@@ -40,7 +40,8 @@ void CorrectDeclaration(std::string& front) {
   std::string text = front.substr(start);
   if (!IsASCIIName(DeclaredEncoding(text))) return;
   DeclareUTF8(text);
-  front.replace(start, std::string::npos, text);
+  front.resize(start);
+  front += text;
 }
 
 }  // namespace
