@@ -66,9 +66,9 @@ ZELSTORYHOST_API std::vector<Difference> DifferencesOf(const Sidecar& sidecar,
 // How files are changed.
 struct EditSettings {
   bool mIsDryRun = false;  // lists the differences and leaves the file alone
-  bool mForce = false;     // also changes write-protected files and read-only packets
-  FolderLock::Waiting mWaiting = FolderLock::Waiting::kAsLongAsNeeded;
-  FolderLock::Note mNote;            // called while waiting for another process; may be empty
+  bool mForce = false;     // also changes write-protected files and read-only packets, and parts
+                           // files from their other names (hard links)
+  Waiting mWaiting;        // for the folder's lock; a dry run takes none
   std::optional<SidecarForm> mForm;  // of the sidecar's name
 };
 

@@ -33,9 +33,10 @@ TEST_F(ConsoleTest, ATerminalGetsColoursAndProgress) {
   EXPECT_THAT(OnTerminal(slow),
               EndsWith("ok\x1B[0m\r\n\r\x1B[K3 of 3\r\x1B[Ks.quor: \x1B[32mok\x1B[0m\r\n"));
   // Results that go elsewhere leave the progress where it is: the last file is a pipe, whose writer
-  // looks at the screen once it is being read.
-  EXPECT_THAT(OnTerminal("mkfifo pipe; (exec 9>pipe; printf HERE >&2; cat s.quor >&9) & " + slow +
-                         " pipe >o; wait"),
+  // looks at the screen once the others are done.
+  EXPECT_THAT(OnTerminal("mkfifo pipe; exec 9<>pipe; " + slow + R"( /dev/fd/3 3<pipe 9<&- >o &
+                  for i in $(seq 100); do [ $(wc -l <o) -lt 3 ] || break; sleep 0.1; done
+                  printf HERE >&2; cat s.quor >&9; exec 9>&-; wait)"),
               ContainsRegex("\x1B\\[K[34] of 4HERE"));
 }
 

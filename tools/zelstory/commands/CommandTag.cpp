@@ -194,7 +194,8 @@ void AddTagCommand(CommandLine& tool) {
       "line per "
       "clip;\n"
       "a clip that is refused does not stop the others.\n"
-      "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
+      "Exit status: 0 done, 1 one or more were refused (and are as they were) or the\n"
+      "output failed, 2 wrong usage.");
   command.SetAction([options] { return Tag(*options); });
 }
 

@@ -1,6 +1,7 @@
 #include "terminal/Console.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
@@ -70,6 +71,7 @@ std::string Printable(std::string line) {
 }
 
 bool theProgressIsShown = false;
+std::size_t theWrittenFiles = 0;
 
 // Only results on the same terminal would run into the progress line.
 void MakeWayForResult() {
@@ -104,6 +106,8 @@ std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error
     case ErrorKind::kWriteProtected:
     case ErrorKind::kForeignFile:
       return text + "; --force replaces it anyway";
+    case ErrorKind::kHardLinks:
+      return text + "; --force parts it from them";
     case ErrorKind::kReadOnlyPacket:
       return text + "; --force changes it anyway";
     case ErrorKind::kSharedSidecar:
@@ -157,9 +161,21 @@ void HideProgress() {
   theProgressIsShown = false;
 }
 
+void CountWrittenFile() {
+  ++theWrittenFiles;
+}
+
+const char* WrittenBefore() {
+  static char text[60];
+  if (theWrittenFiles == 0) return "";
+  std::snprintf(text, sizeof text, "; %zu file%s written before", theWrittenFiles,
+                theWrittenFiles == 1 ? " was" : "s were");
+  return text;
+}
+
 void FlushOutput() {
   std::cout.flush();
-  if (!std::cout) throw zelstoryhost::Error("standard output", "writing failed");
+  if (!std::cout) throw Error("standard output", std::string("writing failed") + WrittenBefore());
 }
 
 }  // namespace zelstory

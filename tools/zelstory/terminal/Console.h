@@ -44,6 +44,13 @@ std::string Coloured(Tone tone, const std::string& text);
 void ShowProgress(const std::string& line);
 void HideProgress();
 
+// Counts a file that was replaced, so that what ends the command later cannot deny it.
+void CountWrittenFile();
+
+// "" or "; 2 files were written before", to be added to what ended the command. Valid until the
+// next call; takes no memory.
+const char* WrittenBefore();
+
 // Flushes standard output. Throws Error when something printed could not be written.
 void FlushOutput();
 

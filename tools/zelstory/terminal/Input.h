@@ -9,13 +9,15 @@
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/Story.h>
 
-// Files as a command line names them: "-" is standard input.
+// Files as a command line names them: "-" is standard input, and so is any other name of it, such
+// as /dev/stdin. A descriptor that the caller passes (/dev/fd/N) is read likewise; no other pipe or
+// device is.
 namespace zelstory {
 
 // The name that stands for standard input or output.
 inline constexpr std::string_view kStandardStream = "-";
 
-// Like the functions of the host library.
+// Like the functions of the host layer.
 zelstoryhost::StoryResult ReadStory(const std::string& file);
 boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file);
 
