@@ -91,7 +91,9 @@ SidecarChange Change(Sidecar& sidecar, Operation operation) {
 template <typename Make>
 SidecarChange Edit(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
                    const EditSettings& settings, Make make) {
-  const std::string file = FindSidecar(clipOrSidecar, settings.mForm, whenAbsent);
+  const std::string file = settings.mFinder
+                               ? settings.mFinder->Find(clipOrSidecar, settings.mForm, whenAbsent)
+                               : FindSidecar(clipOrSidecar, settings.mForm, whenAbsent);
   std::optional<FolderLock> lock;
   if (!settings.mIsDryRun) lock.emplace(file, settings.mWaiting, settings.mNote);
   Sidecar sidecar(file, whenAbsent);

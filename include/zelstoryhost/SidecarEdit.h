@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -68,8 +69,9 @@ struct EditSettings {
   bool mIsDryRun = false;  // lists the differences and leaves the file alone
   bool mForce = false;     // also changes write-protected files and read-only packets
   FolderLock::Waiting mWaiting = FolderLock::Waiting::kAsLongAsNeeded;
-  FolderLock::Note mNote;            // called while waiting for another process; may be empty
-  std::optional<SidecarForm> mForm;  // of the sidecar's name
+  FolderLock::Note mNote;                  // called while waiting for another process; may be empty
+  std::optional<SidecarForm> mForm;        // of the sidecar's name
+  std::shared_ptr<SidecarFinder> mFinder;  // for many clips: shared by all; may be null
 };
 
 // Writes a scene, which must not be null, into the sidecar of a clip, creating it if needed. Holds

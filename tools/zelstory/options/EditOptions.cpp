@@ -37,6 +37,7 @@ std::string Describe(const Difference& difference) {
 
 void EditOptions::AddTo(Command& command) {
   mSettings.mNote = PrintNote;
+  mSettings.mFinder = std::make_shared<zelstoryhost::SidecarFinder>();
   command.AddFlag("--dry-run", mSettings.mIsDryRun,
                   "Print old and new values, one path per line; change nothing");
   command.AddFlag("--force", mSettings.mForce,

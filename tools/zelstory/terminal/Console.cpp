@@ -73,8 +73,7 @@ bool theProgressIsShown = false;
 
 // Only results on the same terminal would run into the progress line.
 void MakeWayForResult() {
-  static const bool isTerminal = IsTerminal(Stream::kOutput);
-  if (isTerminal) HideProgress();
+  if (OutputIsTerminal()) HideProgress();
 }
 
 }  // namespace
@@ -155,6 +154,11 @@ void HideProgress() {
   if (!theProgressIsShown) return;
   std::cerr << "\r\x1B[K" << std::flush;
   theProgressIsShown = false;
+}
+
+bool OutputIsTerminal() {
+  static const bool isTerminal = IsTerminal(Stream::kOutput);
+  return isTerminal;
 }
 
 void FlushOutput() {

@@ -44,6 +44,9 @@ std::string Coloured(Tone tone, const std::string& text);
 void ShowProgress(const std::string& line);
 void HideProgress();
 
+// Whether standard output is a terminal.
+bool OutputIsTerminal();
+
 // Flushes standard output. Throws Error when something printed could not be written.
 void FlushOutput();
 
