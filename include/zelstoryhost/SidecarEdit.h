@@ -71,7 +71,7 @@ struct EditSettings {
   FolderLock::Waiting mWaiting = FolderLock::Waiting::kAsLongAsNeeded;
   FolderLock::Note mNote;                  // called while waiting for another process; may be empty
   std::optional<SidecarForm> mForm;        // of the sidecar's name
-  std::shared_ptr<SidecarFinder> mFinder;  // for many clips: shared by all; may be null
+  std::shared_ptr<SidecarFinder> mFinder;  // of a run over many clips, on one thread; may be null
 };
 
 // Writes a scene, which must not be null, into the sidecar of a clip, creating it if needed. Holds
