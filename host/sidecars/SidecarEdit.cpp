@@ -91,7 +91,9 @@ SidecarChange Change(Sidecar& sidecar, Operation operation) {
 template <typename Make>
 SidecarChange Edit(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
                    const EditSettings& settings, Make make) {
-  const FileEntry file(FindSidecar(clipOrSidecar, settings.mForm, whenAbsent));
+  const FileEntry file(settings.mFinder
+                           ? settings.mFinder->Find(clipOrSidecar, settings.mForm, whenAbsent)
+                           : FindSidecar(clipOrSidecar, settings.mForm, whenAbsent));
   std::optional<FolderLock> lock;
   if (!settings.mIsDryRun) lock.emplace(file, settings.mWaiting);
   Sidecar sidecar(file, whenAbsent);

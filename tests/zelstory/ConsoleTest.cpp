@@ -29,6 +29,10 @@ TEST_F(ConsoleTest, ATerminalGetsColoursAndProgress) {
   for (const std::string plain : {"NO_COLOR=1", "TERM=dumb"}) {
     EXPECT_EQ(OnTerminal(plain + " zelstory check s.quor"), "s.quor: ok\r\n");
   }
+  Write("long.quor",
+        Story("<scene>" + Paragraph("SceneHeading", "INT. " + std::string(90, 'X')) + "</scene>"));
+  EXPECT_THAT(OnTerminal("zelstory scenes long.quor"),
+              HasSubstr(" " + std::string(59, 'X') + "\u2026  "));
   const std::string slow = "(sleep 1.1; cat s.quor) | zelstory check s.quor - s.quor";
   EXPECT_THAT(OnTerminal(slow),
               EndsWith("ok\x1B[0m\r\n\r\x1B[K3 of 3\r\x1B[Ks.quor: \x1B[32mok\x1B[0m\r\n"));

@@ -155,7 +155,8 @@ int Tag(const TagOptions& options) {
     batch.Next();
     try {
       if (row.mFault) throw Error("", row.mFault->Reason(), row.mFault->Kind());
-      outcomes.PrintDone(row, options.mEdit.Write(row.mFile, row.mScene.mScene));
+      // The file that the table's check found, whatever earlier rows have created since.
+      outcomes.PrintDone(row, options.mEdit.Write(row.mSidecar, row.mScene.mScene));
     } catch (const Error& error) {
       outcomes.PrintRefused(row, ReasonOf(error, row));
       status = kRefused;

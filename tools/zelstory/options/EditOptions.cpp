@@ -39,6 +39,7 @@ std::string Describe(const Difference& difference) {
 void EditOptions::AddTo(Command& command) {
   mSettings.mWaiting.mNote = PrintNote;
   mSettings.mWaiting.mCheck = Batch::StopIfAsked;
+  mSettings.mFinder = std::make_shared<zelstoryhost::SidecarFinder>();
   command.AddFlag("--dry-run", mSettings.mIsDryRun,
                   "Print old and new values, one path per line; change nothing");
   command.AddFlag("--force", mSettings.mForce,

@@ -8,8 +8,8 @@
 
 namespace zelstory {
 
-using zelstoryhost::IsNumber;
 using zelstoryhost::SceneFacts;
+using zelstoryhost::SceneName;
 
 std::string MarkupText(const std::string& text) {
   std::string clean;
@@ -56,7 +56,7 @@ void AppendText(pugi::xml_node element, const std::string& text) {
 
 std::string PositionNote(const std::vector<SceneFacts>& scenes) {
   const bool areNumbered = std::all_of(scenes.begin(), scenes.end(), [](const SceneFacts& scene) {
-    return IsNumber(scene.mNumber);
+    return SceneName(scene) == scene.mNumber;
   });
   return areNumbered ? "" : " #n is the position of a scene without a number.";
 }

@@ -75,8 +75,7 @@ std::size_t theWrittenFiles = 0;
 
 // Only results on the same terminal would run into the progress line.
 void MakeWayForResult() {
-  static const bool isTerminal = IsTerminal(Stream::kOutput);
-  if (isTerminal) HideProgress();
+  if (OutputIsTerminal()) HideProgress();
 }
 
 }  // namespace
@@ -159,6 +158,11 @@ void HideProgress() {
   if (!theProgressIsShown) return;
   std::cerr << "\r\x1B[K" << std::flush;
   theProgressIsShown = false;
+}
+
+bool OutputIsTerminal() {
+  static const bool isTerminal = IsTerminal(Stream::kOutput);
+  return isTerminal;
 }
 
 void CountWrittenFile() {

@@ -44,6 +44,9 @@ std::string Coloured(Tone tone, const std::string& text);
 void ShowProgress(const std::string& line);
 void HideProgress();
 
+// Whether standard output is a terminal.
+bool OutputIsTerminal();
+
 // Counts a file that was replaced, so that what ends the command later cannot deny it.
 void CountWrittenFile();
 

@@ -75,9 +75,9 @@ std::string ReadText(const std::string& file) {
 }
 
 Sidecar ReadSidecar(const std::string& clipOrSidecar, std::optional<zelstoryhost::SidecarForm> form,
-                    zelstoryhost::WhenAbsent whenAbsent) {
+                    zelstoryhost::WhenAbsent whenAbsent, zelstoryhost::SidecarFinder& finder) {
   if (clipOrSidecar == kStandardStream) return Sidecar::FromBytes(ReadText(clipOrSidecar), "-");
-  return Sidecar(FindSidecar(clipOrSidecar, form, whenAbsent), whenAbsent);
+  return Sidecar(finder.Find(clipOrSidecar, form, whenAbsent), whenAbsent);
 }
 
 bool IsStoryItself(const std::string& story, const fs::path& file) {

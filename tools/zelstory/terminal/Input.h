@@ -24,10 +24,11 @@ boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& fi
 // Reads a whole file. Throws Error, also when it does not exist.
 std::string ReadText(const std::string& file);
 
-// Reads the sidecar of a clip. Throws Error.
+// Reads the sidecar of a clip, which `finder` finds. Throws Error.
 zelstoryhost::Sidecar ReadSidecar(const std::string& clipOrSidecar,
                                   std::optional<zelstoryhost::SidecarForm> form,
-                                  zelstoryhost::WhenAbsent whenAbsent);
+                                  zelstoryhost::WhenAbsent whenAbsent,
+                                  zelstoryhost::SidecarFinder& finder);
 
 // Whether a story is read from `file`, under whatever name. On a system that cannot tell
 // which file standard input was opened from, false for "-".

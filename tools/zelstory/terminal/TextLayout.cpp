@@ -107,4 +107,10 @@ std::vector<std::string> WrapText(std::string_view text, std::size_t columns) {
   return wrapper.Finish();
 }
 
+std::string Shortened(const std::string& text, std::size_t columns) {
+  std::string line = WrapText(text, static_cast<std::size_t>(-1)).front();
+  if (ColumnsOf(line) <= columns) return line;
+  return WrapText(line, columns - 1).front() + "\xE2\x80\xA6";  // an ellipsis
+}
+
 }  // namespace zelstory

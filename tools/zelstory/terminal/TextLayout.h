@@ -18,4 +18,7 @@ std::string InCapitals(std::string_view text);
 // U+FFFD. Never empty: an empty text is one empty line.
 std::vector<std::string> WrapText(std::string_view text, std::size_t columns);
 
+// The first line of a text, cut to at most `columns` with an ellipsis at the end.
+std::string Shortened(const std::string& text, std::size_t columns);
+
 }  // namespace zelstory
