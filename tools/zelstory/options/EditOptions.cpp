@@ -6,6 +6,7 @@
 
 #include "options/SidecarOptions.h"
 #include "terminal/Console.h"
+#include "terminal/Escaped.h"
 #include "terminal/Input.h"
 
 namespace zelstory {

@@ -6,8 +6,8 @@
 
 namespace zelstory {
 
-// Prints a table in columns as wide as a terminal shows their text, numbers at the right. Control
-// characters become U+FFFD; on a terminal that welcomes colours, the names of the columns stand
+// Prints a table in columns as wide as a terminal shows their text, numbers at the right. Texts are
+// escaped (terminal/Escaped.h); on a terminal that welcomes colours, the names of the columns stand
 // out.
 void PrintColumns(const zelstoryhost::Table& table, std::ostream& output);
 
