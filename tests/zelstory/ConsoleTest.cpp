@@ -46,10 +46,12 @@ TEST_F(ConsoleTest, ATerminalGetsColoursAndProgress) {
 std::vector<std::pair<std::string, std::string>> Controls() {
   std::vector<std::pair<std::string, std::string>> controls{{"\xFF", ""}};
   constexpr std::pair<int, int> kRanges[] = {{0x01, 0x1F},     {0x7F, 0x9F},     {0x61C, 0x61C},
-                                             {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+                                             {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x206F},
+                                             {0xFFFE, 0xFFFF}};
   for (const auto& [first, last] : kRanges) {
     for (int unit = first; unit <= last; ++unit) {
-      const bool inXML = unit >= 0x20 || unit == '\t' || unit == '\n' || unit == '\r';
+      const bool inXML =
+          (unit >= 0x20 && unit < 0xFFFE) || unit == '\t' || unit == '\n' || unit == '\r';
       controls.emplace_back(Utf8(zelcore::UTF16String(1, static_cast<char16_t>(unit))),
                             inXML ? "&#" + std::to_string(unit) + ";" : "");
     }
