@@ -169,7 +169,7 @@ class ParseState {
   void Doctype() { mEvents.Doctype(); }
   void DeclareAttribute() { Enforce(mLimits.DeclareAttribute()); }
   void ReferTo(std::string_view name, const xmlEntity* entity);
-  void DeclareEntity(const std::string& name, const std::string& text);
+  void DeclareEntity(const std::string& name, std::string_view text);
   xmlEntityPtr ForPlace(std::string_view name, xmlEntityPtr entity) const;
 
   // These guard themselves.
@@ -208,7 +208,7 @@ class ParseState {
   void Parse(std::string_view bytes);
   void CloseSubset();
   void End();
-  void Declare(const std::string& name, std::string text);
+  void Declare(const std::string& name, std::string&& text);
   void RefuseBeyondEnd(const Position& position) const;
   void Decode();
   void FollowInput();
@@ -394,13 +394,13 @@ void ParseState::ReferTo(std::string_view name, const xmlEntity* entity) {
 // it for a line end. Such an entity gets a twin for use in content, whose text keeps the
 // references. In attributes, where XML makes a blank of the character but not of a reference, it is
 // used itself.
-void ParseState::DeclareEntity(const std::string& name, const std::string& text) {
-  Declare(name, text);
-  if (text.find('\r') != std::string::npos) Declare(NameOfTwin(name), WithReferences(text));
+void ParseState::DeclareEntity(const std::string& name, std::string_view text) {
+  Declare(name, std::string(text));
+  if (text.find('\r') != std::string_view::npos) Declare(NameOfTwin(name), WithReferences(text));
 }
 
 // libxml2 does not report that it has no memory for an entity.
-void ParseState::Declare(const std::string& name, std::string text) {
+void ParseState::Declare(const std::string& name, std::string&& text) {
   xmlSAX2EntityDecl(mCurrent, Bytes(name), XML_INTERNAL_GENERAL_ENTITY, nullptr, nullptr,
                     reinterpret_cast<xmlChar*>(text.data()));
   if (xmlSAX2GetEntity(mCurrent, Bytes(name)) == nullptr) throw std::bad_alloc();
@@ -521,9 +521,8 @@ void OnEntityDeclaration(void* context, const xmlChar* name, int type, const xml
     xmlSAX2EntityDecl(context, name, type, publicID, systemID, content);
     return;
   }
-  OnState(context, [&](ParseState& state) {
-    state.DeclareEntity(std::string(View(name)), std::string(View(content)));
-  });
+  OnState(context,
+          [&](ParseState& state) { state.DeclareEntity(std::string(View(name)), View(content)); });
 }
 
 // Every reference to an entity comes through here, also those inside other entities.
