@@ -7,6 +7,7 @@
 #include "options/SidecarOptions.h"
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
+#include "terminal/Escaped.h"
 #include "terminal/Input.h"
 
 namespace zelstory {

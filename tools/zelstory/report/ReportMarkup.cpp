@@ -1,10 +1,10 @@
 #include "report/ReportMarkup.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include <zelstoryhost/SceneFacts.h>
-#include <zelstoryhost/Text.h>
+
+#include "terminal/Escaped.h"
 
 namespace zelstory {
 
@@ -12,22 +12,9 @@ using zelstoryhost::SceneFacts;
 using zelstoryhost::SceneName;
 
 std::string MarkupText(const std::string& text) {
-  std::string clean;
-  clean.reserve(text.size());
-  for (std::string_view rest = text; !rest.empty();) {
-    const auto [value, length, isWellFormed] = zelstoryhost::FirstCharacter(rest);
-    const bool isControl = (value < 0x20 && value != '\t' && value != '\n') ||
-                           (value >= 0x7F && value < 0xA0) || (value & 0xFFFE) == 0xFFFE;
-    if (value == '\r') {
-      clean += '\n';
-    } else if (!isWellFormed || isControl) {
-      clean += "\xEF\xBF\xBD";
-    } else {
-      clean += rest.substr(0, length);
-    }
-    rest.remove_prefix(length);
-  }
-  return clean;
+  std::string lines = text;
+  std::replace(lines.begin(), lines.end(), '\r', '\n');
+  return Escaped(lines, "\n\t");
 }
 
 pugi::xml_node AddElement(pugi::xml_node parent, const char* name, const char* className,

@@ -11,7 +11,7 @@ namespace {
 
 using zelstoryhost::Cell;
 
-// On one line, without control characters, which could steer a terminal.
+// On one line, escaped.
 std::string Shown(const Cell& cell) {
   std::string line;
   for (const std::string& part : WrapText(TextOf(cell), static_cast<std::size_t>(-1))) {
