@@ -1,6 +1,5 @@
 #include <iostream>
 
-#include <nlohmann/json.hpp>
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/SidecarName.h>
 
@@ -31,7 +30,7 @@ void AddXMPCommand(CommandLine& tool) {
   command.SetAction([options] {
     const Sidecar sidecar = ReadSidecar(options->mClip, options->mForm, WhenAbsent::kRefuse);
     if (options->mAsJSON) {
-      std::cout << XMPAsJSON(sidecar.Metadata()).dump(2) << '\n';
+      PrintXMPAsJSON(sidecar.Metadata(), std::cout);
     } else {
       PrintXMP(sidecar.Metadata(), std::cout);
     }

@@ -131,9 +131,13 @@ void PrintResult(const std::string& subject, Tone tone, const std::string& resul
   std::cout << Printable(subject) << Coloured(tone, Printable(result)) << '\n';
 }
 
-void PrintJSONLine(const nlohmann::ordered_json& value) {
+void PrintJSONLine(const std::function<void(zelstoryhost::JSONWriter& json)>& writeMembers) {
   MakeWayForResult();
-  std::cout << value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  zelstoryhost::JSONWriter json(std::cout, zelstoryhost::JSONWriter::Layout::kOneLine);
+  json.BeginObject();
+  writeMembers(json);
+  json.EndObject();
+  std::cout << '\n';
 }
 
 std::string Quoted(const std::string& text) {

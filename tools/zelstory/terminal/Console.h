@@ -1,9 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
-#include <nlohmann/json_fwd.hpp>
 #include <zelstoryhost/Error.h>
+#include <zelstoryhost/JSONWriter.h>
 
 namespace zelstory {
 
@@ -30,8 +31,8 @@ void PrintLine(const std::string& line);
 // Prints the subject, then the result in colour, on one line.
 void PrintResult(const std::string& subject, Tone tone, const std::string& result);
 
-// Prints a value as one line of JSON; bytes that are not UTF-8 become U+FFFD.
-void PrintJSONLine(const nlohmann::ordered_json& value);
+// Prints an object as one line of JSON; `writeMembers` writes what is in it.
+void PrintJSONLine(const std::function<void(zelstoryhost::JSONWriter& json)>& writeMembers);
 
 // A text in quotation marks, on one line, with JSON's escapes.
 std::string Quoted(const std::string& text);

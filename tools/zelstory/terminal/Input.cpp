@@ -11,6 +11,8 @@
 
 #include <zelstoryhost/Files.h>
 
+#include "terminal/Memory.h"
+
 namespace zelstory {
 
 namespace fs = std::filesystem;
@@ -34,6 +36,7 @@ bool IsStandardInput([[maybe_unused]] const fs::path& file) {
 }  // namespace
 
 StoryResult ReadStory(const std::string& file) {
+  WorkOn(file);
   return file == kStandardStream ? zelstoryhost::ReadStory(std::cin, file)
                                  : zelstoryhost::ReadStory(fs::path(file));
 }
@@ -45,6 +48,7 @@ boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& fi
 }
 
 std::string ReadText(const std::string& file) {
+  WorkOn(file);
   if (file == kStandardStream) return zelstoryhost::ReadStream(std::cin, file);
   std::optional<std::string> bytes = zelstoryhost::ReadFile(file);
   if (!bytes) throw zelstoryhost::Error(file, "No such file or directory");
@@ -53,6 +57,7 @@ std::string ReadText(const std::string& file) {
 
 Sidecar ReadSidecar(const std::string& clipOrSidecar, std::optional<zelstoryhost::SidecarForm> form,
                     zelstoryhost::WhenAbsent whenAbsent) {
+  WorkOn(clipOrSidecar);
   if (clipOrSidecar == kStandardStream) return Sidecar::FromBytes(ReadText(clipOrSidecar), "-");
   return Sidecar(FindSidecar(clipOrSidecar, form, whenAbsent), whenAbsent);
 }

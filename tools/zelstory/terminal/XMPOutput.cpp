@@ -2,15 +2,17 @@
 
 #include <ostream>
 
-#include <nlohmann/json.hpp>
+#include <zelstoryhost/JSONWriter.h>
 
 #include <xmptoolkit/XMPTree.h>
+
+#include "terminal/Console.h"
 
 namespace zelstory {
 namespace {
 
 using xmptoolkit::TreeNode;
-using JSON = nlohmann::ordered_json;
+using zelstoryhost::JSONWriter;
 
 // Most specific kind first: an alternative array is also an ordered one.
 const char* KindOf(const TreeNode& node) {
@@ -41,7 +43,7 @@ void PrintNode(const TreeNode& node, const std::string& name, std::size_t depth,
   output << std::string(2 * depth, ' ') << name;
   const std::string kind = KindOf(node);
   if (kind != "simple") output << " (" << kind << ')';
-  if (IsSimple(node)) output << " = " << JSON(node.Value()).dump();
+  if (IsSimple(node)) output << " = " << Quoted(node.Value());
   output << '\n';
   for (std::size_t i = 0; i < node.QualifierCount(); ++i) {
     PrintNode(node.Qualifier(i), '?' + NameOf(node.Qualifier(i)), depth + 1, output);
@@ -53,23 +55,36 @@ void PrintNode(const TreeNode& node, const std::string& name, std::size_t depth,
   }
 }
 
-JSON NodeAsJSON(const TreeNode& node, bool isItem) {
-  JSON json = JSON::object();
-  if (!isItem) json["name"] = NameOf(node);
-  if (!isItem) json["namespace"] = node.NamespaceURI();
-  json["kind"] = KindOf(node);
-  if (IsSimple(node)) {
-    json["value"] = node.Value();
-  } else {
-    JSON& children = json[IsArray(node) ? "items" : "fields"] = JSON::array();
-    for (std::size_t i = 0; i < node.ChildCount(); ++i) {
-      children.push_back(NodeAsJSON(node.Child(i), IsArray(node)));
-    }
+void WriteNode(JSONWriter& json, const TreeNode& node, bool isItem);
+
+void WriteChildren(JSONWriter& json, const TreeNode& node) {
+  json.BeginArray();
+  for (std::size_t i = 0; i < node.ChildCount(); ++i) {
+    WriteNode(json, node.Child(i), IsArray(node));
   }
+  json.EndArray();
+}
+
+void WriteQualifiers(JSONWriter& json, const TreeNode& node) {
+  json.BeginArray();
   for (std::size_t i = 0; i < node.QualifierCount(); ++i) {
-    json["qualifiers"].push_back(NodeAsJSON(node.Qualifier(i), false));
+    WriteNode(json, node.Qualifier(i), false);
   }
-  return json;
+  json.EndArray();
+}
+
+void WriteNode(JSONWriter& json, const TreeNode& node, bool isItem) {
+  json.BeginObject();
+  if (!isItem) json.Name("name").Text(NameOf(node));
+  if (!isItem) json.Name("namespace").Text(node.NamespaceURI());
+  json.Name("kind").Text(KindOf(node));
+  if (IsSimple(node)) {
+    json.Name("value").Text(node.Value());
+  } else {
+    WriteChildren(json.Name(IsArray(node) ? "items" : "fields"), node);
+  }
+  if (node.QualifierCount() > 0) WriteQualifiers(json.Name("qualifiers"), node);
+  json.EndObject();
 }
 
 }  // namespace
@@ -81,13 +96,15 @@ void PrintXMP(const TXMPMeta<std::string>& metadata, std::ostream& output) {
   }
 }
 
-JSON XMPAsJSON(const TXMPMeta<std::string>& metadata) {
+void PrintXMPAsJSON(const TXMPMeta<std::string>& metadata, std::ostream& output) {
+  JSONWriter json(output, JSONWriter::Layout::kIndented);
+  json.BeginObject();
+  json.Name("properties").BeginArray();
   const TreeNode root = xmptoolkit::RootOf(metadata);
-  JSON properties = JSON::array();
-  for (std::size_t i = 0; i < root.ChildCount(); ++i) {
-    properties.push_back(NodeAsJSON(root.Child(i), false));
-  }
-  return {{"properties", properties}};
+  for (std::size_t i = 0; i < root.ChildCount(); ++i) WriteNode(json, root.Child(i), false);
+  json.EndArray();
+  json.EndObject();
+  output << '\n';
 }
 
 }  // namespace zelstory
