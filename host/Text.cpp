@@ -1,4 +1,4 @@
-#include <sstream>
+#include <algorithm>
 
 #include <utf8proc.h>
 #include <zelstoryhost/Text.h>
@@ -21,9 +21,13 @@ std::string TextOf(const zelstoryparser::Paragraph& paragraph) {
 }
 
 std::int64_t CountWords(const std::string& text) {
-  std::istringstream words(text);
+  constexpr const char* kBlanks = " \t\n\v\f\r";
   std::int64_t count = 0;
-  for (std::string word; words >> word;) ++count;
+  std::size_t end = 0;
+  while ((end = text.find_first_not_of(kBlanks, end)) != std::string::npos) {
+    end = std::min(text.find_first_of(kBlanks, end), text.size());
+    ++count;
+  }
   return count;
 }
 

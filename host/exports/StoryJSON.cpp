@@ -1,106 +1,139 @@
-#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include <zelstoryhost/JSONWriter.h>
 #include <zelstoryhost/StoryJSON.h>
-#include <zelstoryhost/Text.h>
 
 namespace zelstoryhost {
 namespace {
 
 using namespace zelstoryparser;
-using JSON = nlohmann::ordered_json;
 
-constexpr int kIndent = 2;
+void Write(JSONWriter& json, const TextRun& run);
+void Write(JSONWriter& json, const Paragraph& paragraph);
+void Write(JSONWriter& json, const Scene& scene);
+void Write(JSONWriter& json, const Section& section);
+void Write(JSONWriter& json, const Stream& stream);
+void Write(JSONWriter& json, const CommentStream& stream);
+void Write(JSONWriter& json, const Document& document);
 
-JSON ToJSON(const TextRun& run);
-JSON ToJSON(const Paragraph& paragraph);
-JSON ToJSON(const Scene& scene);
-JSON ToJSON(const Section& section);
-JSON ToJSON(const Stream& stream);
-JSON ToJSON(const CommentStream& stream);
-JSON ToJSON(const Document& document);
-
-JSON ToJSON(const UTF16String& text) {
-  return ToUTF8(text);
+void Write(JSONWriter& json, const UTF16String& text) {
+  json.Text(text);
 }
-JSON ToJSON(const ObjectID& id) {
-  return ToUTF8(id.AsString());
+void Write(JSONWriter& json, const ObjectID& id) {
+  json.Text(id.AsString());
 }
 
 template <typename Node>
-JSON ToJSON(const boost::intrusive_ptr<Node>& node) {
-  return node ? ToJSON(*node) : JSON();
+void Write(JSONWriter& json, const boost::intrusive_ptr<Node>& node) {
+  node ? Write(json, *node) : json.Null();
 }
 
 template <typename Entry>
-JSON ToJSON(const std::vector<Entry>& entries) {
-  JSON array = JSON::array();
-  for (const Entry& entry : entries) array.push_back(ToJSON(entry));
-  return array;
+void Write(JSONWriter& json, const std::vector<Entry>& entries) {
+  json.BeginArray();
+  for (const Entry& entry : entries) Write(json, entry);
+  json.EndArray();
 }
 
-JSON KindName(std::int32_t elementType) {
+template <typename Value>
+void Member(JSONWriter& json, std::string_view name, const Value& value) {
+  Write(json.Name(name), value);
+}
+
+void WriteKindName(JSONWriter& json, std::int32_t elementType) {
   for (const ParagraphKind& kind : kParagraphKinds) {
-    if (kind.mType == elementType) return std::string(kind.mName);
+    if (kind.mType == elementType) return json.Text(kind.mName);
   }
-  return JSON();
+  json.Null();
 }
 
-JSON ToJSON(const TextRun& run) {
-  return {{"objectID", ToJSON(run.mObjectID)}, {"text", ToJSON(run.mText)}};
+void Write(JSONWriter& json, const TextRun& run) {
+  json.BeginObject();
+  Member(json, "objectID", run.mObjectID);
+  Member(json, "text", run.mText);
+  json.EndObject();
 }
 
-JSON ToJSON(const Paragraph& paragraph) {
-  return {{"objectID", ToJSON(paragraph.mObjectID)},
-          {"elementType", paragraph.mElementType},
-          {"element", KindName(paragraph.mElementType)},
-          {"textRuns", ToJSON(paragraph.mTextRuns)}};
+void Write(JSONWriter& json, const Paragraph& paragraph) {
+  json.BeginObject();
+  Member(json, "objectID", paragraph.mObjectID);
+  json.Name("elementType").Number(paragraph.mElementType);
+  WriteKindName(json.Name("element"), paragraph.mElementType);
+  Member(json, "textRuns", paragraph.mTextRuns);
+  json.EndObject();
 }
 
-JSON ToJSON(const Scene& scene) {
-  return {{"objectID", ToJSON(scene.mObjectID)},
-          {"sceneNumber", ToJSON(scene.mSceneNumber)},
-          {"shotDuration", ToJSON(scene.mShotDuration)},
-          {"paragraphs", ToJSON(scene.mParagraphs)}};
+void Write(JSONWriter& json, const Scene& scene) {
+  json.BeginObject();
+  Member(json, "objectID", scene.mObjectID);
+  Member(json, "sceneNumber", scene.mSceneNumber);
+  Member(json, "shotDuration", scene.mShotDuration);
+  Member(json, "paragraphs", scene.mParagraphs);
+  json.EndObject();
 }
 
-JSON ToJSON(const Section& section) {
-  return {{"objectID", ToJSON(section.mObjectID)}, {"scenes", ToJSON(section.mScenes)}};
+void Write(JSONWriter& json, const Section& section) {
+  json.BeginObject();
+  Member(json, "objectID", section.mObjectID);
+  Member(json, "scenes", section.mScenes);
+  json.EndObject();
 }
 
-JSON ToJSON(const Stream& stream) {
-  return {{"objectID", ToJSON(stream.mObjectID)},
-          {"name", ToJSON(stream.mName)},
-          {"section", ToJSON(stream.mSection)}};
+void Write(JSONWriter& json, const Stream& stream) {
+  json.BeginObject();
+  Member(json, "objectID", stream.mObjectID);
+  Member(json, "name", stream.mName);
+  Member(json, "section", stream.mSection);
+  json.EndObject();
 }
 
-JSON ToJSON(const CommentStream& stream) {
-  return {{"objectID", ToJSON(stream.mObjectID)},
-          {"name", ToJSON(stream.mName)},
-          {"commentAuthor", ToJSON(stream.mCommentAuthor)},
-          {"dependent", ToJSON(stream.mDependent)},
-          {"commentAuthorID", ToJSON(stream.mCommentAuthorID)},
-          {"section", ToJSON(stream.mSection)}};
+void Write(JSONWriter& json, const CommentStream& stream) {
+  json.BeginObject();
+  Member(json, "objectID", stream.mObjectID);
+  Member(json, "name", stream.mName);
+  Member(json, "commentAuthor", stream.mCommentAuthor);
+  Member(json, "dependent", stream.mDependent);
+  Member(json, "commentAuthorID", stream.mCommentAuthorID);
+  Member(json, "section", stream.mSection);
+  json.EndObject();
 }
 
-JSON ToJSON(const Document& document) {
-  return {{"headerStream", ToJSON(document.mHeaderStream)},
-          {"bodyStream", ToJSON(document.mBodyStream)},
-          {"footerStream", ToJSON(document.mFooterStream)},
-          {"version", ToJSON(document.mVersion)},
-          {"commentStreams", ToJSON(document.mCommentStreams)}};
+void Write(JSONWriter& json, const Document& document) {
+  json.BeginObject();
+  Member(json, "headerStream", document.mHeaderStream);
+  Member(json, "bodyStream", document.mBodyStream);
+  Member(json, "footerStream", document.mFooterStream);
+  Member(json, "version", document.mVersion);
+  Member(json, "commentStreams", document.mCommentStreams);
+  json.EndObject();
+}
+
+void Write(JSONWriter& json, const TavroStory& story) {
+  json.BeginObject();
+  Member(json, "document", story.mDocument);
+  Member(json, "version", story.mVersion);
+  Member(json, "documentType", story.mDocumentType);
+  Member(json, "template", story.mTemplate);
+  Member(json, "metaData", story.mMetaData);
+  Member(json, "tags", story.mTags);
+  json.EndObject();
+}
+
+template <typename Node>
+void WriteDocument(const Node& node, std::ostream& output) {
+  JSONWriter json(output, JSONWriter::Layout::kIndented);
+  Write(json, node);
+  output << '\n';
 }
 
 }  // namespace
 
-std::string StoryAsJSON(const TavroStory& story) {
-  const JSON json{
-      {"document", ToJSON(story.mDocument)},         {"version", ToJSON(story.mVersion)},
-      {"documentType", ToJSON(story.mDocumentType)}, {"template", ToJSON(story.mTemplate)},
-      {"metaData", ToJSON(story.mMetaData)},         {"tags", ToJSON(story.mTags)}};
-  return json.dump(kIndent);
+void WriteJSON(const TavroStory& story, std::ostream& output) {
+  WriteDocument(story, output);
 }
 
-std::string SceneAsJSON(const Scene& scene) {
-  return ToJSON(scene).dump(kIndent);
+void WriteJSON(const Scene& scene, std::ostream& output) {
+  WriteDocument(scene, output);
 }
 
 }  // namespace zelstoryhost

@@ -1,7 +1,7 @@
 #include <ostream>
 #include <string_view>
 
-#include <nlohmann/json.hpp>
+#include <zelstoryhost/JSONWriter.h>
 #include <zelstoryhost/Table.h>
 
 namespace zelstoryhost {
@@ -34,15 +34,14 @@ bool IsFormula(const std::string& text) {
          std::string_view("=+-@").find(text[begin]) != std::string::npos;
 }
 
-nlohmann::ordered_json AsJSON(const Cell& cell) {
-  if (const auto* text = std::get_if<std::string>(&cell)) return *text;
-  if (const auto* number = std::get_if<std::int64_t>(&cell)) return *number;
-  if (const auto* scenes = std::get_if<std::vector<ListedScene>>(&cell)) {
-    auto names = nlohmann::ordered_json::array();
-    for (const ListedScene& scene : *scenes) names.push_back(scene.mName);
-    return names;
-  }
-  return nullptr;
+void Write(JSONWriter& json, const Cell& cell) {
+  if (const auto* text = std::get_if<std::string>(&cell)) return json.Text(*text);
+  if (const auto* number = std::get_if<std::int64_t>(&cell)) return json.Number(*number);
+  const auto* scenes = std::get_if<std::vector<ListedScene>>(&cell);
+  if (scenes == nullptr) return json.Null();
+  json.BeginArray();
+  for (const ListedScene& scene : *scenes) json.Text(scene.mName);
+  json.EndArray();
 }
 
 }  // namespace
@@ -72,13 +71,15 @@ void WriteCSV(const Table& table, Formulas formulas, std::ostream& output) {
 }
 
 void WriteJSON(const Table& table, std::ostream& output) {
-  auto rows = nlohmann::ordered_json::array();
+  JSONWriter json(output, JSONWriter::Layout::kIndented);
+  json.BeginArray();
   for (const std::vector<Cell>& row : table.mRows) {
-    nlohmann::ordered_json object;
-    for (std::size_t i = 0; i < row.size(); ++i) object[table.mColumns[i]] = AsJSON(row[i]);
-    rows.push_back(std::move(object));
+    json.BeginObject();
+    for (std::size_t i = 0; i < row.size(); ++i) Write(json.Name(table.mColumns[i]), row[i]);
+    json.EndObject();
   }
-  output << rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  json.EndArray();
+  output << '\n';
 }
 
 }  // namespace zelstoryhost

@@ -6,6 +6,7 @@
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Files.h>
 #include <zelstoryhost/FolderLock.h>
+#include <zelstoryhost/JSONWriter.h>
 #include <zelstoryhost/RunningTime.h>
 #include <zelstoryhost/SceneFacts.h>
 #include <zelstoryhost/SceneFinder.h>

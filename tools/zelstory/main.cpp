@@ -2,6 +2,7 @@
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include <zelstoryhost/Error.h>
@@ -11,6 +12,7 @@
 #include "commands/Commands.h"
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
+#include "terminal/Memory.h"
 
 namespace {
 
@@ -44,11 +46,23 @@ void AddCommands(CommandLine& tool) {
   AddDumpCommand(tool);
 }
 
-int Run(CommandLine& tool, int argc, char** argv) {
+int Run(int argc, char** argv) {
+  CommandLine tool("Writes screenplay scenes into the XMP metadata of clips.",
+                   (std::string("zelstory ") + zelstoryparser::LibraryVersion()).c_str(), kFooter);
+  AddCommands(tool);
+  const int status = tool.Parse(argc, argv)();
+  FlushOutput();
+  RefuseIfMemoryRanOut();
+  return status;
+}
+
+// Reports the exception that is being handled, and returns the exit status. Throws std::bad_alloc.
+int ReportException() {
+  RefuseIfMemoryRanOut();  // then other exceptions only follow from that
   try {
-    const int status = tool.Parse(argc, argv)();
-    FlushOutput();
-    return status;
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const UsageError& error) {
     PrintError(std::string("zelstory: error: ") + error.what() + " (see zelstory --help)");
     return kUsage;
@@ -64,14 +78,25 @@ int Run(CommandLine& tool, int argc, char** argv) {
   return kRefused;
 }
 
+int RunAndReport(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (...) {
+    return ReportException();
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
 #if defined(SIGXFSZ)
   std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is reported like a full disk
 #endif
-  CommandLine tool("Writes screenplay scenes into the XMP metadata of clips.",
-                   (std::string("zelstory ") + zelstoryparser::LibraryVersion()).c_str(), kFooter);
-  AddCommands(tool);
-  return Run(tool, argc, argv);
+  WatchMemory();
+  try {
+    return RunAndReport(argc, argv);
+  } catch (const std::bad_alloc&) {
+    PrintOutOfMemory();
+    return kRefused;
+  }
 }

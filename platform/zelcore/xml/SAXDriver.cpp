@@ -197,6 +197,8 @@ class ParseState {
     if (fault) Refuse(*std::move(fault));
   }
 
+  void InitialiseLibrary();
+
   // Has libxml2 stop, in the text of an entity too.
   void Halt() {
     if (mCurrent != mContext.get()) xmlStopParser(mCurrent);
@@ -572,12 +574,22 @@ xmlSAXHandler MakeHandler() {
   return handler;
 }
 
-void InitialiseLibrary() {
-  static std::once_flag once;  // libxml2 requires it before its first use by several threads
-  std::call_once(once, xmlInitParser);
-}
-
 }  // namespace
+
+// libxml2 requires this before its first use by several threads. What it has no memory for then, it
+// would lack from then on.
+void ParseState::InitialiseLibrary() {
+  static std::mutex mutex;
+  static bool isInitialised = false;
+  const std::lock_guard lock(mutex);  // std::call_once needs memory to pass an exception on
+  if (isInitialised) return;
+  const ErrorTrap trap(*this);
+  xmlInitParser();
+  isInitialised = !mHasNoMemory;
+  if (isInitialised) return;
+  xmlCleanupParser();  // the next document initialises it again
+  throw std::bad_alloc();
+}
 
 ParseState::ParseState(SAXEvents& events) : mEvents(events) {
   InitialiseLibrary();

@@ -1,7 +1,5 @@
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
 #include "commands/Commands.h"
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
@@ -10,6 +8,7 @@
 namespace zelstory {
 
 using zelstoryhost::Error;
+using zelstoryhost::JSONWriter;
 
 namespace {
 
@@ -18,20 +17,23 @@ struct CheckOptions {
   bool mAsJSON = false;
 };
 
+void WriteFault(JSONWriter& json, const Error& fault) {
+  const auto& position = fault.Position();
+  json.Name("line");
+  position ? json.Number(position->mLine) : json.Null();
+  json.Name("column");
+  position ? json.Number(position->mColumn) : json.Null();
+  json.Name("message").Text(fault.Reason());
+  json.Name("where");
+  fault.Where().empty() ? json.Null() : json.Text(fault.Where());
+}
+
 void PrintJSON(const std::string& file, const std::optional<Error>& fault) {
-  nlohmann::ordered_json result{{"file", file}, {"ok", !fault}};
-  if (fault) {
-    result["line"] = nullptr;
-    result["column"] = nullptr;
-    if (fault->Position()) {
-      result["line"] = fault->Position()->mLine;
-      result["column"] = fault->Position()->mColumn;
-    }
-    result["message"] = fault->Reason();
-    result["where"] =
-        fault->Where().empty() ? nlohmann::ordered_json() : nlohmann::ordered_json(fault->Where());
-  }
-  PrintJSONLine(result);
+  PrintJSONLine([&](JSONWriter& json) {
+    json.Name("file").Text(file);
+    json.Name("ok").Bool(!fault);
+    if (fault) WriteFault(json, *fault);
+  });
 }
 
 int Check(const CheckOptions& options) {

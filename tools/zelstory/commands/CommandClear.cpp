@@ -4,6 +4,7 @@
 #include "options/EditOptions.h"
 #include "options/SidecarOptions.h"
 #include "terminal/Batch.h"
+#include "terminal/Memory.h"
 
 namespace zelstory {
 
@@ -31,6 +32,7 @@ void AddClearCommand(CommandLine& tool) {
   command.SetAction([options] {
     const WhenAbsent whenAbsent = WhenAbsentFor(options->mIsStrict);
     return ForEachFile(options->mClips, [&](const std::string& clip, const std::string& label) {
+      WorkOn(clip);
       options->mEdit.Print(options->mEdit.Clear(clip, whenAbsent), label);
     });
   });

@@ -10,9 +10,8 @@
 
 namespace zelstory {
 
-using zelstoryhost::SceneAsJSON;
 using zelstoryhost::SelectedScene;
-using zelstoryhost::StoryAsJSON;
+using zelstoryhost::WriteJSON;
 
 namespace {
 
@@ -29,7 +28,7 @@ int Show(const ShowOptions& options) {
   const boost::intrusive_ptr<TavroStory> story = LoadStory(options.mFile);
   if (!options.mScene.IsGiven()) {
     if (options.mAsJSON) {
-      std::cout << StoryAsJSON(*story) << '\n';
+      WriteJSON(*story, std::cout);
     } else {
       PrintScreenplay(*story, options.mWithComments, std::cout);
     }
@@ -37,7 +36,7 @@ int Show(const ShowOptions& options) {
   }
   const SelectedScene selected = options.mScene.Find(*story, options.mFile);
   if (options.mAsJSON) {
-    std::cout << SceneAsJSON(*selected.mScene) << '\n';
+    WriteJSON(*selected.mScene, std::cout);
   } else {
     PrintScene(*selected.mScene, std::cout);
   }

@@ -1,11 +1,10 @@
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 
-#include <nlohmann/json.hpp>
 #include <zelstoryhost/ClipTable.h>
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/SidecarEdit.h>
-#include <zelstoryhost/Text.h>
 
 #include "commands/Commands.h"
 #include "options/EditOptions.h"
@@ -13,6 +12,7 @@
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
 #include "terminal/Input.h"
+#include "terminal/Memory.h"
 
 namespace zelstory {
 
@@ -20,12 +20,12 @@ using zelstoryhost::ClipRow;
 using zelstoryhost::ClipTable;
 using zelstoryhost::Difference;
 using zelstoryhost::Error;
+using zelstoryhost::JSONWriter;
 using zelstoryhost::MetadataValue;
 using zelstoryhost::ReadClipTable;
 using zelstoryhost::SceneFinder;
 using zelstoryhost::SidecarChange;
 using zelstoryhost::StructValue;
-using zelstoryhost::ToUTF8;
 
 namespace {
 
@@ -50,7 +50,9 @@ class Outcomes {
       : mTable(options.mTable), mIsDryRun(options.mEdit.IsDryRun()), mAsJSON(options.mAsJSON) {}
 
   void PrintRefused(const ClipRow& row, const std::string& reason) const {
-    if (mAsJSON) return PrintJSONLine(ObjectOf(row, "refused", {{"reason", reason}}));
+    if (mAsJSON) {
+      return PrintJSON(row, "refused", [&](JSONWriter& json) { json.Name("reason").Text(reason); });
+    }
     const std::string line = mTable + ':' + std::to_string(row.mLine);
     PrintResult((row.mClip.empty() ? line : row.mClip) + ": ", Tone::kBad, "refused: " + reason);
   }
@@ -59,7 +61,9 @@ class Outcomes {
     const char* const outcome = !change.mIsChanged ? "unchanged"
                                 : mIsDryRun        ? "would be written"
                                                    : "written";
-    if (mAsJSON) return PrintJSONLine(ObjectOf(row, outcome, DetailsOf(change)));
+    if (mAsJSON) {
+      return PrintJSON(row, outcome, [&](JSONWriter& json) { WriteDetails(json, change); });
+    }
     PrintResult(row.mClip + ": ", change.mIsChanged ? Tone::kGood : Tone::kFaint, outcome);
     if (mIsDryRun && change.mClearsFirst) PrintLine(std::string("  ").append(kClearsFirst));
     for (const Difference& difference : change.mDifferences) {
@@ -68,41 +72,51 @@ class Outcomes {
   }
 
  private:
-  using JSON = nlohmann::ordered_json;
-
-  static JSON ObjectOf(const ClipRow& row, const char* outcome, const JSON& details) {
-    JSON object{{"clip", row.mClip}, {"line", row.mLine}, {"outcome", outcome}};
-    if (row.mScene.mScene) {
-      const std::string number = ToUTF8(row.mScene.mScene->mSceneNumber);
-      object["scene"] = number.empty() ? JSON() : JSON(number);
-      object["position"] = row.mScene.mPosition;
-    }
-    object.update(details);
-    return object;
+  static void PrintJSON(const ClipRow& row, const char* outcome,
+                        const std::function<void(JSONWriter& json)>& writeDetails) {
+    PrintJSONLine([&](JSONWriter& json) {
+      json.Name("clip").Text(row.mClip);
+      json.Name("line").Number(static_cast<std::int64_t>(row.mLine));
+      json.Name("outcome").Text(outcome);
+      if (row.mScene.mScene) {
+        const auto& number = row.mScene.mScene->mSceneNumber;
+        json.Name("scene");
+        number.empty() ? json.Null() : json.Text(number);
+        json.Name("position").Number(static_cast<std::int64_t>(row.mScene.mPosition));
+      }
+      writeDetails(json);
+    });
   }
 
-  JSON DetailsOf(const SidecarChange& change) const {
-    JSON details{{"sidecar", change.mSidecar}};
-    if (!change.mIsChanged) return details;
-    if (!mIsDryRun) {
-      details["paths"] = change.PathTexts();
-      return details;
-    }
-    details["clearsFirst"] = change.mClearsFirst;
-    JSON& changes = details["changes"] = JSON::array();
+  void WriteDetails(JSONWriter& json, const SidecarChange& change) const {
+    json.Name("sidecar").Text(change.mSidecar);
+    if (!change.mIsChanged) return;
+    if (mIsDryRun) return WriteChanges(json, change);
+    json.Name("paths").BeginArray();
+    for (const std::string& path : change.PathTexts()) json.Text(path);
+    json.EndArray();
+  }
+
+  static void WriteChanges(JSONWriter& json, const SidecarChange& change) {
+    json.Name("clearsFirst").Bool(change.mClearsFirst);
+    json.Name("changes").BeginArray();
     for (const Difference& difference : change.mDifferences) {
-      changes.push_back({{"path", difference.mPath},
-                         {"before", ValueAsJSON(difference.mBefore)},
-                         {"after", ValueAsJSON(difference.mAfter)}});
+      json.BeginObject();
+      json.Name("path").Text(difference.mPath);
+      WriteValue(json.Name("before"), difference.mBefore);
+      WriteValue(json.Name("after"), difference.mAfter);
+      json.EndObject();
     }
-    return details;
+    json.EndArray();
   }
 
   // An array becomes the number of its items, a struct an empty object.
-  static JSON ValueAsJSON(const MetadataValue& value) {
-    if (const auto* text = std::get_if<std::string>(&value)) return *text;
-    if (const auto* items = std::get_if<std::int64_t>(&value)) return *items;
-    return std::holds_alternative<StructValue>(value) ? JSON::object() : JSON();
+  static void WriteValue(JSONWriter& json, const MetadataValue& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) return json.Text(*text);
+    if (const auto* items = std::get_if<std::int64_t>(&value)) return json.Number(*items);
+    if (!std::holds_alternative<StructValue>(value)) return json.Null();
+    json.BeginObject();
+    json.EndObject();
   }
 
   const std::string& mTable;
@@ -153,6 +167,7 @@ int Tag(const TagOptions& options) {
   Batch batch(rows.size());
   for (const ClipRow& row : rows) {
     batch.Next();
+    WorkOn(row.mFile);
     try {
       if (row.mFault) throw Error("", row.mFault->Reason(), row.mFault->Kind());
       // The file that the table's check found, whatever earlier rows have created since.

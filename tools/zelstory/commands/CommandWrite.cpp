@@ -5,6 +5,7 @@
 #include "options/SceneOptions.h"
 #include "terminal/Console.h"
 #include "terminal/Input.h"
+#include "terminal/Memory.h"
 
 namespace zelstory {
 
@@ -25,6 +26,7 @@ int Write(const WriteOptions& options) {
   }
   const auto story = LoadStory(options.mStory);
   const SelectedScene selected = options.mScene.Find(*story, options.mStory);
+  WorkOn(options.mSidecar);
   options.mEdit.Print(options.mEdit.Write(options.mSidecar, selected.mScene), "");
   return kDone;
 }

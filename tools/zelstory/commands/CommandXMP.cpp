@@ -1,6 +1,5 @@
 #include <iostream>
 
-#include <nlohmann/json.hpp>
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/SidecarName.h>
 
@@ -33,7 +32,7 @@ void AddXMPCommand(CommandLine& tool) {
     const Sidecar sidecar =
         ReadSidecar(options->mClip, options->mForm, WhenAbsent::kRefuse, finder);
     if (options->mAsJSON) {
-      std::cout << XMPAsJSON(sidecar.Metadata()).dump(2) << '\n';
+      PrintXMPAsJSON(sidecar.Metadata(), std::cout);
     } else {
       PrintXMP(sidecar.Metadata(), std::cout);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <sstream>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include "report/ReportStyle.h"
 #include "report/ReportTables.h"
 #include "terminal/Console.h"
+#include "terminal/Memory.h"
 #include "terminal/TextLayout.h"
 
 namespace zelstory {
@@ -206,6 +208,14 @@ std::string TitleInLine(const std::string& line) {
                                    : line.substr(from, line.find_last_not_of(kBlanks) + 1 - from);
 }
 
+// pugixml leaves out what it has no memory for. From operator new, it is at least noted.
+void* Allocate(std::size_t size) {
+  return ::operator new(size, std::nothrow);
+}
+void Free(void* block) {
+  ::operator delete(block);
+}
+
 }  // namespace
 
 std::string TitleIn(const TavroStory& story) {
@@ -219,6 +229,7 @@ std::string TitleIn(const TavroStory& story) {
 std::string MakeReportPage(const TavroStory& story, const PageNames& names) {
   // HTML reads <p/> as the start of a paragraph, and blanks between tags as text.
   constexpr unsigned kFormat = pugi::format_raw | pugi::format_no_empty_element_tags;
+  pugi::set_memory_management_functions(Allocate, Free);
   pugi::xml_document document;
   AddElement(document, "title", "", names.mTitle);
   AddBody(AddElement(document, "body"), story, names);
@@ -228,6 +239,7 @@ std::string MakeReportPage(const TavroStory& story, const PageNames& names) {
   page << "\n<style>" << kReportStyle << "</style>\n</head>\n";
   document.child("body").print(page, "", kFormat);
   page << "\n</html>\n";
+  RefuseIfMemoryRanOut();  // then the page is not whole
   return page.str();
 }
 

@@ -135,9 +135,13 @@ void PrintResult(const std::string& subject, Tone tone, const std::string& resul
   std::cout << Escaped(subject) << Coloured(tone, Escaped(result)) << '\n';
 }
 
-void PrintJSONLine(const nlohmann::ordered_json& value) {
+void PrintJSONLine(const std::function<void(zelstoryhost::JSONWriter& json)>& writeMembers) {
   MakeWayForResult();
-  std::cout << value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+  zelstoryhost::JSONWriter json(std::cout, zelstoryhost::JSONWriter::Layout::kOneLine);
+  json.BeginObject();
+  writeMembers(json);
+  json.EndObject();
+  std::cout << '\n';
 }
 
 std::string Coloured(Tone tone, const std::string& text) {

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
-#include <nlohmann/json_fwd.hpp>
 #include <zelstoryhost/Error.h>
+#include <zelstoryhost/JSONWriter.h>
 
 namespace zelstory {
 
@@ -34,8 +35,8 @@ void PrintFields(const std::vector<std::string>& fields);
 // Prints the subject, then the result in colour, on one line.
 void PrintResult(const std::string& subject, Tone tone, const std::string& result);
 
-// Prints a value as one line of JSON; bytes that are not UTF-8 become U+FFFD.
-void PrintJSONLine(const nlohmann::ordered_json& value);
+// Prints an object as one line of JSON; `writeMembers` writes what is in it.
+void PrintJSONLine(const std::function<void(zelstoryhost::JSONWriter& json)>& writeMembers);
 
 // A text in colour for standard output, or unchanged where colours are off.
 std::string Coloured(Tone tone, const std::string& text);

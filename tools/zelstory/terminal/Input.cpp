@@ -12,6 +12,8 @@
 
 #include <zelstoryhost/Files.h>
 
+#include "terminal/Memory.h"
+
 namespace zelstory {
 
 namespace fs = std::filesystem;
@@ -52,6 +54,7 @@ std::istream* StreamNamed(const std::string& file, std::ifstream& opened) {
 }  // namespace
 
 StoryResult ReadStory(const std::string& file) {
+  WorkOn(file);
   std::ifstream opened;
   std::istream* const stream = StreamNamed(file, opened);
   return stream != nullptr ? zelstoryhost::ReadStory(*stream, file)
@@ -65,6 +68,7 @@ boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& fi
 }
 
 std::string ReadText(const std::string& file) {
+  WorkOn(file);
   std::ifstream opened;
   if (std::istream* const stream = StreamNamed(file, opened)) {
     return zelstoryhost::ReadStream(*stream, file);
@@ -76,6 +80,7 @@ std::string ReadText(const std::string& file) {
 
 Sidecar ReadSidecar(const std::string& clipOrSidecar, std::optional<zelstoryhost::SidecarForm> form,
                     zelstoryhost::WhenAbsent whenAbsent, zelstoryhost::SidecarFinder& finder) {
+  WorkOn(clipOrSidecar);
   if (clipOrSidecar == kStandardStream) return Sidecar::FromBytes(ReadText(clipOrSidecar), "-");
   return Sidecar(finder.Find(clipOrSidecar, form, whenAbsent), whenAbsent);
 }

@@ -2,17 +2,18 @@
 
 #include <ostream>
 
-#include <nlohmann/json.hpp>
+#include <zelstoryhost/JSONWriter.h>
 
 #include <xmptoolkit/XMPTree.h>
 
+#include "terminal/Console.h"
 #include "terminal/Escaped.h"
 
 namespace zelstory {
 namespace {
 
 using xmptoolkit::TreeNode;
-using JSON = nlohmann::ordered_json;
+using zelstoryhost::JSONWriter;
 
 // Most specific kind first: an alternative array is also an ordered one.
 const char* KindOf(const TreeNode& node) {
@@ -55,23 +56,36 @@ void PrintNode(const TreeNode& node, const std::string& name, std::size_t depth,
   }
 }
 
-JSON NodeAsJSON(const TreeNode& node, bool isItem) {
-  JSON json = JSON::object();
-  if (!isItem) json["name"] = NameOf(node);
-  if (!isItem) json["namespace"] = node.NamespaceURI();
-  json["kind"] = KindOf(node);
-  if (IsSimple(node)) {
-    json["value"] = node.Value();
-  } else {
-    JSON& children = json[IsArray(node) ? "items" : "fields"] = JSON::array();
-    for (std::size_t i = 0; i < node.ChildCount(); ++i) {
-      children.push_back(NodeAsJSON(node.Child(i), IsArray(node)));
-    }
+void WriteNode(JSONWriter& json, const TreeNode& node, bool isItem);
+
+void WriteChildren(JSONWriter& json, const TreeNode& node) {
+  json.BeginArray();
+  for (std::size_t i = 0; i < node.ChildCount(); ++i) {
+    WriteNode(json, node.Child(i), IsArray(node));
   }
+  json.EndArray();
+}
+
+void WriteQualifiers(JSONWriter& json, const TreeNode& node) {
+  json.BeginArray();
   for (std::size_t i = 0; i < node.QualifierCount(); ++i) {
-    json["qualifiers"].push_back(NodeAsJSON(node.Qualifier(i), false));
+    WriteNode(json, node.Qualifier(i), false);
   }
-  return json;
+  json.EndArray();
+}
+
+void WriteNode(JSONWriter& json, const TreeNode& node, bool isItem) {
+  json.BeginObject();
+  if (!isItem) json.Name("name").Text(NameOf(node));
+  if (!isItem) json.Name("namespace").Text(node.NamespaceURI());
+  json.Name("kind").Text(KindOf(node));
+  if (IsSimple(node)) {
+    json.Name("value").Text(node.Value());
+  } else {
+    WriteChildren(json.Name(IsArray(node) ? "items" : "fields"), node);
+  }
+  if (node.QualifierCount() > 0) WriteQualifiers(json.Name("qualifiers"), node);
+  json.EndObject();
 }
 
 }  // namespace
@@ -83,13 +97,15 @@ void PrintXMP(const TXMPMeta<std::string>& metadata, std::ostream& output) {
   }
 }
 
-JSON XMPAsJSON(const TXMPMeta<std::string>& metadata) {
+void PrintXMPAsJSON(const TXMPMeta<std::string>& metadata, std::ostream& output) {
+  JSONWriter json(output, JSONWriter::Layout::kIndented);
+  json.BeginObject();
+  json.Name("properties").BeginArray();
   const TreeNode root = xmptoolkit::RootOf(metadata);
-  JSON properties = JSON::array();
-  for (std::size_t i = 0; i < root.ChildCount(); ++i) {
-    properties.push_back(NodeAsJSON(root.Child(i), false));
-  }
-  return {{"properties", properties}};
+  for (std::size_t i = 0; i < root.ChildCount(); ++i) WriteNode(json, root.Child(i), false);
+  json.EndArray();
+  json.EndObject();
+  output << '\n';
 }
 
 }  // namespace zelstory

@@ -3,8 +3,6 @@
 #include <iosfwd>
 #include <string>
 
-#include <nlohmann/json_fwd.hpp>
-
 #include <xmptoolkit/XMP.h>
 
 namespace zelstory {
@@ -14,9 +12,9 @@ namespace zelstory {
 // names and values are escaped (terminal/Escaped.h).
 void PrintXMP(const TXMPMeta<std::string>& metadata, std::ostream& output);
 
-// The same as JSON: {"properties": [NODE...]}, where a node has "name" (not in items), "namespace",
-// "kind" (simple, uri, struct, bag, seq, alt), then "value", "fields" or "items", and "qualifiers"
-// if there are any.
-nlohmann::ordered_json XMPAsJSON(const TXMPMeta<std::string>& metadata);
+// Prints the same as JSON: {"properties": [NODE...]}, where a node has "name" (not in items),
+// "namespace", "kind" (simple, uri, struct, bag, seq, alt), then "value", "fields" or "items", and
+// "qualifiers" if there are any.
+void PrintXMPAsJSON(const TXMPMeta<std::string>& metadata, std::ostream& output);
 
 }  // namespace zelstory
