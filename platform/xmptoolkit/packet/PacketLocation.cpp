@@ -9,7 +9,7 @@ namespace xmptoolkit {
 
 namespace {
 
-constexpr std::string_view kHeader = "<?xpacket begin=";
+constexpr std::string_view kHeaderStart = "<?xpacket begin=";
 constexpr std::string_view kTrailer = "<?xpacket end=";
 constexpr std::string_view kMarkupEnd = "?>";
 constexpr std::string_view kWhiteSpace = " \t\n\r";
@@ -31,12 +31,12 @@ std::size_t FindLast(std::string_view bytes, std::string_view text, Encoding enc
 // the header settles the byte order: one byte further on, the letters alone fit the other order.
 std::size_t FindHeader(std::string_view bytes, Encoding& encoding) {
   encoding = Encoding::kUTF8;
-  if (const std::size_t found = bytes.find(kHeader); found != npos) return found;
+  if (const std::size_t found = bytes.find(kHeaderStart); found != npos) return found;
   for (const Encoding wide :
        {Encoding::kUTF32Big, Encoding::kUTF32Little, Encoding::kUTF16Big, Encoding::kUTF16Little}) {
     for (const std::string_view mark : {"\"\xEF\xBB\xBF\"", "'\xEF\xBB\xBF'"}) {
       encoding = wide;
-      const std::size_t found = bytes.find(Encode(std::string(kHeader).append(mark), wide));
+      const std::size_t found = bytes.find(Encode(std::string(kHeaderStart).append(mark), wide));
       if (found != npos) return found;
     }
   }

@@ -199,19 +199,16 @@ void AddTagCommand(CommandLine& tool) {
                   "Write the other clips even if rows of the table have faults");
   command.AddFlag("--json", options->mAsJSON, "Print one JSON object per clip, one per line");
   command.SetFooter(
-      "The table's first line names its columns: clip, and one or more of scene (the number in "
-      "the\n"
-      "script), position (from 1) and id (objID); others are ignored. For example:\n"
+      "The table's first line names its columns: clip, and one or more of scene (the number in\n"
+      "the script), position (from 1) and id (objID); others are ignored. For example:\n"
       "  clip,scene\n"
       "  A001_C003.mov,1\n"
       "  A001_C004.mov,2\n"
-      "All rows are checked before anything is written. Afterwards each clip holds its\n"
-      "scene and no other. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one "
-      "line per "
-      "clip;\n"
-      "a clip that is refused does not stop the others.\n"
-      "Exit status: 0 done, 1 one or more were refused (and are as they were) or the\n"
-      "output failed, 2 wrong usage.");
+      "All rows are checked before anything is written. Afterwards each clip holds its scene and\n"
+      "no other. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one line per\n"
+      "clip; a clip that is refused does not stop the others.\n"
+      "Exit status: 0 done, 1 one or more were refused (and are as they were) or the output\n"
+      "failed, 2 wrong usage.");
   command.SetAction([options] { return Tag(*options); });
 }
 

@@ -55,7 +55,7 @@ struct Share {
   std::int64_t mWords = 0;
 };
 
-std::vector<Share> SharesOf(const CharacterFacts& character, const Columns& columns) {
+std::vector<Share> SharesOf(const CharacterFacts& character, const SceneColumns& columns) {
   std::vector<Share> shares(columns.Count());
   for (const CharacterFacts::InScene& scene : character.mScenes) {
     Share& share = shares[columns.ColumnOf(scene.mPosition)];
@@ -66,7 +66,7 @@ std::vector<Share> SharesOf(const CharacterFacts& character, const Columns& colu
 }
 
 void AddCharacterRow(const Drawing& drawing, const CharacterFacts& character,
-                     const Columns& columns, int y, std::int64_t mostWords) {
+                     const SceneColumns& columns, int y, std::int64_t mostWords) {
   AddText(drawing.mLabels, columns.Left() - kLabelDistance, y + kRowHeight - 6, "label",
           Shortened(character.mName, kLabelColumns));
   AddLine(drawing.mPlot, columns.Left(), columns.Right(), y + kRowHeight);
@@ -83,7 +83,7 @@ void AddCharacterRow(const Drawing& drawing, const CharacterFacts& character,
   }
 }
 
-std::int64_t MostWords(const std::vector<CharacterFacts>& characters, const Columns& columns) {
+std::int64_t MostWords(const std::vector<CharacterFacts>& characters, const SceneColumns& columns) {
   std::int64_t most = 0;
   for (const CharacterFacts& character : characters) {
     for (const Share& share : SharesOf(character, columns)) most = std::max(most, share.mWords);
@@ -103,7 +103,8 @@ std::string DescribeCharacters(const std::vector<CharacterFacts>& shown) {
   return description + '.';
 }
 
-void AddNote(pugi::xml_node parent, std::size_t shown, std::size_t all, const Columns& columns) {
+void AddNote(pugi::xml_node parent, std::size_t shown, std::size_t all,
+             const SceneColumns& columns) {
   pugi::xml_node note = AddElement(parent, "p", "note",
                                    "Sorted by number of words. The stronger the colour, the more "
                                    "words." +
@@ -125,7 +126,7 @@ void AddCharactersChart(pugi::xml_node parent, const std::vector<SceneFacts>& sc
   names.reserve(shown.size());
   for (const CharacterFacts& character : shown)
     names.push_back(Shortened(character.mName, kLabelColumns));
-  const Columns columns(scenes, names);
+  const SceneColumns columns(scenes, names);
   AddNote(parent, shown.size(), characters.size(), columns);
   const std::int64_t mostWords = MostWords(shown, columns);
   AddShadeLegend(parent, mostWords);

@@ -26,11 +26,11 @@ struct Drawing {
 };
 
 // The columns of a drawing, with one or several scenes each.
-class Columns {
+class SceneColumns {
  public:
   // Keeps a reference to the scenes. The labels are left of the columns.
-  Columns(const std::vector<zelstoryhost::SceneFacts>& scenes,
-          const std::vector<std::string>& labels);
+  SceneColumns(const std::vector<zelstoryhost::SceneFacts>& scenes,
+               const std::vector<std::string>& labels);
 
   std::size_t Count() const { return mCount; }
   std::size_t ColumnOf(std::size_t position) const { return (position - 1) / mPerColumn; }

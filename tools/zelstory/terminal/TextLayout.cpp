@@ -26,7 +26,7 @@ void Append(utf8proc_int32_t character, std::string& text) {
   text.append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));
 }
 
-std::size_t Columns(utf8proc_int32_t character) {
+std::size_t ColumnsOf(utf8proc_int32_t character) {
   return static_cast<std::size_t>(std::max(utf8proc_charwidth(character), 0));
 }
 
@@ -56,9 +56,9 @@ class Wrapper {
 
  private:
   void AddToWord(utf8proc_int32_t character) {
-    if (mWordColumns + Columns(character) > mColumns) EndWord();
+    if (mWordColumns + ColumnsOf(character) > mColumns) EndWord();
     Append(character, mWord);
-    mWordColumns += Columns(character);
+    mWordColumns += ColumnsOf(character);
   }
 
   void EndWord() {
@@ -91,7 +91,8 @@ class Wrapper {
 
 std::size_t ColumnsOf(std::string_view text) {
   std::size_t columns = 0;
-  ForEachCharacter(text, [&columns](utf8proc_int32_t character) { columns += Columns(character); });
+  ForEachCharacter(text,
+                   [&columns](utf8proc_int32_t character) { columns += ColumnsOf(character); });
   return columns;
 }
 

@@ -32,7 +32,7 @@ bool IsSimple(const TreeNode& node) {
   return (node.Options() & (kXMP_PropValueIsArray | kXMP_PropValueIsStruct)) == 0;
 }
 
-// A namespace that has no prefix anywhere stands in braces.
+// A namespace without any prefix is written in braces.
 std::string NameOf(const TreeNode& node) {
   const std::string prefix = node.Prefix();
   return prefix.empty() ? '{' + node.NamespaceURI() + '}' + node.LocalName()
