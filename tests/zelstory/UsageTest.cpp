@@ -67,7 +67,7 @@ TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
       {"show same.quor --scene 4", "the scene at position 4 has the number \"1\""},
       {"show same.quor --id x", "no scene has the identifier \"x\""},
       {"xmp D/b", "^D/b: error: has no sidecar: D/b.xmp does not exist\n"},
-      {"xmp D/l.xmp", "^D/l.xmp: error: cannot be read: "},
+      {"xmp D/l.xmp", "^D/l.xmp: error: too many links"},
       {"has D", "^D: error: is a directory"},
       {"has D/b --strict", "^D/b: error: has no sidecar"},
       {"shots $stories/harbour_lights.quor --out .",
