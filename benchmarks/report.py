@@ -25,6 +25,26 @@ LOADS = [
 ]
 SIZES = (1, 10, 100)  # megabytes; a name without a size means the last one
 
+# Whether the cost per item stays the same: name, benchmark, what is counted.
+GROWTH = [
+    ("growth_find_sidecars", "FindSidecars", "clips of a folder, their sidecars found"),
+    ("growth_change_clips", "ChangeClips", "clips of a folder, changed but for replacing the files"),
+    ("growth_table_rows", "ReadRows", "rows of a table"),
+    ("growth_faulty_rows", "ReadFaultyRows", "rows of a table, all with faults, of one sidecar"),
+    ("growth_load", "LoadScenes", "scenes of a story, loaded"),
+    ("growth_find_scenes", "FindScenes", "scenes, each found by its identifier"),
+    ("growth_scenes", "ScenesList", "scenes, listed"),
+    ("growth_characters", "CharactersList", "characters, listed"),
+    ("growth_report", "ReportPage", "scenes and characters of a report"),
+    ("growth_columns", "AlignedList", "rows of an aligned list, one cell as long as all others"),
+    ("growth_speeches", "WriteSpeeches", "speeches of a scene, written"),
+    ("growth_items_parse", "Parse<ManyItems>", "items of an array, parsed"),
+    ("growth_properties_set", "Set<ManyProperties>", "properties of different names, set"),
+    ("growth_properties_parse", "Parse<ManyProperties>", "properties of different names, parsed"),
+    ("growth_properties_serialise", "Serialise<ManyProperties>", "the same, serialised"),
+]
+FEW, MANY = 1000, 16000
+
 
 def run(command, **options):
     return subprocess.run(command, check=True, **options)
@@ -111,7 +131,7 @@ def exiftool_ratio(build, work, rounds):
 
 def collect(build, repetitions, work):
     benchmarks = Benchmarks(build, repetitions)
-    for program in ("story_loading_bench", "packets_bench", "xmp_scaling_bench"):
+    for program in ("story_loading_bench", "packets_bench", "xmp_scaling_bench", "host_scaling_bench"):
         print(f"{program} ...", file=sys.stderr)
         benchmarks.measure(program)
     rows = []
@@ -142,6 +162,9 @@ def collect(build, repetitions, work):
         benchmarks.ratio("ParsePacket", "PugixmlParsePacket"))
     row("write_scaling", "WriteSceneMetadataIntoXMP per pair, 100,000/100",
         benchmarks.ratio("WriteSpeeches/100000", "WriteSpeeches/100") / 1000, 1.2)
+    for name, case, what in GROWTH:
+        ratio = benchmarks.ratio(f"{case}/{MANY}", f"{case}/{FEW}") * FEW / MANY
+        row(name, f"per item, {MANY} over {FEW} {what}", ratio, 1.2)
     print("processes ...", file=sys.stderr)
     tool, times = exiftool_ratio(build, work, 15)
     if tool is None:

@@ -119,7 +119,7 @@ TEST_F(StoryCommandsTest, AScreenplayHasItsLayout) {
       "                            ANNA\n"
       "                      (low)\n"
       "                One\n"
-      "                two\uFFFD31m\n                012345678901234567890123456789012345\n"
+      "                two\\u{9B}31m\n                012345678901234567890123456789012345\n"
       "                6789\n\n      LATER\n\n" +
       std::string(60, ' ') + "CUT TO:\n";
   const std::string all = "\n      TOP\n\n1000AB EXT. SEA" + std::string(55, ' ') + "1000AB\n" +

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "support/Table.h"
 #include "zelstory/Scratch.h"
 
 namespace {
@@ -76,6 +77,20 @@ TEST_F(TagTest, AFaultyTableWritesNothingUnlessAsked) {
   const Outcome going = Tag(table, "--keep-going");
   EXPECT_EQ(going.mStatus, 1);
   EXPECT_EQ(going.mOutput, "c.mov: written\n" + faults);
+}
+
+TEST_F(TagTest, LinksThatMeanOneFileAreFoundBeforeItExists) {
+  Run("cd day; ln -s new.xmp link.xmp; ln -s loop.xmp loop.xmp");
+  const std::string fault = ": refused: several lines name its sidecar: 3, 4, 5, 6, 7 and 3 more\n";
+  EXPECT_EQ(
+      Tag("clip,scene\nloop.xmp,1\n" + Repeated("new.xmp,1\nlink.xmp,2\n", 4)).mOutput,
+      "loop.xmp: refused: too many links\n" + Repeated("new.xmp" + fault + "link.xmp" + fault, 4));
+}
+
+// The first row creates a sidecar that the second clip could share.
+TEST_F(TagTest, WritesTheFilesThatTheCheckFound) {
+  EXPECT_EQ(Tag("clip,scene\na.xmp,1\na.mov,2\n").mOutput, "a.xmp: written\na.mov: written\n");
+  EXPECT_THAT(Read("day/a.xmp"), HasSubstr(">HARBOUR<"));
 }
 
 TEST_F(TagTest, OneClipsFaultStopsNoOther) {

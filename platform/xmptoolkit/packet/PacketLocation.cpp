@@ -89,12 +89,14 @@ XMP_PacketInfo FindPacket(std::string_view buffer) {
   const std::size_t header = FindHeader(buffer, encoding);
   packet.mHasWrapper = header != npos;
   if (!packet.mHasWrapper) {
-    packet.mEncoding = static_cast<XMP_OptionBits>(DetectEncoding(buffer, packet.mOffset));
+    const zelcore::xml::DetectedForm detected = zelcore::xml::DetectForm(buffer);
+    packet.mEncoding = OptionsOf(detected.mForm);
+    packet.mOffset = detected.mMarkBytes;
     packet.mLength = buffer.size() - packet.mOffset;
     return packet;
   }
   packet.mOffset = header;
-  packet.mEncoding = static_cast<XMP_OptionBits>(encoding);
+  packet.mEncoding = OptionsOf(encoding);
   const std::size_t trailer = FindLast(buffer, kTrailer, encoding, header);
   if (trailer == npos) {
     RefuseWrapper(buffer, header, encoding, "the packet has no trailer <?xpacket end=\"w\"?>");
@@ -128,8 +130,8 @@ XMP_PacketInfo WithoutSurroundings(std::string_view buffer, XMP_PacketInfo packe
 zelcore::xml::Position PositionAt(std::string_view buffer, std::size_t offset, Encoding encoding) {
   zelcore::xml::Position position;
   const std::size_t unitSize = UnitSize(encoding);
-  std::size_t markSize = 0;
-  if (DetectEncoding(buffer, markSize) != encoding) markSize = 0;
+  const zelcore::xml::DetectedForm detected = zelcore::xml::DetectForm(buffer);
+  const std::size_t markSize = detected.mForm == encoding ? detected.mMarkBytes : 0;
   for (std::size_t i = markSize; i + unitSize <= offset; i += unitSize) {
     const char32_t value =
         unitSize == 1 ? static_cast<unsigned char>(buffer[i]) : UnitAt(buffer, i, encoding);

@@ -155,7 +155,8 @@ int Tag(const TagOptions& options) {
     batch.Next();
     try {
       if (row.mFault) throw Error("", row.mFault->Reason(), row.mFault->Kind());
-      outcomes.PrintDone(row, options.mEdit.Write(row.mFile, row.mScene.mScene));
+      // The file that the table's check found, whatever earlier rows have created since.
+      outcomes.PrintDone(row, options.mEdit.Write(row.mSidecar, row.mScene.mScene));
     } catch (const Error& error) {
       outcomes.PrintRefused(row, ReasonOf(error, row));
       status = kRefused;
@@ -191,7 +192,8 @@ void AddTagCommand(CommandLine& tool) {
       "All rows are checked before anything is written. Afterwards each clip holds its scene and\n"
       "no other. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one line per\n"
       "clip; a clip that is refused does not stop the others.\n"
-      "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
+      "Exit status: 0 done, 1 one or more were refused (and are as they were) or the\n"
+      "output failed, 2 wrong usage.");
   command.SetAction([options] { return Tag(*options); });
 }
 

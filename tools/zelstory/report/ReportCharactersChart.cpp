@@ -6,6 +6,7 @@
 #include "report/ReportCharts.h"
 #include "report/ReportDrawing.h"
 #include "report/ReportMarkup.h"
+#include "terminal/TextLayout.h"
 
 namespace zelstory {
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr std::size_t kMostCharacters = 30;
 constexpr std::size_t kLabelColumns = 19;
+constexpr std::size_t kTitleColumns = 60;
 constexpr int kRowHeight = 20;
 
 // More words, stronger colour. The steps grow, so that short speeches differ.
@@ -68,12 +70,13 @@ void AddCharacterRow(const Drawing& drawing, const CharacterFacts& character,
   AddText(drawing.mLabels, columns.Left() - kLabelDistance, y + kRowHeight - 6, "label",
           Shortened(character.mName, kLabelColumns));
   AddLine(drawing.mPlot, columns.Left(), columns.Right(), y + kRowHeight);
+  const std::string name = Shortened(character.mName, kTitleColumns);
   const std::vector<Share> shares = SharesOf(character, columns);
   for (std::size_t column = 0; column < shares.size(); ++column) {
     const Share& share = shares[column];
     if (share.mSpeeches == 0) continue;
     const std::string text =
-        character.mName + ", " + columns.Name(column) + ": " + std::to_string(share.mSpeeches) +
+        name + ", " + columns.Name(column) + ": " + std::to_string(share.mSpeeches) +
         (share.mSpeeches == 1 ? " speech, " : " speeches, ") + Counted(share.mWords, "word");
     AddBox(columns.AddLink(drawing.mPlot, column, text), ShadeOf(share.mWords, mostWords),
            columns.X(column), y + 2, columns.Width() - 1, kRowHeight - 4);

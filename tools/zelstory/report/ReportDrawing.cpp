@@ -40,12 +40,6 @@ pugi::xml_node AddSVG(pugi::xml_node parent, int left, int width, int height) {
 
 }  // namespace
 
-std::string Shortened(const std::string& name, std::size_t columns) {
-  std::string line = WrapText(name, static_cast<std::size_t>(-1)).front();
-  if (ColumnsOf(line) <= columns) return line;
-  return WrapText(line, columns - 1).front() + "\xE2\x80\xA6";  // an ellipsis
-}
-
 std::string Counted(std::int64_t count, const std::string& what) {
   return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }

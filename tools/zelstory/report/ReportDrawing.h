@@ -15,9 +15,6 @@ namespace zelstory {
 inline constexpr int kLabelDistance = 8;
 inline constexpr int kAxisHeight = 24;
 
-// The first line of a name, cut to so many columns.
-std::string Shortened(const std::string& name, std::size_t columns);
-
 // "1 word", "2 words".
 std::string Counted(std::int64_t count, const std::string& what);
 

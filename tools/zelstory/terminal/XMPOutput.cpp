@@ -6,6 +6,8 @@
 
 #include <xmptoolkit/XMPTree.h>
 
+#include "terminal/Escaped.h"
+
 namespace zelstory {
 namespace {
 
@@ -38,10 +40,10 @@ std::string NameOf(const TreeNode& node) {
 
 void PrintNode(const TreeNode& node, const std::string& name, std::size_t depth,
                std::ostream& output) {
-  output << std::string(2 * depth, ' ') << name;
+  output << std::string(2 * depth, ' ') << Escaped(name);
   const std::string kind = KindOf(node);
   if (kind != "simple") output << " (" << kind << ')';
-  if (IsSimple(node)) output << " = " << JSON(node.Value()).dump();
+  if (IsSimple(node)) output << " = " << Quoted(node.Value());
   output << '\n';
   for (std::size_t i = 0; i < node.QualifierCount(); ++i) {
     PrintNode(node.Qualifier(i), '?' + NameOf(node.Qualifier(i)), depth + 1, output);
