@@ -58,10 +58,10 @@ TEST_F(TagTest, ReadsTheTablesThatSpreadsheetsWrite) {
 TEST_F(TagTest, AFaultyTableWritesNothingUnlessAsked) {
   const std::string table =
       "clip,position,scene\nc.mov,1,\na.mov,9,\n,1,\nb.mov,2,\n./b.mov.xmp,2,\nnone.mov,1,\n"
-      "x.xmp,1,2\ny.xmp,,\nz.xmp,two,\nno/z.xmp,1,\n";
+      "x.xmp,1,2\ny.xmp,,\ny.xmp,,\nz.xmp,two,\nno/z.xmp,1,\n";
   const Outcome refused = Tag(table);
   EXPECT_EQ(refused.mStatus, 1);
-  EXPECT_THAT(refused.mErrors, StartsWith("day/clips.csv: error: 9 of 10 rows have faults"));
+  EXPECT_THAT(refused.mErrors, StartsWith("day/clips.csv: error: 10 of 11 rows have faults"));
   const std::string faults =
       "a.mov: refused: there is no scene at position 9; the body has 4 scenes\n"
       "day/clips.csv:4: refused: the row names no clip\n"
@@ -69,10 +69,12 @@ TEST_F(TagTest, AFaultyTableWritesNothingUnlessAsked) {
       "./b.mov.xmp: refused: several lines name its sidecar: 5, 6\n"
       "none.mov: refused: No such clip (a sidecar's name ends in .xmp)\n"
       "x.xmp: refused: the row names two scenes, at the positions 1 and 2\n"
-      "y.xmp: refused: the row names no scene\n"
+      "y.xmp: refused: the row names no scene\ny.xmp: refused: the row names no scene\n"
       "z.xmp: refused: \"two\" is not a position; positions are whole numbers from 1\n"
       "no/z.xmp: refused: the folder day/no does not exist\n";
   EXPECT_EQ(refused.mOutput, "c.mov: refused: other rows have faults\n" + faults);
+  EXPECT_THAT(Tag(table, "--json").mOutput,
+              HasSubstr(R"(,"outcome":"refused","reason":"the row names two scenes)"));
   EXPECT_EQ(Run("ls day").mOutput, "a.mov\nb.mov\nc.mov\nclips.csv\n");
   const Outcome going = Tag(table, "--keep-going");
   EXPECT_EQ(going.mStatus, 1);
