@@ -160,7 +160,7 @@ TEST_F(FileReplacementTest, AnotherOwnerOrGroupGainsNothing) {
 #if defined(ZELSTORY_HAS_ACL)
 TEST_F(FileReplacementTest, ListsAndAttributesAreKept) {
   using ACL = std::unique_ptr<std::remove_pointer_t<acl_t>, int (*)(void*)>;
-  const auto set = [this](acl_type_t type, const fs::path& file, const char* text) {
+  const auto set = [](acl_type_t type, const fs::path& file, const char* text) {
     const ACL wanted(acl_from_text(text), acl_free);
     return acl_set_file(file.c_str(), type, wanted.get()) == 0;
   };
