@@ -60,7 +60,8 @@ void JSONWriter::Text(std::u16string_view text) {
   Append("\"");
   for (std::size_t length; !text.empty(); text.remove_prefix(length)) {
     length = LengthOfPiece(text);
-    AppendEscaped(ToUTF8(text.substr(0, length)));
+    const std::string piece = ToUTF8(text.substr(0, length));
+    AppendEscaped(piece);
   }
   Append("\"");
 }

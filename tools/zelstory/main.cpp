@@ -60,7 +60,7 @@ int Run(int argc, char** argv) {
 int ReportException() {
   RefuseIfMemoryRanOut();  // then other exceptions only follow from that
   try {
-    throw;
+    throw;  // cppcheck-suppress rethrowNoCurrentException ; the caller is handling one
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const UsageError& error) {
