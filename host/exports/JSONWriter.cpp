@@ -60,8 +60,7 @@ void JSONWriter::Text(std::u16string_view text) {
   Append("\"");
   for (std::size_t length; !text.empty(); text.remove_prefix(length)) {
     length = LengthOfPiece(text);
-    const std::string piece = ToUTF8(text.substr(0, length));
-    AppendEscaped(piece);
+    AppendEscaped(ToUTF8(text.substr(0, length)));
   }
   Append("\"");
 }
@@ -121,7 +120,7 @@ void JSONWriter::Append(std::string_view json) {
 }
 
 void JSONWriter::AppendEscaped(std::string_view piece) {
-  if (std::all_of(piece.begin(), piece.end(), NeedsNoEscape)) return Append(piece);
+  if (std::ranges::all_of(piece, NeedsNoEscape)) return Append(piece);
   using nlohmann::json;
   const std::string quoted = json(piece).dump(-1, ' ', false, json::error_handler_t::replace);
   Append(std::string_view(quoted).substr(1, quoted.size() - 2));
