@@ -175,7 +175,9 @@ TEST_F(FileReplacementTest, ListsAndAttributesAreKept) {
   const char* const kDefault = "u::rwx,u:4322:rwx,g::rwx,m::rwx,o::---";
   if (!set(ACL_TYPE_ACCESS, File(), kList)) GTEST_SKIP() << "no lists on this file system";
   set(ACL_TYPE_DEFAULT, File("."), kDefault);
-  ASSERT_EQ(setxattr(File().c_str(), "user.colour", "red", 3, 0), 0);
+  if (setxattr(File().c_str(), "user.colour", "red", 3, 0) != 0) {
+    GTEST_SKIP() << "no attributes on this file system";
+  }
   EXPECT_EQ(Replace({}), "");
   const std::string kept = "user::rw- user:4321:r-- group::--- mask::rw- other::r-- ";
   EXPECT_EQ(list(), kept);
