@@ -364,13 +364,14 @@ bool ShowsShortage(const xmlParserInput* input, const xmlError& error) {
 // Fatal errors stop libxml2. An undeclared entity may be a mere warning to it, as the declaration
 // could be in an external part; but its text would be lost.
 void ParseState::ReportError(void* context, const xmlError& error) {
+  if (HasStopped()) return;
   if (ShowsShortage(Input(), error)) {
     mHasNoMemory = true;
     return Halt();
   }
   const bool losesText =
       error.code == XML_ERR_UNDECLARED_ENTITY || error.code == XML_WAR_UNDECLARED_ENTITY;
-  if (HasStopped() || (error.level != XML_ERR_FATAL && !losesText)) return;
+  if (error.level != XML_ERR_FATAL && !losesText) return;
   Try([&] {
     FollowInput();
     // Bytes that failed to be converted look like the end of the document.
