@@ -7,6 +7,7 @@
 // leave every file old or new.
 namespace {
 
+// The environment variable ZELSTORY_SWEPT_STORY names another story than the small one here.
 class ShortageTest : public Scratch, public testing::WithParamInterface<const char*> {
  protected:
   ShortageTest() {
@@ -54,8 +55,8 @@ TEST_P(ShortageTest, EveryAllocationMayFail) {
   EXPECT_GT(FailAllocations(command, command == "--version" ? 0 : toStart - toStart / 30), 1000);
 }
 
-// Of each kind, one call after the other fails, until none is left to fail, without those with which
-// the loader starts every command (it ends with status 127 if they fail).
+// Of each kind, one call after the other fails, until none is left to fail, without those with
+// which the loader starts every command (it ends with status 127 if they fail).
 constexpr const char* kFailEachCall = R"sh(
 export TMPDIR=. ASAN_OPTIONS=detect_leaks=0
 fault() { echo "$command: $call $n: $1; status $status: $(cat $s/said)"; }
