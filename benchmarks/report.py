@@ -25,6 +25,29 @@ LOADS = [
 ]
 SIZES = (1, 10, 100)  # megabytes; a name without a size means the last one
 
+# Whether the cost per item stays the same: name, benchmark, what is counted.
+GROWTH = [
+    ("growth_find_sidecars", "FindSidecars", "clips of a folder, their sidecars found"),
+    ("growth_change_clips", "ChangeClips", "clips of a folder, changed but for replacing the files"),
+    ("growth_table_rows", "ReadRows", "rows of a table"),
+    ("growth_faulty_rows", "ReadFaultyRows", "rows of a table, all with faults, of one sidecar"),
+    ("growth_load", "LoadScenes", "scenes of a story, loaded"),
+    ("growth_find_scenes", "FindScenes", "scenes, each found by its identifier"),
+    ("growth_scenes", "ScenesList", "scenes, listed"),
+    ("growth_characters", "CharactersList", "characters, listed"),
+    ("growth_report", "ReportPage", "scenes and characters of a report"),
+    ("growth_columns", "AlignedList", "rows of an aligned list, one cell as long as all others"),
+    ("growth_speeches", "WriteSpeeches", "speeches of a scene, written"),
+    ("growth_items_parse", "Parse<ManyItems>", "items of an array, parsed"),
+    ("growth_properties_set", "Set<ManyProperties>", "properties of different names, set"),
+    ("growth_properties_parse", "Parse<ManyProperties>", "properties of different names, parsed"),
+    ("growth_properties_serialise", "Serialise<ManyProperties>", "the same, serialised"),
+]
+FEW, MANY = 1000, 16000
+# Growth is that of our work: glibc is told to keep freed memory, or else it returns the blocks of large rounds
+# to the system, which each next round has to fetch again.
+KEEP_MEMORY = {"MALLOC_TRIM_THRESHOLD_": "8000000000", "MALLOC_MMAP_THRESHOLD_": "4000000000"}
+
 
 def run(command, **options):
     return subprocess.run(command, check=True, **options)
@@ -38,13 +61,14 @@ class Benchmarks:
         self.repetitions = repetitions
         self.medians = {}
 
-    def measure(self, program):
+    def measure(self, program, environment=None):
         with tempfile.NamedTemporaryFile(suffix=".json") as out:
             run([self.folder / program, "--benchmark_enable_random_interleaving=true",
                  f"--benchmark_repetitions={self.repetitions}", "--benchmark_min_time=0.2",
                  "--benchmark_report_aggregates_only=true", "--benchmark_out_format=json",
                  f"--benchmark_out={out.name}"],
-                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                env={**os.environ, **(environment or {})})
             found = json.load(open(out.name, encoding="utf-8"))
         units = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
         for case in found["benchmarks"]:
@@ -111,9 +135,9 @@ def exiftool_ratio(build, work, rounds):
 
 def collect(build, repetitions, work):
     benchmarks = Benchmarks(build, repetitions)
-    for program in ("story_loading_bench", "packets_bench", "xmp_scaling_bench"):
+    for program in ("story_loading_bench", "packets_bench", "xmp_scaling_bench", "host_scaling_bench"):
         print(f"{program} ...", file=sys.stderr)
-        benchmarks.measure(program)
+        benchmarks.measure(program, KEEP_MEMORY if "scaling" in program else None)
     rows = []
 
     def row(name, what, value, target=None):
@@ -142,6 +166,9 @@ def collect(build, repetitions, work):
         benchmarks.ratio("ParsePacket", "PugixmlParsePacket"))
     row("write_scaling", "WriteSceneMetadataIntoXMP per pair, 100,000/100",
         benchmarks.ratio("WriteSpeeches/100000", "WriteSpeeches/100") / 1000, 1.2)
+    for name, case, what in GROWTH:
+        ratio = benchmarks.ratio(f"{case}/{MANY}", f"{case}/{FEW}") * FEW / MANY
+        row(name, f"per item, {MANY} over {FEW} {what}", ratio, 1.2)
     print("processes ...", file=sys.stderr)
     tool, times = exiftool_ratio(build, work, 15)
     if tool is None:

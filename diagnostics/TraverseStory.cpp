@@ -1,5 +1,6 @@
 #include <cstdint>
-#include <fstream>
+#include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,13 +22,15 @@ UTF16String DumpFilePath(std::int32_t sceneNumber, std::int32_t shotNumber) {
                                         std::to_string(shotNumber) + ".txt");
 }
 
-// Removes an existing entry first, so that the dump never writes through a planted link.
+// Removes an existing entry first. In a folder that others can write to, one of them may put a link
+// there at once, so the file is opened only if it is a new one.
 void WriteDumpFile(const UTF16String& path, const std::string& packet) {
   File file(path);
   if (file.Exists()) file.Delete();
   const zelcore::UTF8String name = zelcore::utility::UTF16to8(path);
-  std::ofstream stream(name.c_str());
-  if (stream) stream << packet;
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(name.c_str(), "wx"),
+                                                               std::fclose);
+  if (stream) std::fwrite(packet.data(), 1, packet.size(), stream.get());
 }
 
 void DumpSectionShotXMP(boost::intrusive_ptr<TavroStory> story,

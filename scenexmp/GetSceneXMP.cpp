@@ -30,8 +30,7 @@ UTF16String ShotID(const Scene& scene) {
 }
 
 // Joins the parts that are not empty.
-template <std::size_t Count>
-UTF16String JoinName(const std::array<UTF16String, Count>& parts) {
+UTF16String JoinName(const std::array<UTF16String, 4>& parts) {
   UTF16String name;
   for (const UTF16String& part : parts) {
     if (!part.empty() && !name.empty()) name += u" - ";
@@ -56,7 +55,7 @@ void BuildShotXMP(const UTF16String& shotID, const UTF16String& sceneNumber,
     ParseSceneHeading(heading, setting, location, timeOfDay);
     WriteSceneHeadingProperties(setting, location, timeOfDay, xmp);
   }
-  WriteShotNameProperty(JoinName<4>({setting, location, timeOfDay, sceneNumber}), xmp);
+  WriteShotNameProperty(JoinName({setting, location, timeOfDay, sceneNumber}), xmp);
   WriteSceneNumberProperty(sceneNumber, xmp);
   WriteShotDurationProperty(duration, xmp);
   WriteActionProperty(action, xmp);

@@ -9,7 +9,7 @@ namespace zelstoryhost {
 // Throws Error with WHAT and the system's message for the error number.
 [[noreturn]] void FailOn(const std::filesystem::path& file, const std::string& what, int error);
 
-// Throws Error for a directory, a device and anything else that exists but is no regular file.
+// Throws Error for a directory, a device and anything else that exists but is not a regular file.
 void RefuseUnlessFile(const std::filesystem::path& file);
 
 // The folder that holds a file, "." for a bare name.

@@ -45,7 +45,8 @@ bool IsNumber(const std::string& text) {
 }
 
 std::string SceneName(const SceneFacts& scene) {
-  return IsNumber(scene.mNumber) ? scene.mNumber : '#' + std::to_string(scene.mPosition);
+  const bool isName = IsNumber(scene.mNumber) && scene.mNumber.size() <= kLongestSceneName;
+  return isName ? scene.mNumber : '#' + std::to_string(scene.mPosition);
 }
 
 std::int64_t CountWords(const std::vector<SceneFacts>& scenes) {

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <optional>
@@ -9,6 +8,8 @@
 #include <zelstoryhost/SceneFinder.h>
 #include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
+
+#include "Enumerate.h"
 
 namespace zelstoryhost {
 namespace {
@@ -24,15 +25,12 @@ std::optional<std::size_t> ReadCount(const std::string& text) {
   return error == std::errc() ? count : std::numeric_limits<std::size_t>::max();
 }
 
-// The first few, and how many more.
-std::string Enumerate(const std::vector<std::size_t>& positions) {
-  constexpr std::size_t kNamed = 5;
-  std::string text;
-  for (std::size_t i = 0; i < std::min(positions.size(), kNamed); ++i) {
-    text += (i > 0 ? ", " : "") + std::to_string(positions[i]);
-  }
-  if (positions.size() <= kNamed) return text;
-  return text + " and " + std::to_string(positions.size() - kNamed) + " more";
+// A number, cut in errors where it is too long for a name.
+std::string Quoted(const std::string& number) {
+  if (number.size() <= kLongestSceneName) return '"' + number + '"';
+  std::size_t size = kLongestSceneName;
+  while (size > 0 && (static_cast<unsigned char>(number[size]) & 0xC0) == 0x80) --size;
+  return '"' + number.substr(0, size) + "...\"";
 }
 
 }  // namespace
@@ -78,8 +76,8 @@ SelectedScene SceneFinder::FindNumber(const std::string& text) const {
   if (mNumbers.contains(text) || !isPosition) return FindOnly(mNumbers, "number", text);
   const std::string number = ToUTF8(mScenes[position - 1]->mSceneNumber);
   throw Error(mFile, "no scene has the number \"" + text + "\"; the scene at position " + text +
-                         (IsNumber(number) ? " has the number \"" + number +
-                                                 "\": use that number, or the position"
+                         (IsNumber(number) ? " has the number " + Quoted(number) +
+                                                 ": use that number, or the position"
                                            : " has no number: use the position"));
 }
 

@@ -66,12 +66,13 @@ class LocatingParser : public zelstoryparser::StoryParser {
   std::optional<Error> mFault;
 };
 
-// Returns why a file cannot be opened, if it cannot.
+// Returns why a file cannot be opened, if it cannot. Reading a pipe or a device might never end.
 std::optional<std::string> Open(const fs::path& file, std::ifstream& stream) {
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
   if (error) return error.message();
   if (fs::is_directory(status)) return "is a directory";
+  if (!fs::is_regular_file(status)) return "is not a regular file";
   stream.open(file, std::ios::binary);
   if (!stream) return std::generic_category().message(errno);
   return std::nullopt;

@@ -7,7 +7,9 @@
 #include <zelstoryhost/ClipTable.h>
 #include <zelstoryhost/Error.h>
 
+#include "Enumerate.h"
 #include "LowerCase.h"
+#include "files/FileTarget.h"
 #include "sidecars/CSV.h"
 
 namespace zelstoryhost {
@@ -55,7 +57,7 @@ class TableReader {
   TableReader(const ClipTableSource& source, const SceneFinder& scenes)
       : mSource(source), mScenes(scenes) {}
 
-  ClipTable Read(const std::vector<CSVRow>& rows, const Columns& columns) const {
+  ClipTable Read(const std::vector<CSVRow>& rows, const Columns& columns) {
     std::vector<ClipRow> clips;
     for (std::size_t i = 1; i < rows.size(); ++i) {
       if (!IsEmpty(rows[i])) clips.push_back(ReadRow(rows[i], columns));
@@ -75,7 +77,7 @@ class TableReader {
                        [](const std::string& cell) { return cell.empty(); });
   }
 
-  ClipRow ReadRow(const CSVRow& cells, const Columns& columns) const {
+  ClipRow ReadRow(const CSVRow& cells, const Columns& columns) {
     ClipRow row;
     row.mLine = cells.mLine;
     const auto cell = [&](std::size_t i) {
@@ -97,15 +99,17 @@ class TableReader {
     return row;
   }
 
-  void FindClip(ClipRow& row) const {
+  void FindClip(ClipRow& row) {
     if (row.mFile == "-") throw Error("", "a table cannot name standard input");
-    row.mSidecar = FindSidecar(row.mFile, mSource.mForm, WhenAbsent::kCreate);
-    const fs::path folder = fs::path(row.mSidecar).parent_path();
+    std::string sidecar = mFinder.Find(row.mFile, mSource.mForm, WhenAbsent::kCreate);
+    const fs::path target = TargetOf(sidecar);
+    const fs::path folder = FolderOf(target);
     std::error_code error;
-    if (!folder.empty() && !fs::is_directory(folder, error)) {
+    if (!fs::is_directory(folder, error)) {
       throw Error("", "the folder " + folder.string() + " does not exist");
     }
-    if (fs::is_directory(row.mSidecar, error)) throw Error("", "is a directory");
+    if (fs::is_directory(target, error)) throw Error("", "is a directory");
+    row.mSidecar = std::move(sidecar);
   }
 
   void AddScene(ClipRow& row, SceneKey key, const std::string& text) const {
@@ -119,22 +123,22 @@ class TableReader {
     row.mScene = scene;
   }
 
-  // Different names can mean the same file.
+  // Different names can mean the same file, even before it exists.
   void RefuseSharedSidecars(std::vector<ClipRow>& clips) const {
     std::map<fs::path, std::vector<ClipRow*>> rowsOfSidecar;
     for (ClipRow& row : clips) {
       if (row.mSidecar.empty()) continue;
       std::error_code error;
-      rowsOfSidecar[fs::weakly_canonical(fs::absolute(row.mSidecar), error)].push_back(&row);
+      const fs::path target = fs::absolute(TargetOf(row.mSidecar));
+      rowsOfSidecar[fs::weakly_canonical(target, error)].push_back(&row);
     }
     for (const auto& [sidecar, rows] : rowsOfSidecar) {
       if (rows.size() < 2 || AgreeOnShared(rows)) continue;
-      std::string lines;
-      for (const ClipRow* row : rows) {
-        lines += (lines.empty() ? "" : ", ") + std::to_string(row->mLine);
-      }
+      std::vector<std::size_t> lines;
+      for (const ClipRow* row : rows) lines.push_back(row->mLine);
+      const std::string reason = "several lines name its sidecar: " + Enumerate(lines);
       for (ClipRow* row : rows) {
-        if (!row->mFault) row->mFault.emplace("", "several lines name its sidecar: " + lines);
+        if (!row->mFault) row->mFault.emplace("", reason);
       }
     }
   }
@@ -149,6 +153,7 @@ class TableReader {
 
   const ClipTableSource& mSource;
   const SceneFinder& mScenes;
+  SidecarFinder mFinder;
 };
 
 }  // namespace

@@ -45,14 +45,13 @@ bool MakeFolder(const fs::path& folder) {
 }
 
 // Whether a file is a packet that holds a shot's properties and no others, as is written here.
-bool IsShotPacket(const fs::path& file) {
+bool IsShotPacket(const std::string& bytes) {
   constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
   constexpr const char* kMedia = zelmetadata::kDynamicMediaSchemaURI;
   static const std::set<std::pair<std::string_view, std::string_view>> kProperties{
       {kScript, "sceneSetting"}, {kMedia, "shotLocation"}, {kScript, "sceneTimeOfDay"},
       {kScript, "action"},       {kMedia, "shotName"},     {kScript, "dialogSequence"},
       {kMedia, "scene"},         {kMedia, "duration"}};
-  const std::string bytes = ReadFile(file).value_or("");
   try {
     const TXMPMeta<std::string> packet(bytes.data(), static_cast<XMP_StringLen>(bytes.size()));
     const xmptoolkit::TreeNode root = xmptoolkit::RootOf(packet);
@@ -68,15 +67,21 @@ bool IsShotPacket(const fs::path& file) {
 
 class ShotWriter {
  public:
+  // A link in the folder is never followed, so that no file elsewhere is replaced.
   ShotWriter(const boost::intrusive_ptr<TavroStory>& story, const fs::path& folder)
-      : mStory(story), mFolder(folder), mScenes(BodyScenes(*story)) {}
+      : mStory(story),
+        mFirst(folder / PacketName(1), FileEntry::Links::kReplace),
+        mScenes(BodyScenes(*story)) {}
 
   // Checks every file that would be replaced before any is replaced.
   void RefuseForeignFiles() const {
     for (std::size_t position = 1; position <= mScenes.size(); ++position) {
-      const fs::path file = FileAt(position);
-      if (!fs::exists(file) || IsShotPacket(file) || !ShotAt(position)) continue;
-      throw Error(file.string(), "is not a shot's packet", ErrorKind::kForeignFile);
+      if (!ShotAt(position)) continue;
+      const FileEntry file = FileAt(position);
+      if (file.IsLink()) throw Error(file.Name(), "is a link", ErrorKind::kForeignFile);
+      const std::optional<std::string> bytes = file.Read();
+      if (!bytes || IsShotPacket(*bytes)) continue;
+      throw Error(file.Name(), "is not a shot's packet", ErrorKind::kForeignFile);
     }
   }
 
@@ -84,17 +89,17 @@ class ShotWriter {
     for (std::size_t position = 1; position <= mScenes.size(); ++position) {
       const std::optional<ShotXMP> shot = ShotAt(position);
       if (!shot) continue;
-      const fs::path file = FileAt(position);
-      if (settings.mIsStory && settings.mIsStory(file)) {
-        throw Error(file.string(), "is the story itself: name another folder");
+      const FileEntry file = FileAt(position);
+      if (settings.mIsStory && settings.mIsStory(file.Name())) {
+        throw Error(file.Name(), "is the story itself: name another folder");
       }
-      ReplaceFile(file, shot->mXMPPacket);
-      if (settings.mReport) settings.mReport({position, ToUTF8(shot->mShotID), file});
+      file.Replace(shot->mXMPPacket, settings.mForce ? HardLinks::kPart : HardLinks::kRefuse);
+      if (settings.mReport) settings.mReport({position, ToUTF8(shot->mShotID), file.Name()});
     }
   }
 
  private:
-  fs::path FileAt(std::size_t position) const { return mFolder / PacketName(position); }
+  FileEntry FileAt(std::size_t position) const { return mFirst.Sibling(PacketName(position)); }
 
   // The shot of the scene at a position; nothing if it makes none.
   std::optional<ShotXMP> ShotAt(std::size_t position) const {
@@ -106,7 +111,7 @@ class ShotWriter {
   }
 
   const boost::intrusive_ptr<TavroStory>& mStory;
-  const fs::path& mFolder;
+  const FileEntry mFirst;
   const std::vector<boost::intrusive_ptr<Scene>> mScenes;
 };
 
@@ -114,9 +119,9 @@ class ShotWriter {
 
 void WriteShotPackets(const boost::intrusive_ptr<TavroStory>& story, const fs::path& folder,
                       const ShotSettings& settings) {
-  const ShotWriter writer(story, folder);
   const bool isNew = MakeFolder(folder);
   try {
+    const ShotWriter writer(story, folder);
     if (!settings.mForce) writer.RefuseForeignFiles();
     writer.Write(settings);
   } catch (...) {

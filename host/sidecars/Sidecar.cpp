@@ -37,8 +37,11 @@ Error PacketError(const std::string& file, const XMP_Error& error) {
 }  // namespace
 
 Sidecar::Sidecar(const std::filesystem::path& file, WhenAbsent whenAbsent)
-    : Sidecar(file.string(), ReadFile(file), whenAbsent == WhenAbsent::kCreate) {
-  mIsFile = true;
+    : Sidecar(FileEntry(file), whenAbsent) {}
+
+Sidecar::Sidecar(const FileEntry& file, WhenAbsent whenAbsent)
+    : Sidecar(file.Name(), file.Read(), whenAbsent == WhenAbsent::kCreate) {
+  mEntry = file;
   if (!mBytes && whenAbsent == WhenAbsent::kRefuse) throw Error(mFile, "No such file or directory");
 }
 
@@ -67,10 +70,11 @@ bool Sidecar::IsChanged() const {
   return !xmptoolkit::AreEqual(mBefore, mMetadata, xmptoolkit::Equality::kMetadata);
 }
 
-void Sidecar::RefuseReadOnly() const {
-  if (mIsFile && IsWriteProtected(mFile)) {
+void Sidecar::RefuseProtected() const {
+  if (mEntry && mEntry->IsWriteProtected()) {
     throw Error(mFile, "the file has no write permission", ErrorKind::kWriteProtected);
   }
+  if (mEntry) mEntry->RefuseOtherNames();
   if (mIsReadOnlyPacket) {
     throw Error(mFile, "the packet is marked read-only", ErrorKind::kReadOnlyPacket);
   }
@@ -104,8 +108,8 @@ void Sidecar::RefuseUnlessReadable(const std::string& bytes) const {
   throw Error(mFile, "the new packet could not be read again: " + reason);
 }
 
-void Sidecar::Save() const {
-  if (IsChanged()) ReplaceFile(mFile, NewBytes());
+void Sidecar::Save(HardLinks hardLinks) const {
+  if (mEntry && IsChanged()) mEntry->Replace(NewBytes(), hardLinks);
 }
 
 }  // namespace zelstoryhost

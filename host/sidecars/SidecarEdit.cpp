@@ -91,16 +91,18 @@ SidecarChange Change(Sidecar& sidecar, Operation operation) {
 template <typename Make>
 SidecarChange Edit(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
                    const EditSettings& settings, Make make) {
-  const std::string file = FindSidecar(clipOrSidecar, settings.mForm, whenAbsent);
+  const FileEntry file(settings.mFinder
+                           ? settings.mFinder->Find(clipOrSidecar, settings.mForm, whenAbsent)
+                           : FindSidecar(clipOrSidecar, settings.mForm, whenAbsent));
   std::optional<FolderLock> lock;
-  if (!settings.mIsDryRun) lock.emplace(file, settings.mWaiting, settings.mNote);
+  if (!settings.mIsDryRun) lock.emplace(file, settings.mWaiting);
   Sidecar sidecar(file, whenAbsent);
   SidecarChange change = make(sidecar);
-  if (change.mIsChanged && !settings.mForce) sidecar.RefuseReadOnly();
+  if (change.mIsChanged && !settings.mForce) sidecar.RefuseProtected();
   if (settings.mIsDryRun) {
     change.mDifferences = DifferencesOf(sidecar, change);
   } else {
-    sidecar.Save();
+    sidecar.Save(settings.mForce ? HardLinks::kPart : HardLinks::kRefuse);
   }
   return change;
 }

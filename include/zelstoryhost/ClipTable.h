@@ -40,8 +40,9 @@ struct ClipTableSource {
 // "id"; further columns are ignored, and rows in which every cell is empty. Where a row fills
 // several, they must name the same scene. Every row is checked: that its scene is one of `scenes`,
 // that the clip or its sidecar exists, that no other row means the same sidecar, except for clips
-// that share one, by mForm, and show the same scene. Throws Error for a table that cannot be read
-// at all. May be called from several threads at once.
+// that share one, by mForm, and show the same scene. Write to mSidecar: once sidecars of other rows
+// have been created, another search for the clip's may find one of them. Throws Error for a table
+// that cannot be read at all. May be called from several threads at once.
 ZELSTORYHOST_API ClipTable ReadClipTable(std::string_view text, const ClipTableSource& source,
                                          const SceneFinder& scenes);
 

@@ -17,6 +17,7 @@ enum class ErrorKind {
   kReadOnlyPacket,   // EditSettings::mForce changes the packet anyway
   kSharedSidecar,    // other clips may share the sidecar; a SidecarForm decides
   kSeveralSidecars,  // the clip has several: name one of them, or give a SidecarForm
+  kHardLinks,        // EditSettings::mForce parts the file from its other names
   kForeignFile,      // ShotSettings::mForce replaces the file anyway
   kUnknownScene,     // no scene has the number or identifier
 };

@@ -56,8 +56,12 @@ ZELSTORYHOST_API std::vector<CharacterFacts> ReadCharacterFacts(
 // Whether a text numbers a scene: white space alone does not.
 ZELSTORYHOST_API bool IsNumber(const std::string& text);
 
+// The bytes of the longest number that names a scene in lists. A list may name a scene in many
+// rows, so that a longer one would fill it.
+inline constexpr std::size_t kLongestSceneName = 60;
+
 // What lists, links and labels call a scene: its number, or "#3" for the third scene if it has no
-// number.
+// number or one above kLongestSceneName.
 ZELSTORYHOST_API std::string SceneName(const SceneFacts& scene);
 
 // The words of all these scenes.

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
@@ -37,7 +37,7 @@ class ZELSTORYHOST_API SceneFinder {
   SelectedScene Find(SceneKey key, const std::string& text) const;
 
  private:
-  using Positions = std::unordered_map<std::string, std::vector<std::size_t>>;
+  using Positions = std::map<std::string, std::vector<std::size_t>>;
 
   SelectedScene At(std::size_t position) const { return {mScenes[position - 1], position}; }
   SelectedScene FindPosition(const std::string& text) const;

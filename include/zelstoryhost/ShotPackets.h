@@ -21,15 +21,16 @@ struct ShotPacket {
 
 // How packets are written.
 struct ShotSettings {
-  bool mForce = false;  // also replaces files that are not a shot's packet
+  bool mForce = false;  // also replaces links, files with other names, and what is not a packet
   std::function<bool(const std::filesystem::path&)> mIsStory;  // such a file is never replaced
   std::function<void(const ShotPacket&)> mReport;  // called after each packet; both may be empty
 };
 
 // Writes a packet for every scene of the body that makes a shot into a folder, which is created if
-// needed: scene_0001.xmp and so on, numbered by position. Throws Error; packets reported before
-// stay, and so do files in the way, but a new folder without files is removed again. Several
-// threads may write into different folders at once.
+// needed: scene_0001.xmp and so on, numbered by position. Nothing is written outside the folder: a
+// link in it is refused, or replaced with mForce, but never followed. Throws Error; packets
+// reported before stay, and so do files in the way, but a new folder without files is removed
+// again. Several threads may write into different folders at once.
 ZELSTORYHOST_API void WriteShotPackets(
     const boost::intrusive_ptr<zelstoryparser::TavroStory>& story,
     const std::filesystem::path& folder, const ShotSettings& settings);

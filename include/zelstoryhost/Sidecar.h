@@ -5,6 +5,7 @@
 #include <string>
 
 #include <zelstoryhost/Export.h>
+#include <zelstoryhost/Files.h>
 #include <zelstoryhost/SidecarName.h>
 
 #include <xmptoolkit/XMP.h>
@@ -18,9 +19,10 @@ class ZELSTORYHOST_API Sidecar {
   // Reads a sidecar file. An absent one is empty metadata, or refused with kRefuse. Throws Error,
   // with line and column, for what cannot be read and for what is not XMP.
   Sidecar(const std::filesystem::path& file, WhenAbsent whenAbsent);
+  Sidecar(const FileEntry& file, WhenAbsent whenAbsent);
 
   // Takes the bytes of a sidecar from elsewhere; `name` stands for it in errors. Throws Error as
-  // above. Do not call Save.
+  // above. Save does nothing then.
   static Sidecar FromBytes(std::string bytes, const std::string& name);
 
   const std::string& File() const { return mFile; }
@@ -31,8 +33,9 @@ class ZELSTORYHOST_API Sidecar {
   // Whether the metadata differs from what was read; a sidecar to be created always does.
   bool IsChanged() const;
 
-  // Throws Error when the file has no write permission, or the packet is marked read-only.
-  void RefuseReadOnly() const;
+  // Throws Error when the file has no write permission or has other names (hard links), and when
+  // the packet is marked read-only.
+  void RefuseProtected() const;
 
   // What the file would hold after Save: the bytes as they were read where nothing has changed,
   // else with a new packet in place of the old one. What surrounds the packet stays, and so do its
@@ -41,8 +44,9 @@ class ZELSTORYHOST_API Sidecar {
   // beyond the limit of a tag.
   std::string NewBytes() const;
 
-  // Writes these bytes to the file, whole or not at all, if the metadata has changed. Throws Error.
-  void Save() const;
+  // Writes these bytes to the file, whole or not at all, if the metadata has changed. Throws Error;
+  // the file is then as it was.
+  void Save(HardLinks hardLinks = HardLinks::kRefuse) const;
 
  private:
   Sidecar(std::string name, std::optional<std::string> bytes, bool isCreated);
@@ -50,7 +54,7 @@ class ZELSTORYHOST_API Sidecar {
   void RefuseUnlessReadable(const std::string& bytes) const;
 
   std::string mFile;
-  bool mIsFile = false;               // rather than bytes from elsewhere
+  std::optional<FileEntry> mEntry;    // none for bytes from elsewhere
   bool mIsCreated;                    // when absent
   std::optional<std::string> mBytes;  // of the file as it was; none when it was absent
   bool mIsReadOnlyPacket = false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -66,10 +67,11 @@ ZELSTORYHOST_API std::vector<Difference> DifferencesOf(const Sidecar& sidecar,
 // How files are changed.
 struct EditSettings {
   bool mIsDryRun = false;  // lists the differences and leaves the file alone
-  bool mForce = false;     // also changes write-protected files and read-only packets
-  FolderLock::Waiting mWaiting = FolderLock::Waiting::kAsLongAsNeeded;
-  FolderLock::Note mNote;            // called while waiting for another process; may be empty
-  std::optional<SidecarForm> mForm;  // of the sidecar's name
+  bool mForce = false;     // also changes write-protected files and read-only packets, and parts
+                           // files from their other names (hard links)
+  Waiting mWaiting;        // for the folder's lock; a dry run takes none
+  std::optional<SidecarForm> mForm;        // of the sidecar's name
+  std::shared_ptr<SidecarFinder> mFinder;  // of a run over many clips, on one thread; may be null
 };
 
 // Writes a scene, which must not be null, into the sidecar of a clip, creating it if needed. Holds

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -28,5 +29,25 @@ enum class WhenAbsent {
 // kRefuse, when it has none. May be called from several threads at once.
 ZELSTORYHOST_API std::string FindSidecar(const std::string& clipOrSidecar,
                                          std::optional<SidecarForm> form, WhenAbsent whenAbsent);
+
+class ClipFolders;
+
+// Finds the sidecars of many clips, as FindSidecar does, but lists each folder at most once. Use
+// one for each run: of what is added to a folder later, it sees only sidecars whose names end in
+// .xmp in lower case, as all do that are created here. Belongs to one thread at a time.
+class ZELSTORYHOST_API SidecarFinder {
+ public:
+  SidecarFinder();
+  ~SidecarFinder();
+  SidecarFinder(const SidecarFinder&) = delete;
+  SidecarFinder& operator=(const SidecarFinder&) = delete;
+
+  // Throws Error as FindSidecar does.
+  std::string Find(const std::string& clipOrSidecar, std::optional<SidecarForm> form,
+                   WhenAbsent whenAbsent);
+
+ private:
+  std::unique_ptr<ClipFolders> mFolders;
+};
 
 }  // namespace zelstoryhost

@@ -25,8 +25,9 @@ struct StoryResult {
 };
 
 // Reads a story file. A fault names the tag, or the place where the XML is malformed, with line,
-// column and the place in the story; it has no position when the file could not be opened. A
-// document without a root is a fault. Throws nothing but std::bad_alloc.
+// column and the place in the story; it has no position when the file could not be opened, or is a
+// directory, a device or a pipe. A document without a root is a fault. Throws nothing but
+// std::bad_alloc.
 [[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(const std::filesystem::path& file);
 
 // Reads a story from a stream, to its end; `name` stands for it in faults.

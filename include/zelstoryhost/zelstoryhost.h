@@ -2,20 +2,29 @@
 
 // The whole public interface of zelstoryhost: story files, scenes, sidecars and lists.
 
-#include <zelstoryhost/ClipTable.h>
+// Errors and texts
 #include <zelstoryhost/Error.h>
+#include <zelstoryhost/Text.h>
+
+// Whole files
 #include <zelstoryhost/Files.h>
 #include <zelstoryhost/FolderLock.h>
-#include <zelstoryhost/JSONWriter.h>
+
+// What a script holds
 #include <zelstoryhost/RunningTime.h>
 #include <zelstoryhost/SceneFacts.h>
 #include <zelstoryhost/SceneFinder.h>
+#include <zelstoryhost/Story.h>
+#include <zelstoryhost/StoryLists.h>
+
+// A clip's XMP file
+#include <zelstoryhost/ClipTable.h>
 #include <zelstoryhost/ShotPackets.h>
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/SidecarEdit.h>
 #include <zelstoryhost/SidecarName.h>
-#include <zelstoryhost/Story.h>
+
+// What other programs read
+#include <zelstoryhost/JSONWriter.h>
 #include <zelstoryhost/StoryJSON.h>
-#include <zelstoryhost/StoryLists.h>
 #include <zelstoryhost/Table.h>
-#include <zelstoryhost/Text.h>

@@ -7,6 +7,19 @@
 #include "support/ScratchFolder.h"
 #include "support/Story.h"
 
+#if defined(__linux__)
+#include <dlfcn.h>
+
+// Called before a file is opened, as another process might act at that moment.
+static void (*theRival)(const char* name) = nullptr;
+
+extern "C" FILE* fopen(const char* name, const char* mode) {
+  static const auto open = reinterpret_cast<decltype(&fopen)>(dlsym(RTLD_NEXT, "fopen"));
+  if (theRival != nullptr) theRival(name);
+  return open(name, mode);
+}
+#endif
+
 namespace zelstoryparser {
 namespace {
 
@@ -109,6 +122,16 @@ TEST_F(TraverseStoryTest, ReplacesWhatLiesThere) {
   fs::remove_all(FileOf(2));
   EXPECT_EQ(Files(), "1:'e' 3:'c' 4:'d' ");
 }
+
+#if defined(__linux__)
+TEST_F(TraverseStoryTest, NeverWritesThroughALinkThatAnotherProcessPutsThere) {
+  theRival = [](const char* name) { fs::create_symlink("target", name); };
+  const fs::path target = mFolder.Write("target", "kept");
+  Traverse(MakeStory("a"));
+  theRival = nullptr;
+  EXPECT_EQ(ReadBytes(target), "kept");
+}
+#endif
 
 }  // namespace
 }  // namespace zelstoryparser

@@ -54,6 +54,22 @@ ScenePtr House() {
   return MakeScene("H:INT. L - T / A:a / C:C / D:d", "7", "1");
 }
 
+UTF16String WriteHouse(Metadata& metadata, Paths& paths) {
+  return WriteSceneMetadataIntoXMP(House(), metadata, paths);
+}
+
+TEST(SceneFaults, ARefusedNamespaceChangesNothing) {
+  Metadata metadata(MakePacket("O:o"));
+  const std::string refused = "XMP_Error 0 " + PacketText(metadata);
+  std::vector<ShotXMP> shots;
+  faultytoolkit::refusesNamespaces = true;
+  EXPECT_EQ(Outcome(MakePacket("O:o"), WriteHouse), refused);
+  EXPECT_EQ(Outcome(MakePacket("O:o"), ClearSceneMetadataFromXMP), refused);
+  EXPECT_THROW(HasAnyStoryRelatedMetadata(metadata), XMP_Error);
+  EXPECT_THROW(GetSceneXMP(nullptr, House(), 1, shots), XMP_Error);
+  faultytoolkit::refusesNamespaces = false;
+}
+
 TEST(SceneFaults, Write) {
   const Packet before = MakePacket("s:action=old; s:sceneSetting=old; O:o");
   ExpectOutcomes(R"(
@@ -66,11 +82,7 @@ TEST(SceneFaults, Write) {
       set seq[last()] character 'C' 0 => write D! 4 L A seq({}) S T
       set seq[last()] dialog 'd' 0 => write D! 4 L A seq({c='C'}) S T ;; count seq => XMP_Error 4 L A seq(new) S T
       => \s6 L A seq(new) S T)",
-                 [&] {
-                   return Outcome(before, [](Metadata& metadata, Paths& paths) {
-                     return WriteSceneMetadataIntoXMP(House(), metadata, paths);
-                   });
-                 });
+                 [&] { return Outcome(before, WriteHouse); });
 }
 
 TEST(SceneFaults, Clear) {

@@ -72,6 +72,7 @@ TEST(StoryTree, CopiesAreShallowAndPartsOutliveTheRest) {
   story->mDocument = copy->mDocument = nullptr;
   EXPECT_EQ(stream->mRefCount, 1);
   EXPECT_EQ(DumpTree(stream->mSection), "section>scene#s>207");
+  EXPECT_EQ(boost::intrusive_ptr<Paragraph>(new Paragraph)->mElementType, 0);
 }
 
 }  // namespace

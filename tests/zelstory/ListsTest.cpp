@@ -5,6 +5,7 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 
 using ListsTest = Scratch;
@@ -32,6 +33,22 @@ TEST_F(ListsTest, AreAlignedForPeople) {
             "(A VOICE)         2      2  #2     #3    #2-#3\n");
   EXPECT_THAT(Tool("stats -", kStory).mOutput,
               HasSubstr("\nunknown            1      1\nparagraphs        13     25\n"));
+}
+
+// One long text pads no other row, and fills no other list.
+TEST_F(ListsTest, LongTextsStayInTheirRow) {
+  const std::string text(300, 'X');
+  const std::string story =
+      Story("<scene sceneNumber='" + text + "'>" + Paragraph("Character", "ANNA") +
+            Paragraph("Dialog", "One.") + "</scene><scene>" +
+            Paragraph("SceneHeading", "INT. " + text + " - DAY") + "</scene><scene>" +
+            Paragraph("SceneHeading", "INT. Y - DAY") + "</scene>");
+  EXPECT_THAT(Tool("scenes -", story).mOutput,
+              AllOf(HasSubstr("INT      " + text + "  DAY "),
+                    HasSubstr("INT      Y" + std::string(59, ' ') + "  DAY ")));
+  EXPECT_THAT(Tool("characters -", story).mOutput, HasSubstr("  1  #1     #1    #1\n"));
+  EXPECT_THAT(Tool("show - --scene 1", story).mErrors,
+              HasSubstr(text.substr(0, 60) + "...\": use"));
 }
 
 TEST_F(ListsTest, AreReadByPrograms) {

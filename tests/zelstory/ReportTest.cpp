@@ -115,7 +115,8 @@ TEST_F(ReportTest, ManyScenesAndPeopleStayReadable) {
   Has(page, {"The chart has the first 30 of <a href=\"#characters\">40 characters</a>.",
              "<title>P7, scenes #7 to #9: 1 speech, 2 words</title><rect class=\"cell s4\"",
              "<title>P6, scenes #7 to #9: 1 speech, 1 word</title><rect class=\"cell s3\"",
-             "scope=\"row\">P39</th>", "<title>scenes #298 to #300: 6 words</title>"});
+             "The longest: scenes #7 to #9, 7 words.", "scope=\"row\">P39</th>",
+             "<title>scenes #298 to #300: 6 words</title>"});
 }
 
 TEST_F(ReportTest, EstimatesAreMarked) {

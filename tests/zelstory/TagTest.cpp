@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "support/Table.h"
 #include "zelstory/Scratch.h"
 
 namespace {
@@ -57,10 +58,10 @@ TEST_F(TagTest, ReadsTheTablesThatSpreadsheetsWrite) {
 TEST_F(TagTest, AFaultyTableWritesNothingUnlessAsked) {
   const std::string table =
       "clip,position,scene\nc.mov,1,\na.mov,9,\n,1,\nb.mov,2,\n./b.mov.xmp,2,\nnone.mov,1,\n"
-      "x.xmp,1,2\ny.xmp,,\nz.xmp,two,\nno/z.xmp,1,\n";
+      "x.xmp,1,2\ny.xmp,,\ny.xmp,,\nz.xmp,two,\nno/z.xmp,1,\n";
   const Outcome refused = Tag(table);
   EXPECT_EQ(refused.mStatus, 1);
-  EXPECT_THAT(refused.mErrors, StartsWith("day/clips.csv: error: 9 of 10 rows have faults"));
+  EXPECT_THAT(refused.mErrors, StartsWith("day/clips.csv: error: 10 of 11 rows have faults"));
   const std::string faults =
       "a.mov: refused: there is no scene at position 9; the body has 4 scenes\n"
       "day/clips.csv:4: refused: the row names no clip\n"
@@ -68,14 +69,30 @@ TEST_F(TagTest, AFaultyTableWritesNothingUnlessAsked) {
       "./b.mov.xmp: refused: several lines name its sidecar: 5, 6\n"
       "none.mov: refused: No such clip (a sidecar's name ends in .xmp)\n"
       "x.xmp: refused: the row names two scenes, at the positions 1 and 2\n"
-      "y.xmp: refused: the row names no scene\n"
+      "y.xmp: refused: the row names no scene\ny.xmp: refused: the row names no scene\n"
       "z.xmp: refused: \"two\" is not a position; positions are whole numbers from 1\n"
       "no/z.xmp: refused: the folder day/no does not exist\n";
   EXPECT_EQ(refused.mOutput, "c.mov: refused: other rows have faults\n" + faults);
+  EXPECT_THAT(Tag(table, "--json").mOutput,
+              HasSubstr(R"(,"outcome":"refused","reason":"the row names two scenes)"));
   EXPECT_EQ(Run("ls day").mOutput, "a.mov\nb.mov\nc.mov\nclips.csv\n");
   const Outcome going = Tag(table, "--keep-going");
   EXPECT_EQ(going.mStatus, 1);
   EXPECT_EQ(going.mOutput, "c.mov: written\n" + faults);
+}
+
+TEST_F(TagTest, LinksThatMeanOneFileAreFoundBeforeItExists) {
+  Run("cd day; ln -s new.xmp link.xmp; ln -s loop.xmp loop.xmp");
+  const std::string fault = ": refused: several lines name its sidecar: 3, 4, 5, 6, 7 and 3 more\n";
+  EXPECT_EQ(
+      Tag("clip,scene\nloop.xmp,1\n" + Repeated("new.xmp,1\nlink.xmp,2\n", 4)).mOutput,
+      "loop.xmp: refused: too many links\n" + Repeated("new.xmp" + fault + "link.xmp" + fault, 4));
+}
+
+// The first row creates a sidecar that the second clip could share.
+TEST_F(TagTest, WritesTheFilesThatTheCheckFound) {
+  EXPECT_EQ(Tag("clip,scene\na.xmp,1\na.mov,2\n").mOutput, "a.xmp: written\na.mov: written\n");
+  EXPECT_THAT(Read("day/a.xmp"), HasSubstr(">HARBOUR<"));
 }
 
 TEST_F(TagTest, OneClipsFaultStopsNoOther) {

@@ -3,7 +3,7 @@
 namespace zelstoryhost {
 
 // The standard library has no locks on files.
-FolderLock::FolderLock(const std::filesystem::path&, Waiting, const Note&) {}
+FolderLock::FolderLock(const FileEntry&, const Waiting&) {}
 FolderLock::~FolderLock() = default;
 
 }  // namespace zelstoryhost

@@ -23,7 +23,6 @@ PrefixTable::PrefixTable(const Document& document)
     : mDocument(document), mPrefixes(document.mNames.NamespaceCount()) {
   std::vector<bool> isUsed(mPrefixes.size());
   mPrefixes[kRDFSpace] = "rdf";
-  mPrefixes[kXMLSpace] = "xml";
   isUsed[kRDFSpace] = isUsed[kXMLSpace] = true;
   for (const Node& property : document.mRoot.Children()) Collect(property, isUsed);
   Assign();

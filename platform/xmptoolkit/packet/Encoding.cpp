@@ -1,5 +1,3 @@
-#include <array>
-
 #include <xmptoolkit/model/Text.h>
 #include <xmptoolkit/packet/Encoding.h>
 #include <zelcore/UTF8.h>
@@ -7,10 +5,6 @@
 namespace xmptoolkit {
 
 namespace {
-
-bool IsBigEndian(Encoding encoding) {
-  return encoding == Encoding::kUTF16Big || encoding == Encoding::kUTF32Big;
-}
 
 void AppendUnit(char32_t unit, Encoding encoding, std::string& bytes) {
   const std::size_t size = UnitSize(encoding);
@@ -42,53 +36,36 @@ char32_t DecodeCharacter(std::string_view bytes, std::size_t& position, Encoding
 }  // namespace
 
 Encoding EncodingOf(XMP_OptionBits options) {
-  const auto encoding = static_cast<Encoding>(options & kXMP_EncodingMask);
-  switch (encoding) {
-    case Encoding::kUTF8:
-    case Encoding::kUTF16Big:
-    case Encoding::kUTF16Little:
-    case Encoding::kUTF32Big:
-    case Encoding::kUTF32Little:
-      return encoding;
+  switch (options & kXMP_EncodingMask) {
+    case kXMP_EncodeUTF8:
+      return Encoding::kUTF8;
+    case kXMP_EncodeUTF16Big:
+      return Encoding::kUTF16Big;
+    case kXMP_EncodeUTF16Little:
+      return Encoding::kUTF16Little;
+    case kXMP_EncodeUTF32Big:
+      return Encoding::kUTF32Big;
+    case kXMP_EncodeUTF32Little:
+      return Encoding::kUTF32Little;
+    default:
+      throw XMP_Error(kXMPErr_BadOptions, "the options do not name an encoding of packets");
   }
-  throw XMP_Error(kXMPErr_BadOptions, "the options do not name an encoding of packets");
 }
 
-std::size_t UnitSize(Encoding encoding) {
+XMP_OptionBits OptionsOf(Encoding encoding) {
   switch (encoding) {
     case Encoding::kUTF8:
-      return 1;
+      return kXMP_EncodeUTF8;
     case Encoding::kUTF16Big:
+      return kXMP_EncodeUTF16Big;
     case Encoding::kUTF16Little:
-      return 2;
+      return kXMP_EncodeUTF16Little;
     case Encoding::kUTF32Big:
+      return kXMP_EncodeUTF32Big;
     case Encoding::kUTF32Little:
-      return 4;
+      return kXMP_EncodeUTF32Little;
   }
-  return 1;
-}
-
-Encoding DetectEncoding(std::string_view bytes, std::size_t& markSize) {
-  using namespace std::string_view_literals;
-  struct Mark {
-    std::string_view mBytes;
-    Encoding mEncoding;
-  };
-  static constexpr std::array<Mark, 5> kMarks = {{{"\xFF\xFE\0\0"sv, Encoding::kUTF32Little},
-                                                  {"\0\0\xFE\xFF"sv, Encoding::kUTF32Big},
-                                                  {"\xFE\xFF"sv, Encoding::kUTF16Big},
-                                                  {"\xFF\xFE"sv, Encoding::kUTF16Little},
-                                                  {"\xEF\xBB\xBF"sv, Encoding::kUTF8}}};
-  for (const Mark& mark : kMarks) {
-    if (!bytes.starts_with(mark.mBytes)) continue;
-    markSize = mark.mBytes.size();
-    return mark.mEncoding;
-  }
-  markSize = 0;
-  const auto isZero = [bytes](std::size_t i) { return i < bytes.size() && bytes[i] == '\0'; };
-  if (isZero(0)) return isZero(1) ? Encoding::kUTF32Big : Encoding::kUTF16Big;
-  if (!isZero(1)) return Encoding::kUTF8;
-  return isZero(2) && isZero(3) ? Encoding::kUTF32Little : Encoding::kUTF16Little;
+  return kXMP_EncodeUTF8;
 }
 
 char32_t UnitAt(std::string_view bytes, std::size_t position, Encoding encoding) {

@@ -5,28 +5,21 @@
 #include <string_view>
 
 #include <xmptoolkit/XMPTypes.h>
+#include <zelcore/xml/DocumentEncoding.h>
 
 namespace xmptoolkit {
 
-// The encodings that a packet may have. The values are those of the option bits.
-enum class Encoding : XMP_OptionBits {
-  kUTF8 = kXMP_EncodeUTF8,
-  kUTF16Big = kXMP_EncodeUTF16Big,
-  kUTF16Little = kXMP_EncodeUTF16Little,
-  kUTF32Big = kXMP_EncodeUTF32Big,
-  kUTF32Little = kXMP_EncodeUTF32Little,
-};
+// The encodings that a packet may have.
+using Encoding = zelcore::xml::UnicodeForm;
+using zelcore::xml::IsBigEndian;
+using zelcore::xml::UnitSize;
 
 // The encoding that option bits name; the other bits are ignored. Throws BadOptions when they name
 // none.
 Encoding EncodingOf(XMP_OptionBits options);
 
-// Bytes of a code unit: 1, 2 or 4.
-std::size_t UnitSize(Encoding encoding);
-
-// The encoding of XML text that begins here, from its byte-order mark or else from the positions of
-// the zero bytes in its first character. `markSize` receives the size of the mark, 0 without one.
-Encoding DetectEncoding(std::string_view bytes, std::size_t& markSize);
+// The option bits that name an encoding.
+XMP_OptionBits OptionsOf(Encoding encoding);
 
 // The value of the code unit at `position`, which must be inside `bytes`; kNoUnit when fewer bytes
 // than a unit are left.

@@ -9,7 +9,7 @@ namespace xmptoolkit {
 
 namespace {
 
-constexpr std::string_view kHeader = "<?xpacket begin=";
+constexpr std::string_view kHeaderStart = "<?xpacket begin=";
 constexpr std::string_view kTrailer = "<?xpacket end=";
 constexpr std::string_view kMarkupEnd = "?>";
 constexpr std::string_view kWhiteSpace = " \t\n\r";
@@ -41,12 +41,12 @@ std::size_t FindFirst(std::string_view bytes, const std::string& encoded) {
 // the header settles the byte order: one byte further on, the letters alone fit the other order.
 std::size_t FindHeader(std::string_view bytes, Encoding& encoding) {
   encoding = Encoding::kUTF8;
-  if (const std::size_t found = bytes.find(kHeader); found != npos) return found;
+  if (const std::size_t found = bytes.find(kHeaderStart); found != npos) return found;
   for (const Encoding wide :
        {Encoding::kUTF32Big, Encoding::kUTF32Little, Encoding::kUTF16Big, Encoding::kUTF16Little}) {
     for (const std::string_view mark : {"\"\xEF\xBB\xBF\"", "'\xEF\xBB\xBF'"}) {
       encoding = wide;
-      const std::size_t found = FindFirst(bytes, Encode(std::string(kHeader).append(mark), wide));
+      const std::size_t found = FindFirst(bytes, Encode(std::string(kHeaderStart).append(mark), wide));
       if (found != npos) return found;
     }
   }
@@ -99,12 +99,14 @@ XMP_PacketInfo FindPacket(std::string_view buffer) {
   const std::size_t header = FindHeader(buffer, encoding);
   packet.mHasWrapper = header != npos;
   if (!packet.mHasWrapper) {
-    packet.mEncoding = static_cast<XMP_OptionBits>(DetectEncoding(buffer, packet.mOffset));
+    const zelcore::xml::DetectedForm detected = zelcore::xml::DetectForm(buffer);
+    packet.mEncoding = OptionsOf(detected.mForm);
+    packet.mOffset = detected.mMarkBytes;
     packet.mLength = buffer.size() - packet.mOffset;
     return packet;
   }
   packet.mOffset = header;
-  packet.mEncoding = static_cast<XMP_OptionBits>(encoding);
+  packet.mEncoding = OptionsOf(encoding);
   const std::size_t trailer = FindLast(buffer, kTrailer, encoding, header);
   if (trailer == npos) {
     RefuseWrapper(buffer, header, encoding, "the packet has no trailer <?xpacket end=\"w\"?>");
@@ -138,8 +140,8 @@ XMP_PacketInfo WithoutSurroundings(std::string_view buffer, XMP_PacketInfo packe
 zelcore::xml::Position PositionAt(std::string_view buffer, std::size_t offset, Encoding encoding) {
   zelcore::xml::Position position;
   const std::size_t unitSize = UnitSize(encoding);
-  std::size_t markSize = 0;
-  if (DetectEncoding(buffer, markSize) != encoding) markSize = 0;
+  const zelcore::xml::DetectedForm detected = zelcore::xml::DetectForm(buffer);
+  const std::size_t markSize = detected.mForm == encoding ? detected.mMarkBytes : 0;
   for (std::size_t i = markSize; i + unitSize <= offset; i += unitSize) {
     const char32_t value =
         unitSize == 1 ? static_cast<unsigned char>(buffer[i]) : UnitAt(buffer, i, encoding);

@@ -15,9 +15,8 @@ constexpr std::size_t npos = std::string_view::npos;
 // What precedes a wrapper, if it begins with an XML declaration in the encoding of the packet.
 std::string DeclarationBefore(std::string_view buffer, const XMP_PacketInfo& packet) {
   const Encoding encoding = EncodingOf(packet.mEncoding);
-  std::size_t markSize = 0;
-  if (DetectEncoding(buffer, markSize) != encoding) return {};
-  if (packet.mOffset < markSize) return {};
+  const auto [form, markSize] = zelcore::xml::DetectForm(buffer);
+  if (form != encoding || packet.mOffset < markSize) return {};
   const std::string_view before = buffer.substr(markSize, packet.mOffset - markSize);
   if (!before.starts_with(Encode("<?xml", encoding))) return {};
   std::size_t malformedAt = npos;

@@ -9,12 +9,8 @@
 // UTF-8, without byte-order mark.
 namespace xmptoolkit {
 
-// True when text begins with an XML declaration.
-bool BeginsWithDeclaration(std::string_view text);
-
-// The name of an encoding in the declaration at the start of `text`, as a part of it; a null view
-// when there is none.
-std::string_view DeclaredEncoding(std::string_view text);
+using zelcore::xml::BeginsWithDeclaration;
+using zelcore::xml::DeclaredEncoding;
 
 // True for a name of US-ASCII, in any case.
 bool IsASCIIName(std::string_view name);

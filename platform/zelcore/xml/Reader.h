@@ -22,14 +22,15 @@ struct ReadError {
 // StartElement, EndElement, Characters, StartCDATA, EndCDATA, Comment, EndDocument. A handler whose
 // WantsNamespaces says so also gets the namespace-aware ones.
 //
-// Understood: XML 1.0 in UTF-8, UTF-16 with a byte-order mark, and the encodings that the XML
-// declaration may name. Nothing outside the given document is ever opened. Refused: what is not
-// well-formed, or not text in its encoding; any use of an external entity or of an undeclared one;
-// more than 10,000 open elements, attributes of a tag, declared attributes, or namespaces in force;
-// more than 250,000 different names; a tag, comment or CDATA section of much more than 8 MiB (the
-// next piece read may still pass); entities that multiply each other to more than about ten times
-// the document's bytes, as the XML library counts; entities and default attributes that deliver
-// more than four times the document's bytes and 64 MiB, or take as long.
+// Understood: XML 1.0 in UTF-8, in UTF-16 and UTF-32 with a byte-order mark or a declaration, and
+// in the encodings that the XML declaration may name. Nothing outside the given document is ever
+// opened. Refused: what is not well-formed, or not text in its encoding; a declaration of another
+// encoding than the byte-order mark or the bytes show; any use of an external entity or of an
+// undeclared one; more than 10,000 open elements, attributes of a tag, declared attributes, or
+// namespaces in force; more than 250,000 different names; a tag, comment or CDATA section of much
+// more than 8 MiB (the next piece read may still pass); entities that multiply each other to more
+// than about ten times the document's bytes, as the XML library counts; entities and default
+// attributes that deliver more than four times the document's bytes and 64 MiB, or take as long.
 //
 // A parse that fails returns false and leaves the reason in Error(); the handler has received the
 // events up to that place, and EndDocument. An exception of the handler passes through. In both

@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -16,6 +17,8 @@
 #include <zelcore/xml/CDATAText.h>
 #include <zelcore/xml/DocumentLimits.h>
 #include <zelcore/xml/DocumentPlace.h>
+#include <zelcore/xml/EncodingCheck.h>
+#include <zelcore/xml/EntityText.h>
 #include <zelcore/xml/SAXDriver.h>
 
 // The only source that knows libxml2: its callbacks, and what has to be known of its inside.
@@ -23,6 +26,8 @@ namespace zelcore::xml {
 namespace {
 
 constexpr std::size_t kChunkBytes = 65'536;
+constexpr const char* kEndsEarly = "the document ends before its root element does";
+constexpr int kOptions = XML_PARSE_NOENT | XML_PARSE_NONET;
 
 std::string_view View(const xmlChar* text) {
   return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
@@ -34,6 +39,15 @@ std::string_view View(const xmlChar* begin, const xmlChar* end) {
 
 std::string_view Content(xmlBufPtr buffer) {
   return {reinterpret_cast<const char*>(xmlBufContent(buffer)), xmlBufUse(buffer)};
+}
+
+const xmlChar* Bytes(const std::string& text) {
+  return reinterpret_cast<const xmlChar*>(text.c_str());
+}
+
+// The twin of an entity (ParseState::DeclareEntity). No document can refer to this name.
+std::string NameOfTwin(std::string_view entity) {
+  return std::string(entity) + '\r';
 }
 
 // `consumed` counts what was dropped before `base`; the bytes up to `cur` have been read.
@@ -60,6 +74,16 @@ std::string Hex(std::string_view bytes) {
     ((text += " 0x") += kDigits[value / 16]) += kDigits[value % 16];
   }
   return text;
+}
+
+std::string Encode(std::string_view ascii, UnicodeForm form) {
+  std::string bytes;
+  for (const char c : ascii) {
+    const std::size_t begin = bytes.size();
+    bytes.append(UnitSize(form), '\0');
+    bytes[IsBigEndian(form) ? bytes.size() - 1 : begin] = c;
+  }
+  return bytes;
 }
 
 struct ContextDeleter {
@@ -128,6 +152,7 @@ class ParseState {
     mCurrent = static_cast<xmlParserCtxt*>(context);
     Try([&] {
       FollowInput();
+      if (mEnd) RefuseBeyondEnd(ReadingPosition());
       action();
     });
     if (HasStopped()) Halt();
@@ -144,6 +169,8 @@ class ParseState {
   void Doctype() { mEvents.Doctype(); }
   void DeclareAttribute() { Enforce(mLimits.DeclareAttribute()); }
   void ReferTo(std::string_view name, const xmlEntity* entity);
+  void DeclareEntity(const std::string& name, std::string_view text);
+  xmlEntityPtr ForPlace(std::string_view name, xmlEntityPtr entity) const;
 
   // These guard themselves.
   void BeginDocument();
@@ -179,6 +206,13 @@ class ParseState {
   }
 
   const xmlParserInput* Input() const;
+  std::string_view Begin(std::string_view bytes, bool isWhole);
+  void Parse(std::string_view bytes);
+  void CloseSubset();
+  void End();
+  void Declare(const std::string& name, std::string&& text);
+  void RefuseBeyondEnd(const Position& position) const;
+  void Decode();
   void FollowInput();
   Position ReadingPosition() const;
   void EndCDATASection();
@@ -198,8 +232,11 @@ class ParseState {
   DocumentPlace mPlace;
   DocumentLimits mLimits;
   CDATAText mCDATA;
-  bool mIsInTag = false;    // a tag is being reported
-  bool mRootEnded = false;  // the root element is complete
+  UnicodeForm mForm = UnicodeForm::kUTF8;
+  std::optional<Position> mEnd;  // of a document that ends in its internal subset
+  bool mHasBegun = false;        // the first bytes have been fed
+  bool mIsInTag = false;         // a tag is being reported
+  bool mRootEnded = false;       // the root element is complete
 
   // Of the tag that is being reported; kept for their memory.
   std::vector<NamespaceView> mDeclarations;
@@ -237,6 +274,14 @@ Position ParseState::CurrentPosition() const {
   return isDocumentsTag ? mPlace.LastTag() : ReadingPosition();
 }
 
+// Refuses a document whose fault is that it ends, if that is why libxml2 has gone beyond its end.
+void ParseState::RefuseBeyondEnd(const Position& position) const {
+  if (!mEnd || std::tie(position.mLine, position.mColumn) < std::tie(mEnd->mLine, mEnd->mColumn)) {
+    return;
+  }
+  throw Refusal{{*mEnd, kEndsEarly}};
+}
+
 // Refuses a document of which a part could not be converted to UTF-8. libxml2 converts what it is
 // fed at once, from `raw` to `buffer`: what is left in `raw` begins with the bytes that failed.
 void ParseState::CheckConversion() {
@@ -253,7 +298,7 @@ void ParseState::CheckConversion() {
 std::string ParseState::ReasonOf(const xmlError& error) const {
   // libxml2 uses this code for a document that is cut off and for one with more after its end.
   const bool endsEarly = error.code == XML_ERR_DOCUMENT_END && !mRootEnded;
-  if (endsEarly) return "the document ends before its root element does";
+  if (endsEarly) return kEndsEarly;
   if (error.code == XML_ERR_ENTITY_LOOP) return "entities expand too far, or refer to themselves";
   // libxml2 also uses this code for input that does not begin with markup.
   if (error.code == XML_ERR_DOCUMENT_EMPTY) return "the document does not begin with markup";
@@ -347,6 +392,32 @@ void ParseState::ReferTo(std::string_view name, const xmlEntity* entity) {
   Refuse("entity '" + std::string(name) + "' is external; external entities are never read");
 }
 
+// In the text of an entity, a carriage return comes from a character reference, but libxml2 takes
+// it for a line end. Such an entity gets a twin for use in content, whose text keeps the
+// references. In attributes, where XML makes a blank of the character but not of a reference, it is
+// used itself.
+void ParseState::DeclareEntity(const std::string& name, std::string_view text) {
+  Declare(name, std::string(text));
+  if (text.find('\r') != std::string_view::npos) Declare(NameOfTwin(name), WithReferences(text));
+}
+
+// libxml2 does not report that it has no memory for an entity.
+void ParseState::Declare(const std::string& name, std::string&& text) {
+  xmlSAX2EntityDecl(mCurrent, Bytes(name), XML_INTERNAL_GENERAL_ENTITY, nullptr, nullptr,
+                    reinterpret_cast<xmlChar*>(text.data()));
+  if (xmlSAX2GetEntity(mCurrent, Bytes(name)) == nullptr) throw std::bad_alloc();
+}
+
+// The entity to use at the place of a reference: itself or its twin, or null if it is not declared.
+xmlEntityPtr ParseState::ForPlace(std::string_view name, xmlEntityPtr entity) const {
+  const bool isInContent = mCurrent->instate != XML_PARSER_ATTRIBUTE_VALUE;
+  const bool isInternal = entity != nullptr && entity->etype == XML_INTERNAL_GENERAL_ENTITY;
+  if (!isInContent || !isInternal || entity->content == nullptr) return entity;
+  const std::string_view text = View(entity->content, entity->content + entity->length);
+  if (text.find('\r') == std::string_view::npos) return entity;
+  return xmlSAX2GetEntity(mCurrent, Bytes(NameOfTwin(name)));
+}
+
 // libxml2 has no message without memory, and takes the name of a namespace that it cannot store to
 // be empty. It has just read the name.
 bool ShowsShortage(const xmlParserInput* input, const xmlError& error) {
@@ -373,6 +444,11 @@ void ParseState::ReportError(void* context, const xmlError& error) {
       error.code == XML_ERR_UNDECLARED_ENTITY || error.code == XML_WAR_UNDECLARED_ENTITY;
   if (error.level != XML_ERR_FATAL && !losesText) return;
   Try([&] {
+    // The text of an entity that has no fault, which would have stopped the parse, lacks memory.
+    const bool hasMessage = error.message != nullptr;
+    if (hasMessage && std::string_view(error.message).ends_with("' failed to parse\n")) {
+      throw std::bad_alloc();
+    }
     FollowInput();
     // Bytes that failed to be converted look like the end of the document.
     if (error.code == XML_ERR_DOCUMENT_END) CheckConversion();
@@ -381,6 +457,7 @@ void ParseState::ReportError(void* context, const xmlError& error) {
     if (context == mContext.get() && error.line > position.mLine) {
       position = {error.line, std::max(error.int2, 1)};
     }
+    RefuseBeyondEnd(position);
     throw Refusal{{position, ReasonOf(error)}};
   });
 }
@@ -459,10 +536,22 @@ void OnAttributeDeclaration(void* context, const xmlChar* /*element*/, const xml
   OnState(context, [](ParseState& state) { state.DeclareAttribute(); });
 }
 
+void OnEntityDeclaration(void* context, const xmlChar* name, int type, const xmlChar* publicID,
+                         const xmlChar* systemID, xmlChar* content) {
+  if (type != XML_INTERNAL_GENERAL_ENTITY) {
+    xmlSAX2EntityDecl(context, name, type, publicID, systemID, content);
+    return;
+  }
+  OnState(context,
+          [&](ParseState& state) { state.DeclareEntity(std::string(View(name)), View(content)); });
+}
+
 // Every reference to an entity comes through here, also those inside other entities.
 xmlEntityPtr FindEntity(void* context, const xmlChar* name, xmlEntityPtr entity) {
-  const ParseState& state =
-      OnState(context, [&](ParseState& running) { running.ReferTo(View(name), entity); });
+  const ParseState& state = OnState(context, [&](ParseState& running) {
+    entity = running.ForPlace(View(name), entity);
+    running.ReferTo(View(name), entity);
+  });
   return state.HasStopped() ? nullptr : entity;
 }
 
@@ -491,6 +580,7 @@ xmlSAXHandler MakeHandler() {
   handler.getParameterEntity = OnGetParameterEntity;
   handler.attributeDecl = OnAttributeDeclaration;
   handler.elementDecl = nullptr;
+  handler.entityDecl = OnEntityDeclaration;
   handler.reference = nullptr;
   handler.startElementNs = OnStartElement;
   handler.endElementNs = OnEndElement;
@@ -527,14 +617,57 @@ ParseState::ParseState(SAXEvents& events) : mEvents(events) {
   mContext.reset(xmlCreatePushParserCtxt(&handler, nullptr, nullptr, 0, nullptr));
   if (!mContext) throw std::bad_alloc();
   mContext->_private = this;
-  xmlCtxtUseOptions(mContext.get(), XML_PARSE_NOENT | XML_PARSE_NONET);
+  xmlCtxtUseOptions(mContext.get(), kOptions);
+}
+
+// Tells libxml2 how to decode the document's first bytes, and returns those to be fed.
+std::string_view ParseState::Begin(std::string_view bytes, bool isWhole) {
+  const DetectedForm detected = DetectForm(bytes);
+  const std::string_view text = bytes.substr(detected.mMarkBytes);
+  if (auto fault = CheckEncoding(detected, text, isWhole)) throw Refusal{*std::move(fault)};
+  mForm = detected.mForm;
+  if (mForm == UnicodeForm::kUTF8) return bytes;  // libxml2 knows the mark
+  Decode();
+  return text;
+}
+
+// For a form that has been compared with the declaration, which libxml2 would otherwise believe in
+// the middle of the document, whatever the order of the bytes.
+void ParseState::Decode() {
+  xmlCharEncodingHandlerPtr decoder = xmlFindCharEncodingHandler(NameOf(mForm));
+  if (decoder == nullptr) Refuse(std::string("this system cannot decode ") + NameOf(mForm));
+  xmlSwitchToEncoding(mContext.get(), decoder);
+  xmlCtxtUseOptions(mContext.get(), kOptions | XML_PARSE_IGNORE_ENC);
+}
+
+void ParseState::Parse(std::string_view bytes) {
+  xmlParseChunk(mContext.get(), bytes.data(), static_cast<int>(bytes.size()), 0);
+}
+
+// libxml2 parses an internal subset only when it has seen its end, which one quotation mark too few
+// hides. At the end of a document, it is therefore shown an end, after each delimiter that may be
+// missing: then it finds the fault in its place.
+void ParseState::CloseSubset() {
+  CheckConversion();
+  mEnd = mPlace.EndOf(Held(*Input()));
+  for (const char* closing : {">]>", "\">]>", "'>]>", "-->]>", "?>]>"}) {
+    if (!HasStopped() && mContext->instate == XML_PARSER_DTD) Parse(Encode(closing, mForm));
+  }
+}
+
+void ParseState::End() {
+  if (mContext->instate == XML_PARSER_DTD && Input() != nullptr) Try([this] { CloseSubset(); });
+  if (!HasStopped()) xmlParseChunk(mContext.get(), nullptr, 0, 1);
 }
 
 bool ParseState::Feed(std::string_view bytes, bool isLast) {
   mLimits.Read(bytes.size());
   mPlace.DropRead();
   const ErrorTrap trap(*this);
-  xmlParseChunk(mContext.get(), bytes.data(), static_cast<int>(bytes.size()), isLast ? 1 : 0);
+  if (!std::exchange(mHasBegun, true)) Try([&] { bytes = Begin(bytes, isLast); });
+  if (HasStopped()) return false;
+  Parse(bytes);
+  if (isLast) End();
   if (HasStopped()) return false;
   Try([&] {
     FollowInput();

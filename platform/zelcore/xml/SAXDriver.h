@@ -78,9 +78,10 @@ class ZELPLATFORM_API SAXDriver {
   ~SAXDriver();
 
   // Both read a whole document and return what stopped it, or nothing when it was well-formed to
-  // its end. The encoding is the one that the XML declaration names, else that of a byte-order
-  // mark, else UTF-8; bytes that are not text in it are an error. ParseStream reads 64 KiB at a
-  // time, so that memory does not grow with the document.
+  // its end. The encoding is that of a byte-order mark, else the one that the XML declaration
+  // names, else UTF-8; a declaration that contradicts the mark or the bytes is an error, as are
+  // bytes that are not text in it. ParseStream reads 64 KiB at a time, so that memory does not grow
+  // with the document.
   [[nodiscard]] std::optional<SyntaxError> ParseBuffer(std::string_view bytes);
   [[nodiscard]] std::optional<SyntaxError> ParseStream(std::istream& stream);
 

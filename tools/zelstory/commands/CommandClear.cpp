@@ -27,7 +27,8 @@ void AddClearCommand(CommandLine& tool) {
   command.SetFooter(
       "Prints each touched metadata path on a line, or \"unchanged\", as for a clip without a\n"
       "sidecar. For several clips, each line is prefixed with CLIP:.\n"
-      "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
+      "Exit status: 0 done, 1 one or more were refused (and are as they were) or the\n"
+      "output failed, 2 wrong usage.");
   command.SetAction([options] {
     const WhenAbsent whenAbsent = WhenAbsentFor(options->mIsStrict);
     return ForEachFile(options->mClips, [&](const std::string& clip, const std::string& label) {

@@ -7,7 +7,7 @@
 #include <zelstoryparser/TraverseStory.h>
 
 #include "commands/Commands.h"
-#include "terminal/Console.h"
+#include "terminal/Escaped.h"
 #include "terminal/Input.h"
 
 namespace zelstory {
@@ -26,7 +26,7 @@ int Dump(const std::string& file) {
     const std::string place = error.path1().string();
     throw Error(place.empty() ? "temporary folder (TMPDIR)" : place, error.code().message());
   }
-  if (!text.empty()) std::cout << ToUTF8(text) << '\n';
+  if (!text.empty()) std::cout << Escaped(ToUTF8(text), "\n") << '\n';
   return kDone;
 }
 

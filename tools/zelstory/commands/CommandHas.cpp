@@ -26,9 +26,10 @@ struct HasOptions {
 int Has(const HasOptions& options) {
   bool allHave = true;
   const WhenAbsent whenAbsent = WhenAbsentFor(options.mIsStrict);
+  zelstoryhost::SidecarFinder finder;
   const int status =
       ForEachFile(options.mClips, [&](const std::string& clip, const std::string& label) {
-        Sidecar sidecar = ReadSidecar(clip, options.mForm, whenAbsent);
+        Sidecar sidecar = ReadSidecar(clip, options.mForm, whenAbsent, finder);
         const bool has = zelstoryparser::HasAnyStoryRelatedMetadata(sidecar.Metadata());
         allHave = allHave && has;
         PrintResult(label, has ? Tone::kGood : Tone::kPlain, has ? "yes" : "no");

@@ -55,7 +55,12 @@ void AddList(CommandLine& tool, const char* name, const char* description,
       .Needs(csv);
   command.AddFlag("--json", options->mAsJSON, "Print a JSON array with one object per row")
       .Excludes(csv);
-  command.SetFooter(columns + "\nExit status: 0 done, 1 refused, 2 wrong usage.");
+  command.SetFooter(
+      columns +
+      "\nOn a terminal, cells of more than 60 columns, except in the last one, are cut "
+      "and end\n"
+      "with an ellipsis; other output has them whole.\n"
+      "Exit status: 0 done, 1 refused, 2 wrong usage.");
   command.SetAction([options, lister] { return List(*options, lister); });
 }
 
@@ -70,8 +75,8 @@ void AddListCommands(CommandLine& tool) {
   AddList(
       tool, "characters", "List who speaks, how much, and where",
       "Columns: character, speeches, words, first and last scene, all scenes, by their numbers;\n"
-      "#3 is the scene at position 3, which has no number. Parentheses after a name are ignored:\n"
-      "ANNA (V.O.) is ANNA.",
+      "#3 is the scene at position 3, which has no number, or one of more than 60 bytes.\n"
+      "Parentheses after a name are ignored: ANNA (V.O.) is ANNA.",
       ListCharacters);
   AddList(tool, "stats", "Count scenes, paragraphs by kind, and words",
           "Columns: what, count, words.", ListCounts);

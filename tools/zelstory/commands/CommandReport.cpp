@@ -48,6 +48,7 @@ int Report(const ReportOptions& options) {
     std::cout << page;
   } else {
     ReplaceFile(options.mPage, page);
+    CountWrittenFile();
   }
   return kDone;
 }

@@ -24,8 +24,8 @@ void WriteShots(const std::string& story, const fs::path& folder, const std::str
                 bool force) {
   const auto isStory = [&story](const fs::path& file) { return IsStoryItself(story, file); };
   const auto print = [&label](const zelstoryhost::ShotPacket& packet) {
-    PrintLine(label + std::to_string(packet.mPosition) + '\t' + packet.mShotID + '\t' +
-              packet.mFile.string());
+    CountWrittenFile();
+    PrintFields({label + std::to_string(packet.mPosition), packet.mShotID, packet.mFile.string()});
   };
   zelstoryhost::WriteShotPackets(LoadStory(story), folder, {force, isStory, print});
 }

@@ -170,7 +170,8 @@ int Tag(const TagOptions& options) {
     WorkOn(row.mFile);
     try {
       if (row.mFault) throw Error("", row.mFault->Reason(), row.mFault->Kind());
-      outcomes.PrintDone(row, options.mEdit.Write(row.mFile, row.mScene.mScene));
+      // The file that the table's check found, whatever earlier rows have created since.
+      outcomes.PrintDone(row, options.mEdit.Write(row.mSidecar, row.mScene.mScene));
     } catch (const Error& error) {
       outcomes.PrintRefused(row, ReasonOf(error, row));
       status = kRefused;
@@ -198,18 +199,16 @@ void AddTagCommand(CommandLine& tool) {
                   "Write the other clips even if rows of the table have faults");
   command.AddFlag("--json", options->mAsJSON, "Print one JSON object per clip, one per line");
   command.SetFooter(
-      "The table's first line names its columns: clip, and one or more of scene (the number in "
-      "the\n"
-      "script), position (from 1) and id (objID); others are ignored. For example:\n"
+      "The table's first line names its columns: clip, and one or more of scene (the number in\n"
+      "the script), position (from 1) and id (objID); others are ignored. For example:\n"
       "  clip,scene\n"
       "  A001_C003.mov,1\n"
       "  A001_C004.mov,2\n"
-      "All rows are checked before anything is written. Afterwards each clip holds its\n"
-      "scene and no other. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one "
-      "line per "
-      "clip;\n"
-      "a clip that is refused does not stop the others.\n"
-      "Exit status: 0 done, 1 one or more were refused (and are as they were), 2 wrong usage.");
+      "All rows are checked before anything is written. Afterwards each clip holds its scene and\n"
+      "no other. Prints CLIP: written, CLIP: unchanged or CLIP: refused: REASON, one line per\n"
+      "clip; a clip that is refused does not stop the others.\n"
+      "Exit status: 0 done, 1 one or more were refused (and are as they were) or the output\n"
+      "failed, 2 wrong usage.");
   command.SetAction([options] { return Tag(*options); });
 }
 

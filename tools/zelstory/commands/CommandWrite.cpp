@@ -46,7 +46,8 @@ void AddWriteCommand(CommandLine& tool) {
   command.SetFooter(
       "Afterwards the clip holds this scene and no other. Prints each touched metadata path on a\n"
       "line, or \"unchanged\".\n"
-      "Exit status: 0 done, 1 refused (the sidecar is as it was), 2 wrong usage.");
+      "Exit status: 0 done, 1 refused (the sidecar is as it was) or the output failed, 2 wrong\n"
+      "usage.");
   command.SetAction([options] { return Write(*options); });
 }
 

@@ -28,7 +28,9 @@ void AddXMPCommand(CommandLine& tool) {
   command.AddFlag("--json", options->mAsJSON, "Print JSON with the kind of every value");
   command.SetFooter("Exit status: 0 done, 1 refused, 2 wrong usage.");
   command.SetAction([options] {
-    const Sidecar sidecar = ReadSidecar(options->mClip, options->mForm, WhenAbsent::kRefuse);
+    zelstoryhost::SidecarFinder finder;
+    const Sidecar sidecar =
+        ReadSidecar(options->mClip, options->mForm, WhenAbsent::kRefuse, finder);
     if (options->mAsJSON) {
       PrintXMPAsJSON(sidecar.Metadata(), std::cout);
     } else {

@@ -5,7 +5,9 @@
 #include <zelstoryhost/Files.h>
 
 #include "options/SidecarOptions.h"
+#include "terminal/Batch.h"
 #include "terminal/Console.h"
+#include "terminal/Escaped.h"
 #include "terminal/Input.h"
 
 namespace zelstory {
@@ -36,11 +38,14 @@ std::string Describe(const Difference& difference) {
 }
 
 void EditOptions::AddTo(Command& command) {
-  mSettings.mNote = PrintNote;
+  mSettings.mWaiting.mNote = PrintNote;
+  mSettings.mWaiting.mCheck = Batch::StopIfAsked;
+  mSettings.mFinder = std::make_shared<zelstoryhost::SidecarFinder>();
   command.AddFlag("--dry-run", mSettings.mIsDryRun,
                   "Print old and new values, one path per line; change nothing");
   command.AddFlag("--force", mSettings.mForce,
-                  "Also change write-protected sidecars and packets marked read-only");
+                  "Also change sidecars that are write-protected, have hard links, or hold a\n"
+                  "packet marked read-only");
   command.AddFlag("--no-wait", mNeverWaits,
                   "Fail instead of waiting while another process changes the folder");
   AddSidecarNameOption(command, mSettings.mForm);
@@ -56,7 +61,7 @@ SidecarChange EditOptions::EditStandardInput(Make make) const {
   const std::string name(kStandardStream);
   Sidecar sidecar = Sidecar::FromBytes(zelstoryhost::ReadStream(std::cin, name), name);
   SidecarChange change = make(sidecar);
-  if (change.mIsChanged && !mSettings.mForce) sidecar.RefuseReadOnly();
+  if (change.mIsChanged && !mSettings.mForce) sidecar.RefuseProtected();
   if (mSettings.mIsDryRun) {
     change.mDifferences = DifferencesOf(sidecar, change);
   } else {
@@ -72,17 +77,22 @@ SidecarChange EditOptions::Write(const std::string& clipOrSidecar,
     return EditStandardInput(
         [&](Sidecar& sidecar) { return WriteScene(scene, oldScene, sidecar); });
   }
-  return WriteSceneToClip(clipOrSidecar, scene, oldScene, Settings());
+  return Counted(WriteSceneToClip(clipOrSidecar, scene, oldScene, Settings()));
 }
 
 SidecarChange EditOptions::Clear(const std::string& clipOrSidecar, WhenAbsent whenAbsent) const {
   if (clipOrSidecar == kStandardStream) return EditStandardInput(zelstoryhost::ClearScene);
-  return ClearSceneFromClip(clipOrSidecar, whenAbsent, Settings());
+  return Counted(ClearSceneFromClip(clipOrSidecar, whenAbsent, Settings()));
+}
+
+SidecarChange EditOptions::Counted(SidecarChange change) const {
+  if (change.mIsChanged && !IsDryRun()) CountWrittenFile();
+  return change;
 }
 
 EditSettings EditOptions::Settings() const {
   EditSettings settings = mSettings;
-  if (mNeverWaits) settings.mWaiting = zelstoryhost::FolderLock::Waiting::kNever;
+  if (mNeverWaits) settings.mWaiting.mLimit = std::chrono::milliseconds(0);
   return settings;
 }
 

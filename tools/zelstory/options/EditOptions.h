@@ -44,6 +44,7 @@ class EditOptions {
 
  private:
   zelstoryhost::EditSettings Settings() const;
+  zelstoryhost::SidecarChange Counted(zelstoryhost::SidecarChange change) const;
   template <typename Make>
   zelstoryhost::SidecarChange EditStandardInput(Make make) const;
 

@@ -6,6 +6,7 @@
 #include "report/ReportCharts.h"
 #include "report/ReportDrawing.h"
 #include "report/ReportMarkup.h"
+#include "terminal/TextLayout.h"
 
 namespace zelstory {
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr std::size_t kMostCharacters = 30;
 constexpr std::size_t kLabelColumns = 19;
+constexpr std::size_t kTitleColumns = 60;
 constexpr int kRowHeight = 20;
 
 // More words, stronger colour. The steps grow, so that short speeches differ.
@@ -53,7 +55,7 @@ struct Share {
   std::int64_t mWords = 0;
 };
 
-std::vector<Share> SharesOf(const CharacterFacts& character, const Columns& columns) {
+std::vector<Share> SharesOf(const CharacterFacts& character, const SceneColumns& columns) {
   std::vector<Share> shares(columns.Count());
   for (const CharacterFacts::InScene& scene : character.mScenes) {
     Share& share = shares[columns.ColumnOf(scene.mPosition)];
@@ -64,23 +66,24 @@ std::vector<Share> SharesOf(const CharacterFacts& character, const Columns& colu
 }
 
 void AddCharacterRow(const Drawing& drawing, const CharacterFacts& character,
-                     const Columns& columns, int y, std::int64_t mostWords) {
+                     const SceneColumns& columns, int y, std::int64_t mostWords) {
   AddText(drawing.mLabels, columns.Left() - kLabelDistance, y + kRowHeight - 6, "label",
           Shortened(character.mName, kLabelColumns));
   AddLine(drawing.mPlot, columns.Left(), columns.Right(), y + kRowHeight);
+  const std::string name = Shortened(character.mName, kTitleColumns);
   const std::vector<Share> shares = SharesOf(character, columns);
   for (std::size_t column = 0; column < shares.size(); ++column) {
     const Share& share = shares[column];
     if (share.mSpeeches == 0) continue;
     const std::string text =
-        character.mName + ", " + columns.Name(column) + ": " + std::to_string(share.mSpeeches) +
+        name + ", " + columns.Name(column) + ": " + std::to_string(share.mSpeeches) +
         (share.mSpeeches == 1 ? " speech, " : " speeches, ") + Counted(share.mWords, "word");
     AddBox(columns.AddLink(drawing.mPlot, column, text), ShadeOf(share.mWords, mostWords),
            columns.X(column), y + 2, columns.Width() - 1, kRowHeight - 4);
   }
 }
 
-std::int64_t MostWords(const std::vector<CharacterFacts>& characters, const Columns& columns) {
+std::int64_t MostWords(const std::vector<CharacterFacts>& characters, const SceneColumns& columns) {
   std::int64_t most = 0;
   for (const CharacterFacts& character : characters) {
     for (const Share& share : SharesOf(character, columns)) most = std::max(most, share.mWords);
@@ -100,7 +103,8 @@ std::string DescribeCharacters(const std::vector<CharacterFacts>& shown) {
   return description + '.';
 }
 
-void AddNote(pugi::xml_node parent, std::size_t shown, std::size_t all, const Columns& columns) {
+void AddNote(pugi::xml_node parent, std::size_t shown, std::size_t all,
+             const SceneColumns& columns) {
   pugi::xml_node note = AddElement(parent, "p", "note",
                                    "Sorted by number of words. The stronger the colour, the more "
                                    "words." +
@@ -122,7 +126,7 @@ void AddCharactersChart(pugi::xml_node parent, const std::vector<SceneFacts>& sc
   names.reserve(shown.size());
   for (const CharacterFacts& character : shown)
     names.push_back(Shortened(character.mName, kLabelColumns));
-  const Columns columns(scenes, names);
+  const SceneColumns columns(scenes, names);
   AddNote(parent, shown.size(), characters.size(), columns);
   const std::int64_t mostWords = MostWords(shown, columns);
   AddShadeLegend(parent, mostWords);

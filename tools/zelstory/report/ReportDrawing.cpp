@@ -40,17 +40,12 @@ pugi::xml_node AddSVG(pugi::xml_node parent, int left, int width, int height) {
 
 }  // namespace
 
-std::string Shortened(const std::string& name, std::size_t columns) {
-  std::string line = WrapText(name, static_cast<std::size_t>(-1)).front();
-  if (ColumnsOf(line) <= columns) return line;
-  return WrapText(line, columns - 1).front() + "\xE2\x80\xA6";  // an ellipsis
-}
-
 std::string Counted(std::int64_t count, const std::string& what) {
   return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
-Columns::Columns(const std::vector<SceneFacts>& scenes, const std::vector<std::string>& labels)
+SceneColumns::SceneColumns(const std::vector<SceneFacts>& scenes,
+                           const std::vector<std::string>& labels)
     : mScenes(scenes),
       mPerColumn((scenes.size() + kMostColumns - 1) / kMostColumns),
       mCount(scenes.empty() ? 0 : (scenes.size() + mPerColumn - 1) / mPerColumn),
@@ -61,29 +56,29 @@ Columns::Columns(const std::vector<SceneFacts>& scenes, const std::vector<std::s
   mFirst = mLeft + TickOverhang();
 }
 
-std::string Columns::Name(std::size_t column) const {
+std::string SceneColumns::Name(std::size_t column) const {
   const std::size_t first = FirstScene(column);
   const std::size_t last = std::min(first + mPerColumn - 1, mScenes.size());
   const std::string name = SceneName(mScenes[first - 1]);
   return first == last ? "scene " + name : "scenes " + name + " to " + SceneName(mScenes[last - 1]);
 }
 
-std::string Columns::Tick(std::size_t column) const {
+std::string SceneColumns::Tick(std::size_t column) const {
   return Shortened(SceneName(mScenes[FirstScene(column) - 1]), kTickColumns);
 }
 
-int Columns::TickOverhang() const {
+int SceneColumns::TickOverhang() const {
   return std::max(0, (mTickWidth - mWidth + 1) / 2);
 }
 
-std::string Columns::Note() const {
+std::string SceneColumns::Note() const {
   return mPerColumn < 2 ? ""
                         : " Each column holds " + std::to_string(mPerColumn) +
                               " scenes; select it to jump to the first.";
 }
 
-Drawing Columns::AddDrawing(pugi::xml_node parent, int height, const std::string& title,
-                            const std::string& description) const {
+Drawing SceneColumns::AddDrawing(pugi::xml_node parent, int height, const std::string& title,
+                                 const std::string& description) const {
   pugi::xml_node box = AddScrollingBox(parent, title);
   pugi::xml_node labels = AddSVG(box, 0, mLeft, height);
   labels.append_attribute("class") = "labels";
@@ -95,7 +90,7 @@ Drawing Columns::AddDrawing(pugi::xml_node parent, int height, const std::string
   return {labels, plot};
 }
 
-void Columns::AddAxis(pugi::xml_node svg, int y) const {
+void SceneColumns::AddAxis(pugi::xml_node svg, int y) const {
   const int columnsPerTick = (mTickWidth + kTickDistance) / mWidth + 1;
   const auto step = static_cast<std::size_t>(columnsPerTick);
   for (std::size_t column = 0; column < mCount; column += step) {
@@ -103,8 +98,8 @@ void Columns::AddAxis(pugi::xml_node svg, int y) const {
   }
 }
 
-pugi::xml_node Columns::AddLink(pugi::xml_node svg, std::size_t column,
-                                const std::string& text) const {
+pugi::xml_node SceneColumns::AddLink(pugi::xml_node svg, std::size_t column,
+                                     const std::string& text) const {
   pugi::xml_node link = AddPointerLink(svg, FirstScene(column));
   AddElement(link, "title", "", text);
   return link;

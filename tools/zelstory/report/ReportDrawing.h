@@ -15,9 +15,6 @@ namespace zelstory {
 inline constexpr int kLabelDistance = 8;
 inline constexpr int kAxisHeight = 24;
 
-// The first line of a name, cut to so many columns.
-std::string Shortened(const std::string& name, std::size_t columns);
-
 // "1 word", "2 words".
 std::string Counted(std::int64_t count, const std::string& what);
 
@@ -29,11 +26,11 @@ struct Drawing {
 };
 
 // The columns of a drawing, with one or several scenes each.
-class Columns {
+class SceneColumns {
  public:
   // Keeps a reference to the scenes. The labels are left of the columns.
-  Columns(const std::vector<zelstoryhost::SceneFacts>& scenes,
-          const std::vector<std::string>& labels);
+  SceneColumns(const std::vector<zelstoryhost::SceneFacts>& scenes,
+               const std::vector<std::string>& labels);
 
   std::size_t Count() const { return mCount; }
   std::size_t ColumnOf(std::size_t position) const { return (position - 1) / mPerColumn; }

@@ -48,7 +48,7 @@ std::int64_t AxisStep(std::int64_t most, bool isTime) {
   return power * 10;
 }
 
-std::vector<Bar> BarsOfTime(const RunningTimes& times, const Columns& columns) {
+std::vector<Bar> BarsOfTime(const RunningTimes& times, const SceneColumns& columns) {
   std::vector<RunningTime> sums(columns.Count());
   for (std::size_t i = 0; i < times.mScenes.size(); ++i) {
     sums[columns.ColumnOf(i + 1)].Add(times.mScenes[i]);
@@ -59,7 +59,7 @@ std::vector<Bar> BarsOfTime(const RunningTimes& times, const Columns& columns) {
   return bars;
 }
 
-std::vector<Bar> BarsOfWords(const std::vector<SceneFacts>& scenes, const Columns& columns) {
+std::vector<Bar> BarsOfWords(const std::vector<SceneFacts>& scenes, const SceneColumns& columns) {
   std::vector<Bar> bars(columns.Count());
   for (const SceneFacts& scene : scenes) {
     bars[columns.ColumnOf(scene.mPosition)].mSolid += scene.mWords;
@@ -68,7 +68,7 @@ std::vector<Bar> BarsOfWords(const std::vector<SceneFacts>& scenes, const Column
   return bars;
 }
 
-// Stripes can be told from solid bars in grey print, too.
+// Stripes differ from solid bars even when printed in greyscale.
 void AddHatching(pugi::xml_node svg) {
   pugi::xml_node pattern = AddElement(AddElement(svg, "defs"), "pattern");
   pattern.append_attribute("id") = "hatch";
@@ -80,8 +80,8 @@ void AddHatching(pugi::xml_node svg) {
   AddBox(pattern, "s3", 0, 0, 2, 5);
 }
 
-void AddGrid(const Drawing& drawing, const Columns& columns, std::int64_t step, std::int64_t top,
-             bool isTime) {
+void AddGrid(const Drawing& drawing, const SceneColumns& columns, std::int64_t step,
+             std::int64_t top, bool isTime) {
   for (std::int64_t value = 0; value <= top; value += step) {
     const int y = kTopMargin + kBarsHeight - static_cast<int>(kBarsHeight * value / top);
     AddLine(drawing.mPlot, columns.Left(), columns.Right(), y);
@@ -90,7 +90,7 @@ void AddGrid(const Drawing& drawing, const Columns& columns, std::int64_t step, 
   }
 }
 
-void AddBars(pugi::xml_node svg, const Columns& columns, const std::vector<Bar>& bars,
+void AddBars(pugi::xml_node svg, const SceneColumns& columns, const std::vector<Bar>& bars,
              std::int64_t top) {
   const auto height = [top](std::int64_t length) {
     return static_cast<int>(
@@ -118,8 +118,8 @@ void AddLengthsChart(pugi::xml_node parent, const std::vector<SceneFacts>& scene
   const bool isTime = times.mTotal.mHasKnown;
   const bool isMixed = isTime && times.mTotal.mHasEstimated;
   // No label of the grid is wider than the total.
-  const Columns columns(scenes, {isTime ? DescribeDuration(times.mTotal.Seconds())
-                                        : Counted(CountWords(scenes) + 10, "word")});
+  const SceneColumns columns(scenes, {isTime ? DescribeDuration(times.mTotal.Seconds())
+                                             : Counted(CountWords(scenes) + 10, "word")});
   const std::vector<Bar> bars = isTime ? BarsOfTime(times, columns) : BarsOfWords(scenes, columns);
   const auto longest = std::max_element(
       bars.begin(), bars.end(), [](const Bar& a, const Bar& b) { return a.Length() < b.Length(); });

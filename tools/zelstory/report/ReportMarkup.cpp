@@ -1,33 +1,20 @@
 #include "report/ReportMarkup.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include <zelstoryhost/SceneFacts.h>
-#include <zelstoryhost/Text.h>
+
+#include "terminal/Escaped.h"
 
 namespace zelstory {
 
-using zelstoryhost::IsNumber;
 using zelstoryhost::SceneFacts;
+using zelstoryhost::SceneName;
 
 std::string MarkupText(const std::string& text) {
-  std::string clean;
-  clean.reserve(text.size());
-  for (std::string_view rest = text; !rest.empty();) {
-    const auto [value, length, isWellFormed] = zelstoryhost::FirstCharacter(rest);
-    const bool isControl = (value < 0x20 && value != '\t' && value != '\n') ||
-                           (value >= 0x7F && value < 0xA0) || (value & 0xFFFE) == 0xFFFE;
-    if (value == '\r') {
-      clean += '\n';
-    } else if (!isWellFormed || isControl) {
-      clean += "\xEF\xBF\xBD";
-    } else {
-      clean += rest.substr(0, length);
-    }
-    rest.remove_prefix(length);
-  }
-  return clean;
+  std::string lines = text;
+  std::replace(lines.begin(), lines.end(), '\r', '\n');
+  return Escaped(lines, "\n\t");
 }
 
 pugi::xml_node AddElement(pugi::xml_node parent, const char* name, const char* className,
@@ -56,7 +43,7 @@ void AppendText(pugi::xml_node element, const std::string& text) {
 
 std::string PositionNote(const std::vector<SceneFacts>& scenes) {
   const bool areNumbered = std::all_of(scenes.begin(), scenes.end(), [](const SceneFacts& scene) {
-    return IsNumber(scene.mNumber);
+    return SceneName(scene) == scene.mNumber;
   });
   return areNumbered ? "" : " #n is the position of a scene without a number.";
 }

@@ -12,8 +12,9 @@ namespace zelstory {
 // The page's own words are English; the language of a story is unknown.
 inline constexpr const char* kUnknownLanguage = "";
 
-// A text that markup can hold: control characters, which no page may contain, become U+FFFD.
-// Markup characters are escaped when the page is written.
+// A text that markup can hold: line ends are line feeds, other control characters, which no page
+// may contain, and bidirectional controls, which would reorder the page's own words, are escaped
+// (terminal/Escaped.h). Markup characters are escaped when the page is written.
 std::string MarkupText(const std::string& text);
 
 // Adds an element with an optional class and text, and returns it.

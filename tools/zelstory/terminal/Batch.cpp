@@ -16,6 +16,7 @@ using zelstoryhost::Error;
 namespace {
 
 volatile std::sig_atomic_t theSignal = 0;
+const Batch* theBatch = nullptr;
 
 extern "C" void RememberSignal(int signal) {
   theSignal = signal;
@@ -65,10 +66,18 @@ Interrupted::Interrupted(int signal, std::size_t done, std::size_t count)
 Batch::Batch(std::size_t count)
     : mCount(count),
       mShownLast(std::chrono::steady_clock::now() + kQuietTime - kRenewal),
-      mSignals(count > 1 ? std::make_unique<Signals>() : nullptr) {}
+      mSignals(count > 1 ? std::make_unique<Signals>() : nullptr) {
+  if (mSignals) theBatch = this;
+}
 
 Batch::~Batch() {
+  theBatch = nullptr;
   HideProgress();
+}
+
+void Batch::StopIfAsked() {
+  if (theBatch == nullptr || theSignal == 0) return;
+  throw Interrupted(theSignal, theBatch->mStarted - 1, theBatch->mCount);
 }
 
 void Batch::Next() {

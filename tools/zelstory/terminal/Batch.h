@@ -35,6 +35,10 @@ class Batch {
   // Call this before each file. Throws Interrupted when a signal has asked for the end.
   void Next();
 
+  // Call this while a file waits for something, with nothing done for it yet. Throws Interrupted
+  // likewise; does nothing when no batch runs.
+  static void StopIfAsked();
+
  private:
   class Signals;
 

@@ -1,9 +1,10 @@
 #include "terminal/Console.h"
 
-#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
+#include <utility>
 
 #if __has_include(<unistd.h>)
 #include <unistd.h>
@@ -11,6 +12,8 @@
 
 #include <nlohmann/json.hpp>
 #include <zelstoryhost/Error.h>
+
+#include "terminal/Escaped.h"
 
 namespace zelstory {
 
@@ -59,22 +62,12 @@ std::string Coloured(Stream stream, Tone tone, const std::string& text) {
   return CodeOf(tone) + text + "\x1B[0m";
 }
 
-std::string Printable(std::string line) {
-  std::replace_if(
-      line.begin(), line.end(),
-      [](char byte) {
-        return (static_cast<unsigned char>(byte) < 0x20 && byte != '\t') || byte == 0x7F;
-      },
-      '?');
-  return line;
-}
-
 bool theProgressIsShown = false;
+std::size_t theWrittenFiles = 0;
 
 // Only results on the same terminal would run into the progress line.
 void MakeWayForResult() {
-  static const bool isTerminal = IsTerminal(Stream::kOutput);
-  if (isTerminal) HideProgress();
+  if (OutputIsTerminal()) HideProgress();
 }
 
 }  // namespace
@@ -82,7 +75,7 @@ void MakeWayForResult() {
 void PrintError(const std::string& line) {
   constexpr std::string_view kMark = "error:";
   HideProgress();
-  const std::string text = Printable(line);
+  const std::string text = Escaped(line);
   const std::size_t mark = text.find(": error: ");
   if (mark == std::string::npos) {
     std::cerr << text << '\n';
@@ -104,6 +97,8 @@ std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error
     case ErrorKind::kWriteProtected:
     case ErrorKind::kForeignFile:
       return text + "; --force replaces it anyway";
+    case ErrorKind::kHardLinks:
+      return text + "; --force parts it from them";
     case ErrorKind::kReadOnlyPacket:
       return text + "; --force changes it anyway";
     case ErrorKind::kSharedSidecar:
@@ -118,17 +113,26 @@ std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error
 
 void PrintNote(const std::string& place, const std::string& text) {
   HideProgress();
-  std::cerr << Printable(place + ": note: " + text) << '\n';
+  std::cerr << Escaped(place + ": note: " + text) << '\n';
 }
 
 void PrintLine(const std::string& line) {
   MakeWayForResult();
-  std::cout << Printable(line) << '\n';
+  std::cout << Escaped(line) << '\n';
+}
+
+void PrintFields(const std::vector<std::string>& fields) {
+  MakeWayForResult();
+  const char* separator = "";
+  for (const std::string& field : fields) {
+    std::cout << std::exchange(separator, "\t") << Escaped(field);
+  }
+  std::cout << '\n';
 }
 
 void PrintResult(const std::string& subject, Tone tone, const std::string& result) {
   MakeWayForResult();
-  std::cout << Printable(subject) << Coloured(tone, Printable(result)) << '\n';
+  std::cout << Escaped(subject) << Coloured(tone, Escaped(result)) << '\n';
 }
 
 void PrintJSONLine(const std::function<void(zelstoryhost::JSONWriter& json)>& writeMembers) {
@@ -138,10 +142,6 @@ void PrintJSONLine(const std::function<void(zelstoryhost::JSONWriter& json)>& wr
   writeMembers(json);
   json.EndObject();
   std::cout << '\n';
-}
-
-std::string Quoted(const std::string& text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 std::string Coloured(Tone tone, const std::string& text) {
@@ -161,9 +161,26 @@ void HideProgress() {
   theProgressIsShown = false;
 }
 
+bool OutputIsTerminal() {
+  static const bool isTerminal = IsTerminal(Stream::kOutput);
+  return isTerminal;
+}
+
+void CountWrittenFile() {
+  ++theWrittenFiles;
+}
+
+const char* WrittenBefore() {
+  static char text[60];
+  if (theWrittenFiles == 0) return "";
+  std::snprintf(text, sizeof text, "; %zu file%s written before", theWrittenFiles,
+                theWrittenFiles == 1 ? " was" : "s were");
+  return text;
+}
+
 void FlushOutput() {
   std::cout.flush();
-  if (!std::cout) throw zelstoryhost::Error("standard output", "writing failed");
+  if (!std::cout) throw Error("standard output", std::string("writing failed") + WrittenBefore());
 }
 
 }  // namespace zelstory

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/JSONWriter.h>
@@ -12,8 +13,8 @@ namespace zelstory {
 // is set and not empty, or TERM is "dumb".
 enum class Tone { kPlain, kGood, kBad, kFaint, kStrong };
 
-// Prints one line on standard error, usually PLACE: error: REASON. Control characters, which a file
-// name may contain, become "?".
+// Prints one line on standard error, usually PLACE: error: REASON, escaped (terminal/Escaped.h), as
+// everything is that the functions below print for people.
 void PrintError(const std::string& line);
 
 // The same for an error of the host layer, with the option or command that helps.
@@ -25,17 +26,17 @@ std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error
 // The same for information that is not an error: PLACE: note: TEXT.
 void PrintNote(const std::string& place, const std::string& text);
 
-// Prints a result on one line of standard output, with control characters as above.
+// Prints a result on one line of standard output.
 void PrintLine(const std::string& line);
+
+// Prints fields on one line, separated by tabs.
+void PrintFields(const std::vector<std::string>& fields);
 
 // Prints the subject, then the result in colour, on one line.
 void PrintResult(const std::string& subject, Tone tone, const std::string& result);
 
 // Prints an object as one line of JSON; `writeMembers` writes what is in it.
 void PrintJSONLine(const std::function<void(zelstoryhost::JSONWriter& json)>& writeMembers);
-
-// A text in quotation marks, on one line, with JSON's escapes.
-std::string Quoted(const std::string& text);
 
 // A text in colour for standard output, or unchanged where colours are off.
 std::string Coloured(Tone tone, const std::string& text);
@@ -44,6 +45,16 @@ std::string Coloured(Tone tone, const std::string& text);
 // else is printed on the same terminal.
 void ShowProgress(const std::string& line);
 void HideProgress();
+
+// Whether standard output is a terminal.
+bool OutputIsTerminal();
+
+// Counts a file that was replaced, so that what ends the command later cannot deny it.
+void CountWrittenFile();
+
+// "" or "; 2 files were written before", to be added to what ended the command. Valid until the
+// next call; takes no memory.
+const char* WrittenBefore();
 
 // Flushes standard output. Throws Error when something printed could not be written.
 void FlushOutput();

@@ -1,5 +1,6 @@
 #include "terminal/Input.h"
 
+#include <fstream>
 #include <iostream>
 #include <system_error>
 
@@ -33,12 +34,31 @@ bool IsStandardInput([[maybe_unused]] const fs::path& file) {
 #endif
 }
 
+// Shells pass the output of a command under such a name: zelstory check <(command)
+bool IsPassedDescriptor(const fs::path& file) {
+  return file.parent_path() == "/dev/fd" || file.parent_path() == "/proc/self/fd";
+}
+
+// The stream that a name means, which is `opened` unless it is standard input; none if the name
+// means a file.
+std::istream* StreamNamed(const std::string& file, std::ifstream& opened) {
+  if (file == kStandardStream) return &std::cin;
+  std::error_code error;
+  if (fs::is_regular_file(file, error)) return nullptr;
+  if (IsStandardInput(file)) return &std::cin;
+  if (!IsPassedDescriptor(file)) return nullptr;
+  opened.open(file, std::ios::binary);
+  return opened ? &opened : nullptr;
+}
+
 }  // namespace
 
 StoryResult ReadStory(const std::string& file) {
   WorkOn(file);
-  return file == kStandardStream ? zelstoryhost::ReadStory(std::cin, file)
-                                 : zelstoryhost::ReadStory(fs::path(file));
+  std::ifstream opened;
+  std::istream* const stream = StreamNamed(file, opened);
+  return stream != nullptr ? zelstoryhost::ReadStory(*stream, file)
+                           : zelstoryhost::ReadStory(fs::path(file));
 }
 
 boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file) {
@@ -49,17 +69,20 @@ boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& fi
 
 std::string ReadText(const std::string& file) {
   WorkOn(file);
-  if (file == kStandardStream) return zelstoryhost::ReadStream(std::cin, file);
+  std::ifstream opened;
+  if (std::istream* const stream = StreamNamed(file, opened)) {
+    return zelstoryhost::ReadStream(*stream, file);
+  }
   std::optional<std::string> bytes = zelstoryhost::ReadFile(file);
   if (!bytes) throw zelstoryhost::Error(file, "No such file or directory");
   return *std::move(bytes);
 }
 
 Sidecar ReadSidecar(const std::string& clipOrSidecar, std::optional<zelstoryhost::SidecarForm> form,
-                    zelstoryhost::WhenAbsent whenAbsent) {
+                    zelstoryhost::WhenAbsent whenAbsent, zelstoryhost::SidecarFinder& finder) {
   WorkOn(clipOrSidecar);
   if (clipOrSidecar == kStandardStream) return Sidecar::FromBytes(ReadText(clipOrSidecar), "-");
-  return Sidecar(FindSidecar(clipOrSidecar, form, whenAbsent), whenAbsent);
+  return Sidecar(finder.Find(clipOrSidecar, form, whenAbsent), whenAbsent);
 }
 
 bool IsStoryItself(const std::string& story, const fs::path& file) {

@@ -9,23 +9,26 @@
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/Story.h>
 
-// Files as a command line names them: "-" is standard input.
+// Files as a command line names them: "-" is standard input, and so is any other name of it, such
+// as /dev/stdin. A descriptor that the caller passes (/dev/fd/N) is read likewise; no other pipe or
+// device is.
 namespace zelstory {
 
 // The name that stands for standard input or output.
 inline constexpr std::string_view kStandardStream = "-";
 
-// Like the functions of the host library.
+// Like the functions of the host layer.
 zelstoryhost::StoryResult ReadStory(const std::string& file);
 boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file);
 
 // Reads a whole file. Throws Error, also when it does not exist.
 std::string ReadText(const std::string& file);
 
-// Reads the sidecar of a clip. Throws Error.
+// Reads the sidecar of a clip, which `finder` finds. Throws Error.
 zelstoryhost::Sidecar ReadSidecar(const std::string& clipOrSidecar,
                                   std::optional<zelstoryhost::SidecarForm> form,
-                                  zelstoryhost::WhenAbsent whenAbsent);
+                                  zelstoryhost::WhenAbsent whenAbsent,
+                                  zelstoryhost::SidecarFinder& finder);
 
 // Whether a story is read from `file`, under whatever name. On a system that cannot tell
 // which file standard input was opened from, false for "-".

@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <iostream>
 #include <new>
+#include <string_view>
 
 #include "terminal/Console.h"
+#include "terminal/Escaped.h"
 
 namespace zelstory {
 namespace {
@@ -14,8 +16,14 @@ namespace {
 bool theMemoryRanOut = false;
 std::array<char, 4096> theFile{"zelstory"};  // a longer name is cut
 
-bool IsControl(char byte) {
-  return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F;
+bool MayNeedEscape(char byte) {
+  return byte < 0x20 || byte >= 0x7F;  // whether or not a char is signed
+}
+
+void Keep(std::string_view name) noexcept {
+  const std::size_t length = std::min(name.size(), theFile.size() - 1);
+  std::copy_n(name.begin(), length, theFile.begin());
+  theFile[length] = '\0';
 }
 
 [[noreturn]] void NoteAndThrow() {
@@ -33,16 +41,16 @@ void RefuseIfMemoryRanOut() {
   if (theMemoryRanOut) throw std::bad_alloc();
 }
 
-void WorkOn(const std::string& file) noexcept {
-  const std::size_t length = std::min(file.size(), theFile.size() - 1);
-  std::copy_n(file.begin(), length, theFile.begin());
-  std::replace_if(theFile.begin(), theFile.begin() + length, IsControl, '?');
-  theFile[length] = '\0';
+void WorkOn(const std::string& file) {
+  Keep(file);
+  std::replace_if(theFile.begin(), std::find(theFile.begin(), theFile.end(), '\0'), MayNeedEscape,
+                  '?');
+  Keep(Escaped(file));
 }
 
 void PrintOutOfMemory() noexcept {
   HideProgress();
-  std::cerr << theFile.data() << ": error: out of memory\n";
+  std::cerr << theFile.data() << ": error: out of memory" << WrittenBefore() << '\n';
 }
 
 }  // namespace zelstory

@@ -12,8 +12,9 @@ void WatchMemory();
 // Throws std::bad_alloc if memory has run out since WatchMemory.
 void RefuseIfMemoryRanOut();
 
-// Names the file that is worked on from now on.
-void WorkOn(const std::string& file) noexcept;
+// Names the file that is worked on from now on. Throws std::bad_alloc; the file is named then, too,
+// but in ASCII only.
+void WorkOn(const std::string& file);
 
 // Prints the error on standard error, with the file that is worked on. Needs no memory.
 void PrintOutOfMemory() noexcept;

@@ -11,7 +11,7 @@ namespace {
 
 using zelstoryhost::Cell;
 
-// On one line, without control characters, which could steer a terminal.
+// On one line, escaped.
 std::string Shown(const Cell& cell) {
   std::string line;
   for (const std::string& part : WrapText(TextOf(cell), static_cast<std::size_t>(-1))) {
@@ -21,35 +21,59 @@ std::string Shown(const Cell& cell) {
   return line;
 }
 
-}  // namespace
+class Layout {
+ public:
+  Layout(const zelstoryhost::Table& table, bool isTerminal)
+      : mColumns(table.mColumns.size()), mIsTerminal(isTerminal) {
+    for (std::size_t i = 0; i < mColumns.size(); ++i) Measure(i, table.mColumns[i]);
+    for (const std::vector<Cell>& row : table.mRows) {
+      for (std::size_t i = 0; i < row.size(); ++i) Measure(i, row[i]);
+    }
+  }
 
-void PrintColumns(const zelstoryhost::Table& table, std::ostream& output) {
+  template <typename Cells>
+  std::string LineOf(const Cells& cells) const {
+    std::string line;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const std::string text = TextAt(i, cells[i]);
+      const std::size_t width = ColumnsOf(text);
+      const std::string blanks(std::max(mColumns[i].mWidth, width) - width, ' ');
+      line += (i > 0 ? "  " : "") + (mColumns[i].mIsNumber ? blanks + text : text + blanks);
+    }
+    line.resize(line.find_last_not_of(' ') + 1);
+    return line;
+  }
+
+ private:
   struct Column {
     std::size_t mWidth = 0;
     bool mIsNumber = false;  // aligned at the right
   };
-  std::vector<Column> columns(table.mColumns.size());
-  const auto measure = [&columns](std::size_t i, const Cell& cell) {
-    columns[i].mWidth = std::max(columns[i].mWidth, ColumnsOf(Shown(cell)));
-    columns[i].mIsNumber = columns[i].mIsNumber || std::holds_alternative<std::int64_t>(cell);
-  };
-  const auto lineOf = [&](const auto& cells) {
-    std::string line;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-      const std::string text = Shown(cells[i]);
-      const std::string blanks(columns[i].mWidth - ColumnsOf(text), ' ');
-      line += (i > 0 ? "  " : "") + (columns[i].mIsNumber ? blanks + text : text + blanks);
-    }
-    line.resize(line.find_last_not_of(' ') + 1);
-    return line;
-  };
-  for (std::size_t i = 0; i < columns.size(); ++i) measure(i, table.mColumns[i]);
-  for (const std::vector<Cell>& row : table.mRows) {
-    for (std::size_t i = 0; i < row.size(); ++i) measure(i, row[i]);
+
+  // One long cell must not pad all others of its column.
+  void Measure(std::size_t i, const Cell& cell) {
+    const std::size_t width = std::min(ColumnsOf(TextAt(i, cell)), kWidestColumn);
+    mColumns[i].mWidth = std::max(mColumns[i].mWidth, width);
+    mColumns[i].mIsNumber = mColumns[i].mIsNumber || std::holds_alternative<std::int64_t>(cell);
   }
-  const std::string names = lineOf(table.mColumns);
-  output << (&output == &std::cout ? Coloured(Tone::kStrong, names) : names) << '\n';
-  for (const std::vector<Cell>& row : table.mRows) output << lineOf(row) << '\n';
+
+  std::string TextAt(std::size_t i, const Cell& cell) const {
+    const bool isCut = mIsTerminal && i + 1 < mColumns.size();
+    return isCut ? Shortened(Shown(cell), kWidestColumn) : Shown(cell);
+  }
+
+  std::vector<Column> mColumns;
+  const bool mIsTerminal;
+};
+
+}  // namespace
+
+void PrintColumns(const zelstoryhost::Table& table, std::ostream& output) {
+  const bool isTerminal = &output == &std::cout && OutputIsTerminal();
+  const Layout layout(table, isTerminal);
+  const std::string names = layout.LineOf(table.mColumns);
+  output << (isTerminal ? Coloured(Tone::kStrong, names) : names) << '\n';
+  for (const std::vector<Cell>& row : table.mRows) output << layout.LineOf(row) << '\n';
 }
 
 }  // namespace zelstory

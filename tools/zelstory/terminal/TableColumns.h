@@ -1,14 +1,19 @@
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 
 #include <zelstoryhost/Table.h>
 
 namespace zelstory {
 
-// Prints a table in columns as wide as a terminal shows their text, numbers at the right. Control
-// characters become U+FFFD; on a terminal that welcomes colours, the names of the columns stand
-// out.
+// The columns of a terminal that a column of a table takes at most.
+inline constexpr std::size_t kWidestColumn = 60;
+
+// Prints a table in columns as wide as a terminal shows their text, numbers at the right. Texts are
+// escaped (terminal/Escaped.h); on a terminal that welcomes colours, the names of the columns stand
+// out. A text wider than kWidestColumn is cut there on a terminal, with an ellipsis, unless it is
+// in the last column; elsewhere it moves the rest of its row to the right.
 void PrintColumns(const zelstoryhost::Table& table, std::ostream& output);
 
 }  // namespace zelstory

@@ -5,6 +5,8 @@
 #include <utf8proc.h>
 #include <zelstoryhost/Text.h>
 
+#include "terminal/Escaped.h"
+
 namespace zelstory {
 namespace {
 
@@ -24,7 +26,7 @@ void Append(utf8proc_int32_t character, std::string& text) {
   text.append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));
 }
 
-std::size_t Columns(utf8proc_int32_t character) {
+std::size_t ColumnsOf(utf8proc_int32_t character) {
   return static_cast<std::size_t>(std::max(utf8proc_charwidth(character), 0));
 }
 
@@ -42,7 +44,7 @@ class Wrapper {
       EndWord();
       if (!mLine.empty()) mSpaces.push_back(' ');
     } else {
-      AddToWord(utf8proc_category(character) == UTF8PROC_CATEGORY_CC ? 0xFFFD : character);
+      AddToWord(character);
     }
   }
 
@@ -54,9 +56,9 @@ class Wrapper {
 
  private:
   void AddToWord(utf8proc_int32_t character) {
-    if (mWordColumns + Columns(character) > mColumns) EndWord();
+    if (mWordColumns + ColumnsOf(character) > mColumns) EndWord();
     Append(character, mWord);
-    mWordColumns += Columns(character);
+    mWordColumns += ColumnsOf(character);
   }
 
   void EndWord() {
@@ -89,7 +91,8 @@ class Wrapper {
 
 std::size_t ColumnsOf(std::string_view text) {
   std::size_t columns = 0;
-  ForEachCharacter(text, [&columns](utf8proc_int32_t character) { columns += Columns(character); });
+  ForEachCharacter(text,
+                   [&columns](utf8proc_int32_t character) { columns += ColumnsOf(character); });
   return columns;
 }
 
@@ -103,8 +106,15 @@ std::string InCapitals(std::string_view text) {
 
 std::vector<std::string> WrapText(std::string_view text, std::size_t columns) {
   Wrapper wrapper(columns);
-  ForEachCharacter(text, [&wrapper](utf8proc_int32_t character) { wrapper.Add(character); });
+  ForEachCharacter(Escaped(text, "\n\t"),
+                   [&wrapper](utf8proc_int32_t character) { wrapper.Add(character); });
   return wrapper.Finish();
+}
+
+std::string Shortened(const std::string& text, std::size_t columns) {
+  std::string line = WrapText(text, static_cast<std::size_t>(-1)).front();
+  if (ColumnsOf(line) <= columns) return line;
+  return WrapText(line, columns - 1).front() + "\xE2\x80\xA6";  // an ellipsis
 }
 
 }  // namespace zelstory

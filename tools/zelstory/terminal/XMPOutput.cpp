@@ -7,6 +7,7 @@
 #include <xmptoolkit/XMPTree.h>
 
 #include "terminal/Console.h"
+#include "terminal/Escaped.h"
 
 namespace zelstory {
 namespace {
@@ -31,7 +32,7 @@ bool IsSimple(const TreeNode& node) {
   return (node.Options() & (kXMP_PropValueIsArray | kXMP_PropValueIsStruct)) == 0;
 }
 
-// A namespace that has no prefix anywhere stands in braces.
+// A namespace without any prefix is written in braces.
 std::string NameOf(const TreeNode& node) {
   const std::string prefix = node.Prefix();
   return prefix.empty() ? '{' + node.NamespaceURI() + '}' + node.LocalName()
@@ -40,7 +41,7 @@ std::string NameOf(const TreeNode& node) {
 
 void PrintNode(const TreeNode& node, const std::string& name, std::size_t depth,
                std::ostream& output) {
-  output << std::string(2 * depth, ' ') << name;
+  output << std::string(2 * depth, ' ') << Escaped(name);
   const std::string kind = KindOf(node);
   if (kind != "simple") output << " (" << kind << ')';
   if (IsSimple(node)) output << " = " << Quoted(node.Value());

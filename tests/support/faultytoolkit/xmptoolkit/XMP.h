@@ -7,7 +7,8 @@
 namespace faultytoolkit {
 
 inline int callsLeft = -1;  // calls that succeed before one is refused; below 0: none is
-inline std::string calls;   // all calls with their arguments, without namespaces, one a line
+inline bool refusesNamespaces = false;
+inline std::string calls;  // all calls with their arguments, without namespaces, one a line
 
 template <typename Argument>
 std::string Shown(const Argument& argument) {
@@ -47,6 +48,11 @@ class TXMPMeta : public ::TXMPMeta<tStringObj> {
  public:
   TXMPMeta() { faultytoolkit::Call("create"); }
   explicit TXMPMeta(Real metadata) : Real(std::move(metadata)) {}
+  template <typename... Arguments>
+  static bool RegisterNamespace(const Arguments&... arguments) {
+    if (faultytoolkit::refusesNamespaces) throw XMP_Error(kXMPErr_BadSchema, "refused by the test");
+    return Real::RegisterNamespace(arguments...);
+  }
   FAULTY(GetProperty, "get", const)
   FAULTY(SetProperty, "set", )
   FAULTY(DoesPropertyExist, "exists", const)
