@@ -27,6 +27,16 @@ std::size_t FindLast(std::string_view bytes, std::string_view text, Encoding enc
   return found == npos || found < first ? npos : found;
 }
 
+// Finds encoded text by its first byte that is not zero: files may hold long runs of zeros.
+std::size_t FindFirst(std::string_view bytes, const std::string& encoded) {
+  const std::size_t zeros = encoded.find_first_not_of('\0');
+  std::size_t found = bytes.find(encoded.c_str() + zeros, zeros, encoded.size() - zeros);
+  while (found != npos && !bytes.substr(found - zeros).starts_with(encoded)) {
+    found = bytes.find(encoded.c_str() + zeros, found + 1, encoded.size() - zeros);
+  }
+  return found == npos ? npos : found - zeros;
+}
+
 // Where the header begins, and in which encoding. In a wide encoding only the byte-order mark in
 // the header settles the byte order: one byte further on, the letters alone fit the other order.
 std::size_t FindHeader(std::string_view bytes, Encoding& encoding) {
@@ -36,7 +46,7 @@ std::size_t FindHeader(std::string_view bytes, Encoding& encoding) {
        {Encoding::kUTF32Big, Encoding::kUTF32Little, Encoding::kUTF16Big, Encoding::kUTF16Little}) {
     for (const std::string_view mark : {"\"\xEF\xBB\xBF\"", "'\xEF\xBB\xBF'"}) {
       encoding = wide;
-      const std::size_t found = bytes.find(Encode(std::string(kHeaderStart).append(mark), wide));
+      const std::size_t found = FindFirst(bytes, Encode(std::string(kHeaderStart).append(mark), wide));
       if (found != npos) return found;
     }
   }

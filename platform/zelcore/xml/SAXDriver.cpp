@@ -418,12 +418,31 @@ xmlEntityPtr ParseState::ForPlace(std::string_view name, xmlEntityPtr entity) co
   return xmlSAX2GetEntity(mCurrent, Bytes(NameOfTwin(name)));
 }
 
+// libxml2 has no message without memory, and takes the name of a namespace that it cannot store to
+// be empty. It has just read the name.
+bool ShowsShortage(const xmlParserInput* input, const xmlError& error) {
+  if (error.message == nullptr) return true;
+  const bool isEmptyName =
+      error.code == XML_NS_ERR_XML_NAMESPACE &&
+      std::string_view(error.message).find("Empty XML namespace") != std::string_view::npos;
+  if (!isEmptyName || input == nullptr || input->cur == input->base) return false;
+  std::string_view name = View(input->base, input->cur - 1);
+  name.remove_prefix(name.rfind(static_cast<char>(input->cur[-1])) + 1);
+  return name.find_first_not_of(" \t\r\n") != std::string_view::npos &&
+         name.find('&') == std::string_view::npos;
+}
+
 // Fatal errors stop libxml2. An undeclared entity may be a mere warning to it, as the declaration
 // could be in an external part; but its text would be lost.
 void ParseState::ReportError(void* context, const xmlError& error) {
+  if (HasStopped()) return;
+  if (ShowsShortage(Input(), error)) {
+    mHasNoMemory = true;
+    return Halt();
+  }
   const bool losesText =
       error.code == XML_ERR_UNDECLARED_ENTITY || error.code == XML_WAR_UNDECLARED_ENTITY;
-  if (HasStopped() || (error.level != XML_ERR_FATAL && !losesText)) return;
+  if (error.level != XML_ERR_FATAL && !losesText) return;
   Try([&] {
     // The text of an entity that has no fault, which would have stopped the parse, lacks memory.
     const bool hasMessage = error.message != nullptr;
