@@ -16,10 +16,10 @@ class ConsoleTest : public Scratch {
  protected:
   ConsoleTest() { Write("s.quor", "<TavroStory version='1.0'/>"); }
 
-  // The terminal is a pseudo-terminal that script(1) makes.
+  // The terminal is a pseudo-terminal that script(1) makes; "screen" holds what it has shown.
   std::string OnTerminal(const std::string& command) const {
     Write("command", command);
-    return Run("env -u NO_COLOR TERM=xterm script -qec 'sh command' /dev/null").mOutput;
+    return Run("env -u NO_COLOR TERM=xterm script -qefc 'sh command' screen").mOutput;
   }
 };
 
@@ -36,7 +36,10 @@ TEST_F(ConsoleTest, ATerminalGetsColoursAndProgress) {
         Story("<scene>" + Paragraph("SceneHeading", "INT. " + std::string(90, 'X')) + "</scene>"));
   EXPECT_THAT(OnTerminal("zelstory scenes long.quor"),
               HasSubstr(" " + std::string(59, 'X') + "\u2026  "));
-  const std::string slow = "(sleep 1.1; cat s.quor) | zelstory check s.quor - s.quor";
+  // Progress is shown after a second, counted from a start that can itself take long.
+  const std::string slow =
+      "(until grep -qs ok screen o; do sleep 0.1; done; sleep 1.1; cat s.quor) | "
+      "zelstory check s.quor - s.quor";
   EXPECT_THAT(OnTerminal(slow),
               EndsWith("ok\x1B[0m\r\n\r\x1B[K3 of 3\r\x1B[Ks.quor: \x1B[32mok\x1B[0m\r\n"));
   // Results that go elsewhere leave the progress where it is: the last file is a pipe, whose writer
