@@ -46,7 +46,8 @@ std::size_t FindHeader(std::string_view bytes, Encoding& encoding) {
        {Encoding::kUTF32Big, Encoding::kUTF32Little, Encoding::kUTF16Big, Encoding::kUTF16Little}) {
     for (const std::string_view mark : {"\"\xEF\xBB\xBF\"", "'\xEF\xBB\xBF'"}) {
       encoding = wide;
-      const std::size_t found = FindFirst(bytes, Encode(std::string(kHeaderStart).append(mark), wide));
+      const std::size_t found =
+          FindFirst(bytes, Encode(std::string(kHeaderStart).append(mark), wide));
       if (found != npos) return found;
     }
   }
