@@ -13,7 +13,7 @@ Scratch::Outcome Scratch::Run(const std::string& script, const std::string& inpu
   mStreams.Write("in", input);
   mStreams.Write("script", script);
   const std::string path = fs::path(ZELSTORY_TOOL).parent_path().string() + ":" + getenv("PATH");
-  const std::string line = "cd '" + mFolder.Path().string() + "' && s='" + streams.string() +
+  const std::string line = "cd '" + mFolder.Path().string() + "' && export s='" + streams.string() +
                            "' && stories='" ZELSTORY_EXAMPLES_DIR
                            "/stories' data='" ZELSTORY_EXAMPLES_DIR
                            "/../tests/zelstory/data' PATH='" +

@@ -17,7 +17,7 @@ class Scratch : public testing::Test {
   };
 
   // Runs a script of sh in the folder. There `zelstory` is the tool, $stories the folder of the
-  // example stories, and $data that of the tests' own files.
+  // example stories, $data that of the tests' own files, and $s one for what must not lie in it.
   Outcome Run(const std::string& script, const std::string& input = "") const;
   // What a script prints on both streams.
   std::string Printed(const std::string& script) const {
