@@ -10,6 +10,7 @@
 #include <zelcore/xml/Reader.h>
 #include <zelstoryparser/StoryParser.h>
 
+#include "script/OpenedScript.h"
 #include "script/StoryPlace.h"
 
 namespace zelstoryhost {
@@ -66,8 +67,9 @@ class LocatingParser : public zelstoryparser::StoryParser {
   std::optional<Error> mFault;
 };
 
-// Returns why a file cannot be opened, if it cannot. Reading a pipe or a device might never end.
-std::optional<std::string> Open(const fs::path& file, std::ifstream& stream) {
+}  // namespace
+
+std::optional<std::string> OpenScript(const fs::path& file, std::ifstream& stream) {
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
   if (error) return error.message();
@@ -78,11 +80,9 @@ std::optional<std::string> Open(const fs::path& file, std::ifstream& stream) {
   return std::nullopt;
 }
 
-}  // namespace
-
 StoryResult ReadStory(const fs::path& file) {
   std::ifstream stream;
-  const std::optional<std::string> reason = Open(file, stream);
+  const std::optional<std::string> reason = OpenScript(file, stream);
   if (reason) return {nullptr, Error(file.string(), *reason)};
   return ReadStory(stream, file.string());
 }
@@ -91,6 +91,13 @@ StoryResult ReadStory(std::istream& stream, const std::string& name) {
   zelcore::xml::Reader reader;
   LocatingParser parser(reader, name);
   const bool wellFormed = reader.ParseStream(stream, name, parser);
+  return parser.Result(wellFormed);
+}
+
+StoryResult ReadStory(std::string_view bytes, const std::string& name) {
+  zelcore::xml::Reader reader;
+  LocatingParser parser(reader, name);
+  const bool wellFormed = reader.ParseBuffer(bytes, name, parser);
   return parser.Result(wellFormed);
 }
 

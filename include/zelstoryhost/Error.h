@@ -29,10 +29,10 @@ class ZELSTORYHOST_API Error : public std::runtime_error {
   // A fault of the whole file, or, with an empty `file`, of something that has no file.
   Error(const std::string& file, const std::string& reason);
 
-  // A fault at a place in the file. A column of 0 means the whole line. `where` may give the place
-  // in the story, such as "body, scene 12A, paragraph 7".
-  Error(const std::string& file, const zelcore::xml::Position& position, const std::string& reason,
-        const std::string& where = {});
+  // A fault at a place in the file, if that is known. A column of 0 means the whole line. `where`
+  // may give the place in the story, such as "body, scene 12A, paragraph 7".
+  Error(const std::string& file, const std::optional<zelcore::xml::Position>& position,
+        const std::string& reason, const std::string& where = {});
 
   // A fault of the whole file that has a remedy.
   Error(const std::string& file, const std::string& reason, ErrorKind kind);
