@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <utility>
 
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/StoryWriter.h>
@@ -56,16 +55,10 @@ std::string StoryWriter::Write(const TavroStory& story) {
   return mXML.Take();
 }
 
-// The parser's rule: the first two parts, of those that full stops separate and that are not empty,
-// are 1 and 0.
+// The parser's rule: of the parts that full stops separate, the first is 1 and the second 0.
 void StoryWriter::CheckVersion(const UTF16String& version) const {
-  std::u16string_view rest = version;
-  for (const std::u16string_view part : {u"1", u"0"}) {
-    rest.remove_prefix(std::min(rest.find_first_not_of(u'.'), rest.size()));
-    const std::u16string_view found = rest.substr(0, rest.find(u'.'));
-    if (found != part) Refuse("the story has the version '" + ToUTF8(version) + "', not 1.0");
-    rest.remove_prefix(found.size());
-  }
+  if (version == u"1.0" || version.starts_with(u"1.0.")) return;
+  Refuse("the story has the version '" + ToUTF8(version) + "', not 1.0");
 }
 
 void StoryWriter::Write(const Document& document) {

@@ -60,7 +60,8 @@ std::size_t LengthOfWellFormed(std::u16string_view units) {
 }
 
 std::string FromUTF16(std::string_view bytes, ByteOrder order, const std::string& source) {
-  const std::u16string units = UnitsOf(bytes, order);
+  std::u16string units = UnitsOf(bytes, order);
+  if (units.starts_with(u'\xFEFF')) units.erase(0, 1);
   const std::size_t length = LengthOfWellFormed(units);
   std::string text = ToUTF8(std::u16string_view(units).substr(0, length));
   if (length < units.size() || bytes.size() % 2 != 0) {

@@ -79,9 +79,8 @@ StoryResult FountainReader::Read() {
     }
     AddRemarks();
   }
-  mNext = mText.CountLines();
-  AddPendingComments();
   AddRemarks();
+  AddPendingComments();
   if (mHasEmphasis) {
     mFindings.Add(Severity::kNote, "emphasis (italics, bold, underlining) is left out",
                   std::nullopt);
@@ -98,9 +97,10 @@ void FountainReader::Add(ParagraphElementType kind, std::string_view text) {
   mBuilder.Add(kind, text);
 }
 
-// A section names the scenes that follow it, and a synopsis below it describes it.
+// A section names the scenes that follow it, and a synopsis below it describes it. What comes
+// before the first scene belongs to it.
 void FountainReader::Comment(std::string_view stream, std::string_view text) {
-  if (mIsAfterSection) {
+  if (mIsAfterSection || mBuilder.CurrentScene() == nullptr) {
     mPending.emplace_back(stream, text);
   } else {
     mBuilder.AddComment(stream, "", text);

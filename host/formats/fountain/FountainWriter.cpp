@@ -39,6 +39,12 @@ std::string NameOf(std::int32_t kind) {
   return "an unknown kind";
 }
 
+bool HasText(const Scene& scene) {
+  return std::ranges::any_of(scene.mParagraphs, [](const auto& paragraph) {
+    return paragraph && CountWords(TextOf(*paragraph)) > 0;
+  });
+}
+
 class FountainWriter {
  public:
   explicit FountainWriter(const std::string& name) : mName(name) {}
@@ -67,7 +73,7 @@ class FountainWriter {
   static bool IsSpeech(const Scene& scene, std::size_t index);
   bool NeedsMark(std::string_view line, bool isFirst, std::string_view next) const;
   bool LooksLikeTitlePage(std::string_view line, std::string_view next) const {
-    return mBytes.empty() && BeginsWithTitlePage(line, next);
+    return mIsStart && BeginsWithTitlePage(line, next);
   }
 
   void NoteBlanks() {
@@ -90,12 +96,14 @@ class FountainWriter {
   FindingList mFindings;
   StoryPlace mPlace;
   bool mHasScene = false;
+  bool mIsStart = true;           // no line but those of notes has been written
   bool mIsInSpeech = false;       // the last line is a cue or what follows one
   bool mIsAfterDialogue = false;  // and it is dialogue
 };
 
 WrittenScript FountainWriter::Write(const TavroStory& story) {
   mBytes = WriteTitlePage(ToUTF8(story.mMetaData), mFindings);
+  mIsStart = mBytes.empty();
   ReportRest(story);
   mPlace.EnterStream("body");
   const auto scenes = BodyScenes(story);
@@ -119,6 +127,9 @@ void FountainWriter::ReportRest(const TavroStory& story) {
 
 void FountainWriter::WriteScene(const Scene& scene, const std::vector<SceneComment>& comments) {
   mPlace.EnterScene(ToUTF8(scene.mSceneNumber));
+  if (comments.empty() && !HasText(scene)) {
+    return Note(Severity::kWarning, "a scene without text is left out");
+  }
   WriteSections(comments);
   const bool hasHeading = !scene.mParagraphs.empty() && scene.mParagraphs.front() &&
                           scene.mParagraphs.front()->mElementType == kSceneHeading &&
@@ -147,6 +158,7 @@ void FountainWriter::WriteSections(const std::vector<SceneComment>& comments) {
     if (!IsSection(line)) continue;
     BeginBlock();
     mBytes += line + "\n";
+    mIsStart = false;
   }
 }
 
@@ -157,7 +169,9 @@ void FountainWriter::WriteComments(const std::vector<SceneComment>& comments) {
     if (comment.mStream == kSections) continue;
     if (comment.mStream == kSynopses) {
       const std::string text = OneLine(comment.mText);
-      if (!text.empty()) mBytes += "= " + WithEscapes(text) + "\n";
+      if (text.empty()) continue;
+      mBytes += "= " + WithEscapes(text) + "\n";
+      mIsStart = false;
     } else {
       WriteRemark(comment, comment.mStream == kBoneyard);
     }
@@ -233,6 +247,7 @@ void FountainWriter::WriteParagraph(const Scene& scene, std::size_t index) {
     }
     WriteAction(text);
   }
+  mIsStart = mIsStart && CountWords(text) == 0;
   mPlace.LeaveParagraph();
 }
 
