@@ -18,7 +18,7 @@ enum class ErrorKind {
   kSharedSidecar,    // other clips may share the sidecar; a SidecarForm decides
   kSeveralSidecars,  // the clip has several: name one of them, or give a SidecarForm
   kHardLinks,        // EditSettings::mForce parts the file from its other names
-  kForeignFile,      // ShotSettings::mForce replaces the file anyway
+  kForeignFile,      // not a file that may be replaced unasked
   kUnknownScene,     // no scene has the number or identifier
 };
 

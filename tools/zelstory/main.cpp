@@ -43,6 +43,7 @@ void AddCommands(CommandLine& tool) {
   AddTagCommand(tool);
   AddListCommands(tool);
   AddReportCommand(tool);
+  AddConvertCommand(tool);
   AddDumpCommand(tool);
 }
 
