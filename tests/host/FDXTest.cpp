@@ -80,11 +80,11 @@ note: notes without a place in the text are kept in the first scene
 <TitlePage><Content><p/><p><t> HARBOUR </t></p><p><t>Written by</t></p><p/><p><t>Ida</t></p><p><t>by</t></p><p><t>Bo</t></p></Content>\
 <HeaderAndFooter><p><t>1.</t></p></HeaderAndFooter></TitlePage> => meta=Title: HARBOUR\x5CnWritten by\x5CnAuthor: Ida\x5Cnby\x5CnBo
 <TitlePage><Content><p><t>title: X</t></p><p><t>BY</t><t>\nBo</t></p></Content></TitlePage> => meta=title: X\x5CnBY\x5CnAuthor: Bo
-<TagData><TagCategories><TagCategory Name='Props'/></TagCategories><TagDefinitions><TagDefinition Label='lamp'/></TagDefinitions></TagData> => \
-tag=lamp => note: tags are kept without their category and their places in the text
+<TagData><TagCategories><TagCategory Name='Story'/><TagCategory Name='Props'/></TagCategories><TagDefinitions><TagDefinition Label='lamp'/></TagDefinitions></TagData> => \
+tag=lamp => note: tags are kept without their categories and places in the text
 <Content>a<h>b<t>c</t></p></Content><SmartType><t>d</t></SmartType><Beats><p><t>e</t></p></Beats> => |SceneHeading:c => \
 warning: text in the element 'Content' was left out; warning: text in the element 'Paragraph' was left out; \
-warning: text in the element 'Text' was left out)")) {
+warning: text in the element 'Beats' was left out)")) {
     const StoryResult result = ReadFDX(Script(row[0]), "a.fdx");
     ASSERT_TRUE(result) << row[0] << result.mFault->what();
     EXPECT_EQ(Everything(*result.mStory),
@@ -100,6 +100,7 @@ TEST(FDX, NamesThePlaceOfFaultsAndFindings) {
 <!-- -->\n<Final/> => a.fdx:2:1: error: is XML, but no FDX script: the root is 'Final'
 => a.fdx:1:1: error: the document is empty
 <FinalDraft/> => 1:1 note: the script does not say its FDX version
+<FinalDraft Version='0'/> => 1:1 note: the FDX version '0' is not known: 1 to 6 are
 <FinalDraft Version='7'/> => 1:1 note: the FDX version '7' is not known: 1 to 6 are
 <FinalDraft Version='6'>\n <DualDialogue/><Content>\n <DualDialogue/></Content></FinalDraft> => \
 3:2 warning: dual dialogue is read as one speech after the other)")) {

@@ -18,6 +18,9 @@ inline constexpr std::string_view kBegins = "Begins";
 inline constexpr std::string_view kContinues = "Continues";
 inline constexpr std::string_view kStoryKey = "StoryKey";
 
+// The category of a story's own tags.
+inline constexpr std::string_view kStoryCategory = "Story";
+
 // What a paragraph of some type becomes.
 enum class TypeMeaning {
   kSame,
@@ -60,7 +63,7 @@ constexpr bool HoldsParagraphs(FDXArea area) {
 }
 
 // The area that an element of this name begins within another one; none for an element that is
-// part of the area around it.
+// part of the area around it, or not known.
 std::optional<FDXArea> FDXAreaOf(std::string_view name, FDXArea around);
 
 }  // namespace zelstoryhost

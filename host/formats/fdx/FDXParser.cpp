@@ -56,19 +56,22 @@ std::string_view StreamOf(const std::string& type) {
 }  // namespace
 
 void FDXParser::StartElement(const UTF16String& name, const Attributes& attributes) {
-  Element element{ToUTF8(name), FDXArea::kDocument};
   if (mElements.empty()) {
-    BeginDocument(element.mName, attributes);
-    mElements.push_back(std::move(element));
+    mElements.push_back({ToUTF8(name), FDXArea::kDocument});
+    BeginDocument(mElements[0].mName, attributes);
     return;
   }
-  const Element& around = mElements.back();
-  element.mArea = around.mArea;
-  element.mIsText = around.mIsText;
-  element.mIsInParagraph = around.mIsInParagraph;
-  if (around.mIsText) {
-    if (IsLineBreak(element.mName)) mParagraphs.back().mText += '\n';
-  } else if (HoldsParagraphs(around.mArea) && element.mName == "Paragraph") {
+  Element element = ElementIn(mElements.back(), ToUTF8(name));
+  Begin(element, attributes);
+  mElements.push_back(std::move(element));
+}
+
+// Places an element by its name. Within a text all elements are part of it.
+FDXParser::Element FDXParser::ElementIn(const Element& around, std::string name) {
+  Element element{std::move(name), around.mArea, around.mIsText, around.mIsInParagraph};
+  element.mUnknown = around.mUnknown;
+  if (around.mIsText) return element;
+  if (HoldsParagraphs(around.mArea) && element.mName == "Paragraph") {
     element.mBeginsParagraph = element.mIsInParagraph = true;
   } else if (HoldsParagraphs(around.mArea) && element.mName == "Text") {
     element.mBeginsParagraph = !around.mIsInParagraph;
@@ -77,9 +80,11 @@ void FDXParser::StartElement(const UTF16String& name, const Attributes& attribut
     element.mArea = *area;
     element.mIsInParagraph = false;
     element.mBeginsNote = *area == FDXArea::kScriptNote;
+    if (*area == FDXArea::kForeign) element.mUnknown = element.mName;
+  } else if (element.mUnknown.empty()) {
+    element.mUnknown = element.mName;
   }
-  Begin(element, attributes);
-  mElements.push_back(std::move(element));
+  return element;
 }
 
 void FDXParser::BeginDocument(const std::string& root, const Attributes& attributes) {
@@ -88,9 +93,10 @@ void FDXParser::BeginDocument(const std::string& root, const Attributes& attribu
                 "is XML, but no FDX script: the root is '" + root + "'");
   }
   const auto version = FindValue(attributes, "Version");
+  const int number = version ? NumberAtStart<int>(*version).value_or(0) : 0;
   if (!version) {
     Find(Severity::kNote, "the script does not say its FDX version");
-  } else if (NumberAtStart<int>(*version).value_or(kNewestVersion + 1) > kNewestVersion) {
+  } else if (number < 1 || number > kNewestVersion) {
     Find(Severity::kNote, "the FDX version " + Quoted(*version) + " is not known: 1 to 6 are");
   }
 }
@@ -98,6 +104,10 @@ void FDXParser::BeginDocument(const std::string& root, const Attributes& attribu
 // What an element means beside the area that it is in or begins.
 void FDXParser::Begin(const Element& element, const Attributes& attributes) {
   const FDXArea around = mElements.back().mArea;
+  if (mElements.back().mIsText) {
+    if (IsLineBreak(element.mName)) mParagraphs.back().mText += '\n';
+    return;
+  }
   if (element.mBeginsParagraph) BeginParagraph(element.mArea, attributes);
   if (element.mBeginsNote) BeginNote(around, attributes);
   if (element.mArea == FDXArea::kHidden && around == FDXArea::kScript) {
@@ -107,14 +117,18 @@ void FDXParser::Begin(const Element& element, const Attributes& attributes) {
   if (element.mArea == FDXArea::kScript && element.mName == "DualDialogue") {
     Find(Severity::kWarning, "dual dialogue is read as one speech after the other");
   }
-  if (element.mArea == FDXArea::kTags && element.mName == "TagDefinition") {
-    mScript.mTags.push_back(ValueOf(attributes, "Label"));
-    Find(Severity::kNote, "tags are kept without their category and their places in the text");
-  }
+  if (element.mArea == FDXArea::kTags) AddTag(element.mName, attributes);
   const bool isStyled =
       element.mIsText && element.mArea == FDXArea::kScript && !ValueOf(attributes, "Style").empty();
   if (isStyled)
     Find(Severity::kNote, "text styles, such as bold and italic, have no place in a story");
+}
+
+void FDXParser::AddTag(const std::string& element, const Attributes& attributes) {
+  if (element == "TagDefinition") mScript.mTags.push_back(ValueOf(attributes, "Label"));
+  if (element == "TagCategory" && ValueOf(attributes, "Name") != kStoryCategory) {
+    Find(Severity::kNote, "tags are kept without their categories and places in the text");
+  }
 }
 
 // A paragraph that holds others is one only if it has a text as well.
@@ -251,7 +265,8 @@ void FDXParser::Characters(const UTF16String& text) {
                          text.find_first_not_of(u" \t\r\n") != UTF16String::npos;
   if (!isDropped) return;
   element.mHasStrayText = true;
-  Find(Severity::kWarning, "text in the element " + Quoted(element.mName) + " was left out");
+  const std::string& name = element.mUnknown.empty() ? element.mName : element.mUnknown;
+  Find(Severity::kWarning, "text in the element " + Quoted(name) + " was left out");
 }
 
 FDXScene& FDXParser::CurrentScene() {

@@ -43,6 +43,7 @@ class FDXParser : public zelcore::xml::AbstractParseHandler {
     bool mBeginsParagraph = false;
     bool mBeginsNote = false;
     bool mHasStrayText = false;
+    std::string mUnknown{};  // the outermost element from here upward that nobody knows
   };
 
   // A paragraph in whose element the reader is; those of the script have their place there.
@@ -56,17 +57,19 @@ class FDXParser : public zelcore::xml::AbstractParseHandler {
   };
 
   void BeginDocument(const std::string& root, const Attributes& attributes);
+  static Element ElementIn(const Element& around, std::string name);
   void Begin(const Element& element, const Attributes& attributes);
   void BeginParagraph(FDXArea area, const Attributes& attributes);
   void BeginScriptParagraph(const Attributes& attributes);
   void BeginHiddenParagraph(const Attributes& attributes);
   void BeginOmittedScene(const Attributes& attributes);
+  void AddTag(const std::string& element, const Attributes& attributes);
   void BeginNote(FDXArea around, const Attributes& attributes);
   void AddSceneProperties(const Attributes& attributes);
   void EndParagraph();
   void EndNote();
 
-  zelstoryparser::ParagraphElementType KindOf(const std::string& type);
+  zelstoryparser::ParagraphElementType KindOf(const std::string& name);
   FDXScene& CurrentScene();
   void AddComment(std::string_view stream, std::string text);
   void Find(Severity severity, const std::string& text) {

@@ -261,7 +261,7 @@ void FDXWriter::WriteTags(const TavroStory& story) {
   mPlace.EnterStream("tags");
   constexpr std::string_view kCategory = "1";
   mXML.Begin("TagData").Begin("TagCategories");
-  mXML.Begin("TagCategory").Attribute("Id", kCategory).Attribute("Name", std::string_view("Story"));
+  mXML.Begin("TagCategory").Attribute("Id", kCategory).Attribute("Name", kStoryCategory);
   mXML.End();
   mXML.End();
   mXML.Begin("TagDefinitions");
