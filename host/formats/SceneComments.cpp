@@ -1,62 +1,69 @@
 #include "formats/SceneComments.h"
 
-#include <algorithm>
 #include <map>
 
 #include <zelstoryhost/Story.h>
-#include <zelstoryhost/Text.h>
 
 namespace zelstoryhost {
-namespace {
 
 using namespace zelstoryparser;
 
+namespace {
+
 class SceneIndex {
  public:
-  explicit SceneIndex(const std::vector<boost::intrusive_ptr<Scene>>& scenes)
-      : mCount(scenes.size()) {
-    for (std::size_t i = 0; i < scenes.size(); ++i) {
-      if (!scenes[i]) continue;
-      if (!scenes[i]->mSceneNumber.empty()) mByNumber.try_emplace(scenes[i]->mSceneNumber, i);
-      mByID.try_emplace(scenes[i]->mObjectID.AsString(), i);
+  explicit SceneIndex(const TavroStory& story) {
+    std::size_t place = 0;
+    for (const auto& scene : BodyScenes(story)) {
+      if (scene) Add(*scene, place);
+      ++place;
     }
   }
 
-  std::size_t SubjectOf(const Scene& comments, std::size_t position) const {
+  // The scene that a scene of comments stands for.
+  std::optional<std::size_t> Find(const Scene& comments) const {
     const UTF16String id = comments.mObjectID.AsString();
     const auto byID = mByID.find(id.substr(0, id.rfind(u"-comments-")));
-    if (byID != mByID.end() && !id.empty()) return byID->second;
+    if (byID != mByID.end()) return byID->second;
     const auto byNumber = mByNumber.find(comments.mSceneNumber);
-    return byNumber == mByNumber.end() ? std::min(position, mCount - 1) : byNumber->second;
+    return byNumber == mByNumber.end() ? std::nullopt : std::optional(byNumber->second);
   }
 
  private:
-  std::size_t mCount;
-  std::map<UTF16String, std::size_t> mByNumber;
-  std::map<UTF16String, std::size_t> mByID;
+  void Add(const Scene& scene, std::size_t place) {
+    const UTF16String id = scene.mObjectID.AsString();
+    if (!id.empty()) mByID.emplace(id, place);
+    if (!scene.mSceneNumber.empty()) mByNumber.emplace(scene.mSceneNumber, place);
+  }
+
+  std::map<UTF16String, std::size_t> mByID, mByNumber;
 };
 
 }  // namespace
 
-std::vector<std::vector<SceneComment>> CommentsByScene(const TavroStory& story) {
-  const auto scenes = BodyScenes(story);
-  std::vector<std::vector<SceneComment>> comments(scenes.size());
-  if (scenes.empty()) return comments;
-  const SceneIndex index(scenes);
+std::vector<SceneComment> CommentsOf(const TavroStory& story) {
+  std::vector<SceneComment> comments;
+  if (!story.mDocument) return comments;
+  const SceneIndex index(story);
   for (const auto& stream : story.mDocument->mCommentStreams) {
     if (!stream || !stream->mSection) continue;
-    std::size_t position = 0;
     for (const auto& scene : stream->mSection->mScenes) {
       if (!scene) continue;
-      auto& subject = comments[index.SubjectOf(*scene, position++)];
+      const auto place = index.Find(*scene);
       for (const auto& paragraph : scene->mParagraphs) {
-        if (!paragraph) continue;
-        subject.push_back(
-            {ToUTF8(stream->mName), ToUTF8(stream->mCommentAuthor), TextOf(*paragraph)});
+        if (paragraph) comments.push_back({stream.get(), place, JoinedText(*paragraph)});
       }
     }
   }
   return comments;
+}
+
+UTF16String JoinedText(const Paragraph& paragraph) {
+  UTF16String text;
+  for (const auto& run : paragraph.mTextRuns) {
+    if (run) text += run->mText;
+  }
+  return text;
 }
 
 }  // namespace zelstoryhost

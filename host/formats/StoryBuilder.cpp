@@ -94,15 +94,13 @@ void StoryBuilder::Add(ParagraphElementType kind, const std::vector<std::string>
 }
 
 std::size_t StoryBuilder::StreamOf(std::string_view name, std::string_view author) {
-  const UTF16String streamName = UTF8to16(name);
-  const UTF16String streamAuthor = UTF8to16(author);
   auto& streams = mStory->mDocument->mCommentStreams;
-  for (std::size_t i = 0; i < streams.size(); ++i) {
-    if (streams[i]->mName == streamName && streams[i]->mCommentAuthor == streamAuthor) return i;
-  }
+  const auto [known, isNew] =
+      mStreams.try_emplace({std::string(name), std::string(author)}, streams.size());
+  if (!isNew) return known->second;
   streams.emplace_back(new CommentStream);
-  streams.back()->mName = streamName;
-  streams.back()->mCommentAuthor = streamAuthor;
+  streams.back()->mName = UTF8to16(name);
+  streams.back()->mCommentAuthor = UTF8to16(author);
   streams.back()->mDependent = UTF8to16(kBodyID);
   streams.back()->mObjectID = UTF8to16("comments-" + std::to_string(streams.size()));
   streams.back()->mSection = new Section;
@@ -119,9 +117,10 @@ void StoryBuilder::Identify(Scene& scene) {
   const std::string number = ToUTF8(scene.mSceneNumber);
   std::string id = "scene-" + (number.empty() ? HashOf(scene) : number);
   if (!number.empty() && mIdentifiers.contains(id)) id += "-" + HashOf(scene);
-  const std::string unnumbered = id;
-  for (int twin = 2; !mIdentifiers.insert(id).second; ++twin) {
-    id = unnumbered + "-" + std::to_string(twin);
+  const std::string first = id;
+  int& twin = mIdentifiers[first];
+  if (twin++ > 0) {
+    while (!mIdentifiers.emplace(id = first + "-" + std::to_string(twin), 1).second) ++twin;
   }
   scene.mObjectID = UTF8to16(id);
   IdentifyParagraphs(scene, id);

@@ -2,9 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <set>
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
@@ -64,7 +65,8 @@ class StoryBuilder {
   boost::intrusive_ptr<zelstoryparser::Section> mBody;
   boost::intrusive_ptr<zelstoryparser::Scene> mScene;
   std::vector<Comment> mComments;
-  std::set<std::string> mIdentifiers;  // of scenes
+  std::map<std::pair<std::string, std::string>, std::size_t> mStreams;  // by name and author
+  std::map<std::string, int> mIdentifiers;  // of scenes, with the number of the last twin
 };
 
 }  // namespace zelstoryhost

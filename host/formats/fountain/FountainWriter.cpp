@@ -32,6 +32,10 @@ void ReplaceAll(std::string& text, std::string_view what, std::string_view by) {
   }
 }
 
+struct Comment {
+  std::string mStream, mAuthor, mText;
+};
+
 std::string NameOf(std::int32_t kind) {
   for (const ParagraphKind& known : kParagraphKinds) {
     if (known.mType == kind) return "the kind " + std::string(known.mName);
@@ -52,11 +56,13 @@ class FountainWriter {
   WrittenScript Write(const TavroStory& story);
 
  private:
+  std::vector<std::vector<Comment>> CommentsByScene(const TavroStory& story,
+                                                    std::size_t sceneCount);
   void ReportRest(const TavroStory& story);
-  void WriteScene(const Scene& scene, const std::vector<SceneComment>& comments);
-  void WriteSections(const std::vector<SceneComment>& comments);
-  void WriteComments(const std::vector<SceneComment>& comments);
-  void WriteRemark(const SceneComment& comment, bool isBoneyard);
+  void WriteScene(const Scene& scene, const std::vector<Comment>& comments);
+  void WriteSections(const std::vector<Comment>& comments);
+  void WriteComments(const std::vector<Comment>& comments);
+  void WriteRemark(const Comment& comment, bool isBoneyard);
   void WriteParagraph(const Scene& scene, std::size_t index);
   void WriteHeading(const std::string& text, const std::string& number);
   void WriteAction(const std::string& text);
@@ -107,13 +113,30 @@ WrittenScript FountainWriter::Write(const TavroStory& story) {
   ReportRest(story);
   mPlace.EnterStream("body");
   const auto scenes = BodyScenes(story);
-  const auto comments = CommentsByScene(story);
+  const auto comments = CommentsByScene(story, scenes.size());
   for (std::size_t i = 0; i < scenes.size(); ++i) {
     if (scenes[i]) WriteScene(*scenes[i], comments[i]);
   }
   constexpr std::string_view kMark = "\xEF\xBB\xBF";
   if (mBytes.starts_with(kMark)) mBytes.insert(0, kMark);  // one of them is no text
   return {std::move(mBytes), mFindings.Take()};
+}
+
+// Those that belong to no scene go to the last one.
+std::vector<std::vector<Comment>> FountainWriter::CommentsByScene(const TavroStory& story,
+                                                                  std::size_t sceneCount) {
+  std::vector<std::vector<Comment>> comments(sceneCount);
+  for (const SceneComment& comment : CommentsOf(story)) {
+    if (!comment.mScene) {
+      Note(Severity::kWarning, sceneCount == 0 ? "comments without any scene are left out"
+                                               : "comments of no scene go to the last one");
+    }
+    if (sceneCount == 0) continue;
+    comments[comment.mScene.value_or(sceneCount - 1)].push_back(
+        {ToUTF8(comment.mStream->mName), ToUTF8(comment.mStream->mCommentAuthor),
+         ToUTF8(comment.mText)});
+  }
+  return comments;
 }
 
 void FountainWriter::ReportRest(const TavroStory& story) {
@@ -125,7 +148,7 @@ void FountainWriter::ReportRest(const TavroStory& story) {
   if (hasMargins) Note(Severity::kWarning, "Fountain has no headers and footers");
 }
 
-void FountainWriter::WriteScene(const Scene& scene, const std::vector<SceneComment>& comments) {
+void FountainWriter::WriteScene(const Scene& scene, const std::vector<Comment>& comments) {
   mPlace.EnterScene(ToUTF8(scene.mSceneNumber));
   if (comments.empty() && !HasText(scene)) {
     return Note(Severity::kWarning, "a scene without text is left out");
@@ -150,8 +173,8 @@ void FountainWriter::WriteScene(const Scene& scene, const std::vector<SceneComme
   mPlace.LeaveScene();
 }
 
-void FountainWriter::WriteSections(const std::vector<SceneComment>& comments) {
-  for (const SceneComment& comment : comments) {
+void FountainWriter::WriteSections(const std::vector<Comment>& comments) {
+  for (const Comment& comment : comments) {
     if (comment.mStream != kSections) continue;
     const std::string text = OneLine(comment.mText);
     const std::string line = (text.starts_with('#') ? "" : "# ") + WithEscapes(text);
@@ -163,8 +186,8 @@ void FountainWriter::WriteSections(const std::vector<SceneComment>& comments) {
 }
 
 // Comments stand below the heading, each on lines of its own.
-void FountainWriter::WriteComments(const std::vector<SceneComment>& comments) {
-  for (const SceneComment& comment : comments) {
+void FountainWriter::WriteComments(const std::vector<Comment>& comments) {
+  for (const Comment& comment : comments) {
     if (!comment.mAuthor.empty()) Note(Severity::kNote, "Fountain has no authors of comments");
     if (comment.mStream == kSections) continue;
     if (comment.mStream == kSynopses) {
@@ -178,7 +201,7 @@ void FountainWriter::WriteComments(const std::vector<SceneComment>& comments) {
   }
 }
 
-void FountainWriter::WriteRemark(const SceneComment& comment, bool isBoneyard) {
+void FountainWriter::WriteRemark(const Comment& comment, bool isBoneyard) {
   if (!isBoneyard && comment.mStream != kNotes) {
     Note(Severity::kNote, "comments of the stream '" + comment.mStream + "' become notes");
   }
