@@ -4,10 +4,9 @@
 #include <system_error>
 #include <utility>
 
+#include <zelcore/xml/Reader.h>
 #include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
-
-#include <zelcore/xml/Reader.h>
 #include <zelstoryparser/StoryParser.h>
 
 #include "script/StoryPlace.h"

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Export.h>
-
 #include <zelstoryparser/StoryTree.h>
 
 // Story files. All functions may be called from several threads at once; a tree belongs to one

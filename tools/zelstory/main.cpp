@@ -6,7 +6,6 @@
 #include <string>
 
 #include <zelstoryhost/Error.h>
-
 #include <zelstoryparser/Version.h>
 
 #include "commands/Commands.h"

@@ -3,7 +3,6 @@
 
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Text.h>
-
 #include <zelstoryparser/TraverseStory.h>
 
 #include "commands/Commands.h"
