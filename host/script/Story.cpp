@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <fstream>
 #include <istream>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -73,6 +74,7 @@ std::optional<std::string> Open(const fs::path& file, std::ifstream& stream) {
   if (fs::is_directory(status)) return "is a directory";
   if (!fs::is_regular_file(status)) return "is not a regular file";
   stream.open(file, std::ios::binary);
+  if (!stream && errno == ENOMEM) throw std::bad_alloc();
   if (!stream) return std::generic_category().message(errno);
   return std::nullopt;
 }

@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Text.h>
@@ -22,6 +23,7 @@ int Dump(const std::string& file) {
   try {
     zelstoryparser::TraverseStory(story, text);
   } catch (const std::filesystem::filesystem_error& error) {
+    if (error.code() == std::errc::not_enough_memory) throw;
     const std::string place = error.path1().string();
     throw Error(place.empty() ? "temporary folder (TMPDIR)" : place, error.code().message());
   }
