@@ -3,9 +3,8 @@
 #include <array>
 #include <utility>
 
-#include <zelstoryhost/Text.h>
-
 #include <zelcore/String.h>
+#include <zelstoryhost/Text.h>
 
 namespace zelstoryhost {
 

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
+#include <zelcore/String.h>
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Text.h>
-
-#include <zelcore/String.h>
 
 namespace zelstoryhost {
 namespace {

@@ -1,13 +1,13 @@
 #include <cerrno>
 #include <fstream>
 #include <istream>
+#include <new>
 #include <system_error>
 #include <utility>
 
+#include <zelcore/xml/Reader.h>
 #include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
-
-#include <zelcore/xml/Reader.h>
 #include <zelstoryparser/StoryParser.h>
 
 #include "script/OpenedScript.h"
@@ -76,6 +76,7 @@ std::optional<std::string> OpenScript(const fs::path& file, std::ifstream& strea
   if (fs::is_directory(status)) return "is a directory";
   if (!fs::is_regular_file(status)) return "is not a regular file";
   stream.open(file, std::ios::binary);
+  if (!stream && errno == ENOMEM) throw std::bad_alloc();
   if (!stream) return std::generic_category().message(errno);
   return std::nullopt;
 }

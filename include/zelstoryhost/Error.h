@@ -4,9 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-#include <zelstoryhost/Export.h>
-
 #include <zelcore/xml/Position.h>
+#include <zelstoryhost/Export.h>
 
 namespace zelstoryhost {
 

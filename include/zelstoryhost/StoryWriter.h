@@ -3,7 +3,6 @@
 #include <string>
 
 #include <zelstoryhost/Export.h>
-
 #include <zelstoryparser/StoryTree.h>
 
 namespace zelstoryhost {

@@ -1,6 +1,7 @@
 #include <cstdlib>
 
 #include <gtest/gtest.h>
+
 #include <zelstoryhost/FDX.h>
 
 #include "support/TreeGenerator.h"

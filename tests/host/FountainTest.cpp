@@ -2,6 +2,7 @@
 #include <random>
 
 #include <gtest/gtest.h>
+
 #include <zelstoryhost/Fountain.h>
 
 #include "support/TreeGenerator.h"

@@ -2,6 +2,7 @@
 #include <sstream>
 
 #include <gtest/gtest.h>
+
 #include <zelstoryhost/ScriptFormats.h>
 #include <zelstoryhost/StoryJSON.h>
 #include <zelstoryhost/StoryWriter.h>

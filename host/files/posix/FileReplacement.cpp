@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Files.h>
 

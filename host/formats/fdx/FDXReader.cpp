@@ -1,10 +1,9 @@
 #include <algorithm>
 #include <utility>
 
-#include <zelstoryhost/FDX.h>
-
 #include <zelcore/String.h>
 #include <zelcore/xml/Reader.h>
+#include <zelstoryhost/FDX.h>
 
 #include "formats/StoryBuilder.h"
 #include "formats/fdx/FDXParser.h"

@@ -1,8 +1,7 @@
 #include <utility>
 
-#include <zelstoryhost/Fountain.h>
-
 #include <zelcore/String.h>
+#include <zelstoryhost/Fountain.h>
 
 #include "formats/StoryBuilder.h"
 #include "formats/TextEncoding.h"

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include <utf8proc.h>
+
 #include <zelstoryhost/Text.h>
 
 #include "LowerCase.h"

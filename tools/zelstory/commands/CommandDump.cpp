@@ -1,9 +1,9 @@
 #include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Text.h>
-
 #include <zelstoryparser/TraverseStory.h>
 
 #include "commands/Commands.h"
@@ -29,6 +29,7 @@ int Dump(const DumpOptions& options) {
   try {
     zelstoryparser::TraverseStory(story, text);
   } catch (const std::filesystem::filesystem_error& error) {
+    if (error.code() == std::errc::not_enough_memory) throw;
     const std::string place = error.path1().string();
     throw Error(place.empty() ? "temporary folder (TMPDIR)" : place, error.code().message());
   }

@@ -1,5 +1,6 @@
-#include <algorithm>
 #include <filesystem>
+#include <map>
+#include <string>
 #include <vector>
 
 #include <zelstoryhost/ShotPackets.h>
@@ -37,15 +38,16 @@ void WriteShots(const std::string& story, const fs::path& folder, const std::str
 std::vector<fs::path> FoldersOf(const std::vector<std::string>& stories, const fs::path& folder) {
   if (stories.size() == 1) return {folder};
   std::vector<fs::path> folders;
+  std::map<fs::path, std::string> owners;
   for (const std::string& story : stories) {
     if (story == kStandardStream) {
       throw UsageError("standard input gives no folder name; pass it alone");
     }
     folders.push_back(folder / fs::path(story).stem());
-    const auto twin = std::find(folders.begin(), folders.end() - 1, folders.back());
-    if (twin == folders.end() - 1) continue;
-    throw UsageError(stories[static_cast<std::size_t>(twin - folders.begin())] + " and " + story +
-                     " would share the folder " + folders.back().string());
+    const auto [owner, isNew] = owners.emplace(folders.back(), story);
+    if (isNew) continue;
+    throw UsageError(owner->second + " and " + story + " would share the folder " +
+                     folders.back().string());
   }
   return folders;
 }

@@ -11,6 +11,7 @@
 #endif
 
 #include <nlohmann/json.hpp>
+
 #include <zelstoryhost/Error.h>
 
 #include "terminal/Escaped.h"

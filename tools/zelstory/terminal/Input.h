@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
+
 #include <zelstoryhost/ScriptFormats.h>
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/Story.h>
