@@ -11,47 +11,41 @@
 
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Export.h>
-<<<<<<< HEAD
 #include <zelstoryhost/Finding.h>
-
-    == == ==
-    =
->>>>>>> driver
 #include <zelstoryparser/StoryTree.h>
 
-        // Story files. All functions may be called from several threads at once; a tree belongs to
-        // one thread at a time.
-    namespace zelstoryhost {
+// Story files. All functions may be called from several threads at once; a tree belongs to one
+// thread at a time.
+namespace zelstoryhost {
 
-  // What became of a story file or another script: a tree, or its first fault.
-  struct StoryResult {
-    boost::intrusive_ptr<zelstoryparser::TavroStory> mStory;  // null after a fault
-    std::optional<Error> mFault;
-    std::vector<Finding> mFindings{};  // of a script that is no story document
+// What became of a story file or another script: a tree, or its first fault.
+struct StoryResult {
+  boost::intrusive_ptr<zelstoryparser::TavroStory> mStory;  // null after a fault
+  std::optional<Error> mFault;
+  std::vector<Finding> mFindings{};  // of a script that is no story document
 
-    explicit operator bool() const { return !mFault; }
-  };
+  explicit operator bool() const { return !mFault; }
+};
 
-  // Reads a story file. A fault names the tag, or the place where the XML is malformed, with line,
-  // column and the place in the story; it has no position when the file could not be opened, or is
-  // a directory, a device or a pipe. A document without a root is a fault. Throws nothing but
-  // std::bad_alloc.
-  [[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(const std::filesystem::path& file);
+// Reads a story file. A fault names the tag, or the place where the XML is malformed, with line,
+// column and the place in the story; it has no position when the file could not be opened, or is a
+// directory, a device or a pipe. A document without a root is a fault. Throws nothing but
+// std::bad_alloc.
+[[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(const std::filesystem::path& file);
 
-  // Reads a story from a stream, to its end; `name` stands for it in faults.
-  [[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(std::istream & stream,
-                                                       const std::string& name);
+// Reads a story from a stream, to its end; `name` stands for it in faults.
+[[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(std::istream& stream, const std::string& name);
 
-  // Reads a story document in memory; `name` stands for it in faults.
-  [[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(std::string_view bytes,
-                                                       const std::string& name);
+// Reads a story document in memory; `name` stands for it in faults.
+[[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(std::string_view bytes,
+                                                     const std::string& name);
 
-  // Reads a story file and returns its tree, never null. Throws Error where ReadStory has a fault.
-  ZELSTORYHOST_API boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(
-      const std::filesystem::path& file);
+// Reads a story file and returns its tree, never null. Throws Error where ReadStory has a fault.
+ZELSTORYHOST_API boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(
+    const std::filesystem::path& file);
 
-  // The scenes of the story's body, in order; none when it has no body or the body has no section.
-  ZELSTORYHOST_API std::vector<boost::intrusive_ptr<zelstoryparser::Scene>> BodyScenes(
-      const zelstoryparser::TavroStory& story);
+// The scenes of the story's body, in order; none when it has no body or the body has no section.
+ZELSTORYHOST_API std::vector<boost::intrusive_ptr<zelstoryparser::Scene>> BodyScenes(
+    const zelstoryparser::TavroStory& story);
 
 }  // namespace zelstoryhost
