@@ -57,6 +57,9 @@ note: paragraphs of the type 'Singing' are read as dialogue or action (2 times)
 note: paragraphs of the type 'Cast List' are read as action; \
 note: paragraphs of the type 'End of Act' are read as action; \
 warning: paragraphs of the unknown type 'action' are kept without a kind
+<Content><p Type='a&#10;b'/><p><ScriptNote/><h/></p></Content> => |: / |SceneHeading: => \
+warning: paragraphs of the unknown type 'a b' are kept without a kind
+<Content><p><ScriptNote><t>x</t></ScriptNote><h/></p></Content> => \s/ |SceneHeading: / notes||1|x
 <Content><p Type='Shot' Number='4'/></Content> => |Shot: => warning: numbers of paragraphs of the type 'Shot' have no place in a story
 <Content><p><DualDialogue><p Type='Character'><t>A</t></p><p Type='Dialogue'/><p Type='Character'/></DualDialogue></p></Content> => \
 |Character:A|Dialog:|Character: => warning: dual dialogue is read as one speech after the other
@@ -182,6 +185,10 @@ TEST(FDX, FindsWhatAStoryLoses) {
             "warning: comments of the stream 'plot' are read again as notes");
   EXPECT_EQ(script.mFindings[6].mWhere, "body, scene 1");
   EXPECT_EQ(CommentOutline(*ReadFDX(script.mBytes, "").mStory), "notes|Ida|1|x\nsynopses||1|x\n");
+  document.mBodyStream = document.mHeaderStream = document.mFooterStream = nullptr;
+  story->mTemplate.clear();
+  EXPECT_EQ(Findings(WriteFDX(*story, "a.fdx").mFindings),
+            "warning: comments without a scene are left out (2 times)");
 }
 
 // FDX_TREES is the number of trees.

@@ -79,7 +79,7 @@ FDXParser::Element FDXParser::ElementIn(const Element& around, std::string name)
   } else if (const auto area = FDXAreaOf(element.mName, around.mArea)) {
     element.mArea = *area;
     element.mIsInParagraph = false;
-    element.mBeginsNote = *area == FDXArea::kScriptNote;
+    element.mBeginsArea = true;
     if (*area == FDXArea::kForeign) element.mUnknown = element.mName;
   } else if (element.mUnknown.empty()) {
     element.mUnknown = element.mName;
@@ -101,27 +101,29 @@ void FDXParser::BeginDocument(const std::string& root, const Attributes& attribu
   }
 }
 
-// What an element means beside the area that it is in or begins.
+// What an element means, before it is added to those that are open.
 void FDXParser::Begin(const Element& element, const Attributes& attributes) {
-  const FDXArea around = mElements.back().mArea;
   if (mElements.back().mIsText) {
     if (IsLineBreak(element.mName)) mParagraphs.back().mText += '\n';
     return;
   }
   if (element.mBeginsParagraph) BeginParagraph(element.mArea, attributes);
-  if (element.mBeginsNote) BeginNote(around, attributes);
-  if (element.mArea == FDXArea::kHidden && around == FDXArea::kScript) {
-    BeginOmittedScene(attributes);
+  if (element.mBeginsArea) BeginArea(element, attributes);
+  if (element.mArea == FDXArea::kTags) AddTag(element.mName, attributes);
+  const bool isScriptText = element.mIsText && element.mArea == FDXArea::kScript;
+  if (isScriptText && !ValueOf(attributes, "Style").empty()) {
+    Find(Severity::kNote, "text styles, such as bold and italic, have no place in a story");
   }
+}
+
+void FDXParser::BeginArea(const Element& element, const Attributes& attributes) {
+  const FDXArea around = mElements.back().mArea;
+  if (element.mArea == FDXArea::kScriptNote) BeginNote(around, attributes);
+  if (element.mArea == FDXArea::kHidden) BeginOmittedScene(attributes);
   if (element.mArea == FDXArea::kSceneProperties) AddSceneProperties(attributes);
-  if (element.mArea == FDXArea::kScript && element.mName == "DualDialogue") {
+  if (element.mArea == FDXArea::kScript && around == FDXArea::kScript) {
     Find(Severity::kWarning, "dual dialogue is read as one speech after the other");
   }
-  if (element.mArea == FDXArea::kTags) AddTag(element.mName, attributes);
-  const bool isStyled =
-      element.mIsText && element.mArea == FDXArea::kScript && !ValueOf(attributes, "Style").empty();
-  if (isStyled)
-    Find(Severity::kNote, "text styles, such as bold and italic, have no place in a story");
 }
 
 void FDXParser::AddTag(const std::string& element, const Attributes& attributes) {
@@ -210,7 +212,6 @@ void FDXParser::BeginNote(FDXArea around, const Attributes& attributes) {
   mHasNoteText = !mNote.mComment.mText.empty();
 }
 
-// Elements within the properties that are not known have none of these attributes.
 void FDXParser::AddSceneProperties(const Attributes& attributes) {
   AddComment(kSynopses, ValueOf(attributes, "Title"));
   if (!ValueOf(attributes, "Length").empty()) {
@@ -222,7 +223,7 @@ void FDXParser::EndElement(const UTF16String& /*name*/) {
   const Element element = std::move(mElements.back());
   mElements.pop_back();
   if (element.mBeginsParagraph) EndParagraph();
-  if (element.mBeginsNote) EndNote();
+  if (element.mBeginsArea && element.mArea == FDXArea::kScriptNote) EndNote();
 }
 
 void FDXParser::EndParagraph() {

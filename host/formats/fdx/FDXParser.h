@@ -41,7 +41,7 @@ class FDXParser : public zelcore::xml::AbstractParseHandler {
     bool mIsText = false;  // its character data counts
     bool mIsInParagraph = false;
     bool mBeginsParagraph = false;
-    bool mBeginsNote = false;
+    bool mBeginsArea = false;
     bool mHasStrayText = false;
     std::string mUnknown{};  // the outermost element from here upward that nobody knows
   };
@@ -59,6 +59,7 @@ class FDXParser : public zelcore::xml::AbstractParseHandler {
   void BeginDocument(const std::string& root, const Attributes& attributes);
   static Element ElementIn(const Element& around, std::string name);
   void Begin(const Element& element, const Attributes& attributes);
+  void BeginArea(const Element& element, const Attributes& attributes);
   void BeginParagraph(FDXArea area, const Attributes& attributes);
   void BeginScriptParagraph(const Attributes& attributes);
   void BeginHiddenParagraph(const Attributes& attributes);
