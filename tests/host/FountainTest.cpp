@@ -174,6 +174,21 @@ TEST(FountainTest, EncodingsAndFaults) {
     EXPECT_EQ(Brief(ReadFountain(script, "s")), expected);
 }
 
+// Each would take hours if it took time by the square of its length.
+TEST(FountainTest, LongScriptsOfOneMarkAreReadSoon) {
+  for (const char* const piece :
+       {"*",    "*a",    "_a ",   "**a*_",  "[[",       "[[a]]",      "[[a\n\n",
+        "/*",   "/*a*/", "# a\n", "= a\n",  "A\na\n\n", "INT. A\n\n", "(a)\n",
+        "  \n", "\\",    "\\[",   "a: b\n", "#1#",      " ",          "\n"}) {
+    std::string script;
+    while (script.size() < 1'000'000) script += piece;
+    for (const std::string& start : {std::string(), "A\n" + script, "INT. " + script}) {
+      const StoryResult result = ReadFountain(start.empty() ? script : start, "s");
+      EXPECT_TRUE(WriteFountain(*result.mStory, "s").mFindings.empty()) << piece;
+    }
+  }
+}
+
 // What an edit in one scene may change is that scene's own identifier, without a number.
 TEST(FountainTest, IdentifiersAreStable) {
   const std::string a = "INT. A\n\nRain.\n\n", b = "INT. A\n\nSun.\n\n", c = "INT. C #7#\n\nx\n\n";
