@@ -65,19 +65,19 @@ warning: paragraphs of the unknown type 'a b' are kept without a kind
 |Character:A|Dialog:|Character: => warning: dual dialogue is read as one speech after the other
 <Content><p><t>out</t><h><t>in</t></p></p><p><p><t/></p></p></Content> => |Action:out / |SceneHeading:in|Action:
 <Content><p><h><t>first</t></p></p></Content> => |SceneHeading:first
-<Content><h><OmittedScene><h Number='4'><t>INT.</t></p><a><t>Gone.</t></p></OmittedScene></p><a/>\
+<Content><h><OmittedScene><h Number='4'><SceneProperties Title='s'/><t>INT.</t></p><a><t>Gone.</t><ScriptNote><t>n</t></ScriptNote></p></OmittedScene></p><a/>\
 <h Number='5'><OmittedScene><h Number='9'/></OmittedScene><t>CUT</t></p>\
 <OmittedScene Number='6'/><p><OmittedScene><h Number='7'/></OmittedScene></p></Content> => \
 4|SceneHeading:OMITTED|Action: / 5|SceneHeading:CUT / 6|SceneHeading:OMITTED / 7|SceneHeading:OMITTED / \
-boneyard||1|INT. / boneyard||1|Gone. => \
+boneyard||1|INT. / boneyard||1|Gone. / notes||1|n / synopses||1|s => \
 note: omitted scenes are kept as a heading; their paragraphs become comments (4 times)
 <Content><h><SceneProperties Title='Low' Length='2 3/8'><Summary><p><t>One.</t></p><p><t/></p><t>Two.</t></Summary>\
 </SceneProperties><t>EXT.</t></p></Content> => |SceneHeading:EXT. / synopses||1|Low / synopses||1|One. / synopses||1|Two. => \
 note: the lengths of scenes in pages have no place in a story
-<ScriptNotes><ScriptNote Range='3,1' WriterName='Ida'><p><t>a</t></p><p><t>b</t></p></ScriptNote><ScriptNote Range='7,0' Name='N'/>\
+<ScriptNotes><ScriptNote Range='3,1' WriterName='Ida'><p><t>a</t></p><p><t>b</t></p></ScriptNote><ScriptNote Range='7,0' Name='N'><t>b</t></ScriptNote>\
 <ScriptNote Range='99,1'><t>c</t></ScriptNote><ScriptNote Range='4,1' Author='Bo'><p><t>d</t></p></ScriptNote><ScriptNote><p/></ScriptNote></ScriptNotes>\
 <Content><h><t>😀X</t></p><h><t/></p><a><t>!</t></p><h/></Content> => \
-|SceneHeading:😀X / |SceneHeading:|Action:! / |SceneHeading: / notes||3|N / notes||3|c / notes|Bo|2|d / notes|Ida|1|a\x5Cnb
+|SceneHeading:😀X / |SceneHeading:|Action:! / |SceneHeading: / notes||3|N\x5Cnb / notes||3|c / notes|Bo|2|d / notes|Ida|1|a\x5Cnb
 <Content><h/><h><ScriptNote Range='0,1'><p><t>x</t></p></ScriptNote><t>EXT.</t></p></Content><ScriptNotes>\
 <ScriptNote Type='Plot'><t>y</t></ScriptNote></ScriptNotes> => |SceneHeading: / |SceneHeading:EXT. / notes||1|y / notes||2|x => \
 note: notes without a place in the text are kept in the first scene
@@ -159,9 +159,9 @@ TEST(FDX, WritesScriptsForOtherPrograms) {
 
 TEST(FDX, FindsWhatAStoryLoses) {
   using namespace zelstoryparser;
-  const StoryPtr story = MakeStory("1=H:INT.");
+  const StoryPtr story = MakeStory("=H:A // 1=H:INT.");
   Document& document = *story->mDocument;
-  Scene& scene = *document.mBodyStream->mSection->mScenes[0];
+  Scene& scene = *document.mBodyStream->mSection->mScenes[1];
   story->mTemplate = u"Film";
   document.mHeaderStream = document.mFooterStream = MakeStory("=A:x")->mDocument->mBodyStream;
   for (const char* const name : {"synopses", "plot"}) {
@@ -184,8 +184,8 @@ TEST(FDX, FindsWhatAStoryLoses) {
             "warning: the durations of scenes have no place in FDX; "
             "warning: comments of the stream 'plot' are read again as notes");
   EXPECT_EQ(script.mFindings[6].mWhere, "body, scene 1");
-  EXPECT_EQ(CommentOutline(*ReadFDX(script.mBytes, "").mStory), "notes|Ida|1|x\nsynopses||1|x\n");
-  document.mBodyStream = document.mHeaderStream = document.mFooterStream = nullptr;
+  EXPECT_EQ(CommentOutline(*ReadFDX(script.mBytes, "").mStory), "notes|Ida|1|x\nsynopses||2|x\n");
+  document.mBodyStream = document.mHeaderStream = document.mFooterStream = new Stream;
   story->mTemplate.clear();
   EXPECT_EQ(Findings(WriteFDX(*story, "a.fdx").mFindings),
             "warning: comments without a scene are left out (2 times)");

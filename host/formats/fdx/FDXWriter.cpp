@@ -78,7 +78,6 @@ class FDXWriter {
 
   void SortComments(const TavroStory& story);
   void FindLosses(const TavroStory& story);
-  void FindLosses(const Scene& scene);
   void Find(Severity severity, const std::string& text) {
     mFindings.Add(severity, text, std::nullopt, mPlace.Describe());
   }
@@ -140,7 +139,9 @@ void FDXWriter::WriteContent(const TavroStory& story) {
     if (!scene) continue;
     mPlace.EnterScene(ToUTF8(scene->mSceneNumber));
     WriteScene(*scene, synopses);
-    FindLosses(*scene);
+    if (!scene->mShotDuration.empty()) {
+      Find(Severity::kWarning, "the durations of scenes have no place in FDX");
+    }
     mPlace.LeaveScene();
   }
   mXML.End();
@@ -275,12 +276,6 @@ void FDXWriter::WriteTags(const TavroStory& story) {
   }
   mXML.End();
   mXML.End();
-}
-
-void FDXWriter::FindLosses(const Scene& scene) {
-  if (!scene.mShotDuration.empty()) {
-    Find(Severity::kWarning, "the durations of scenes have no place in FDX");
-  }
 }
 
 void FDXWriter::FindLosses(const TavroStory& story) {
