@@ -86,8 +86,7 @@ bool FountainText::TakeBoneyard() {
   if (!mSource.substr(mNext).starts_with("/*")) return false;
   const std::size_t end = mHasBoneyardEnd ? mSource.find("*/", mNext + 2) : kNone;
   if (end == kNone) {
-    ReportUnclosed("a boneyard (/*)");
-    mHasBoneyardEnd = false;
+    if (std::exchange(mHasBoneyardEnd, false)) ReportUnclosed("a boneyard (/*)");
     return false;
   }
   Remove(true, end);
@@ -114,7 +113,7 @@ bool FountainText::TakeNote() {
   if (!mSource.substr(mNext).starts_with("[[")) return false;
   if (mNoteEnd != kNone && mNoteEnd < mNext + 2) mNoteEnd = mSource.find("]]", mNext + 2);
   if (mNoteEnd == kNone || mNoteEnd > EndOfBlock()) {
-    ReportUnclosed("a note ([[)");
+    if (!std::exchange(mHasUnclosedNote, true)) ReportUnclosed("a note ([[)");
     return false;
   }
   Remove(false, mNoteEnd);

@@ -23,7 +23,8 @@ struct Remark {
 // Tabs are four blanks.
 class FountainText {
  public:
-  // `text` comes from DecodeText. Unclosed notes and boneyards are kept as text, with a finding.
+  // `text` comes from DecodeText. Unclosed notes and boneyards are kept as text, with a finding for
+  // the first.
   FountainText(std::string_view text, FindingList& findings);
 
   std::size_t CountLines() const { return mLines.size(); }
@@ -52,12 +53,13 @@ class FountainText {
 
   FindingList& mFindings;
   const std::string_view mSource;
-  std::size_t mNext = 0;         // in mSource
-  std::int64_t mNumber = 1;      // of the line of mSource
-  std::size_t mSourceLine = 0;   // where that line begins
-  std::size_t mNoteEnd = 0;      // the first ]] that was found last, or npos
-  std::size_t mBlockEnd = 0;     // the empty line that was found last, or npos
-  bool mHasBoneyardEnd = true;   // a */ may follow
+  std::size_t mNext = 0;        // in mSource
+  std::int64_t mNumber = 1;     // of the line of mSource
+  std::size_t mSourceLine = 0;  // where that line begins
+  std::size_t mNoteEnd = 0;     // the first ]] that was found last, or npos
+  std::size_t mBlockEnd = 0;    // the empty line that was found last, or npos
+  bool mHasBoneyardEnd = true;  // a */ may follow
+  bool mHasUnclosedNote = false;
   std::int64_t mLineNumber = 1;  // of the line being built
   bool mHasRemark = false;       // so has it
   std::size_t mLineBegin = 0;    // where it begins in mText
