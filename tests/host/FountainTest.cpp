@@ -1,5 +1,6 @@
 #include <cstdlib>
 #include <random>
+#include <set>
 
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+#include <filesystem>
+#include <fstream>
+#include <functional>
 #include <random>
 #include <sstream>
 
@@ -111,6 +114,22 @@ TEST(ScriptFormatsTest, TheContentTellsTheFormatAndThenTheName) {
       found = error.what();
     }
     EXPECT_EQ(found, format) << head;
+  }
+}
+
+TEST(ScriptFormatsTest, TheDocumentsListAllFormats) {
+  std::ifstream file(std::filesystem::path(__FILE__).parent_path() / "../../docs/formats.md");
+  const std::string page(std::istreambuf_iterator<char>(file), {});
+  for (const ScriptFormat& format : ScriptFormats()) {
+    std::string extensions;
+    for (const auto& extension : format.mExtensions) {
+      extensions += (extensions.empty() ? "`" : ", `") + std::string(extension) + "`";
+      EXPECT_EQ(FormatOfName("a" + std::string(extension)), &format);
+    }
+    const std::string row = "| " + std::string(format.mTitle) + " | `" + std::string(format.mName) +
+                            "` | " + extensions + " |\n";
+    EXPECT_NE(page.find(row), std::string::npos) << row;
+    EXPECT_EQ(FindFormat(format.mName), &format);
   }
 }
 

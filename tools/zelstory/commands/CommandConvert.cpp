@@ -55,8 +55,21 @@ void Convert(const std::string& input, const std::string& output, const ScriptFo
   }
   const auto story = LoadStory(input, options.mFrom);
   const WrittenScript script = format.mWrite(*story, output);
-  PrintFindings(output, script.mFindings);
   WriteOutput(output, script.mBytes, options.mForce);
+  PrintFindings(output, script.mFindings);
+}
+
+// "Formats: story (.quor), fountain (.fountain, .spmd, .txt)"
+std::string DescribeFormats() {
+  std::string text = "Formats:";
+  for (const ScriptFormat& format : zelstoryhost::ScriptFormats()) {
+    text += (text.back() == ':' ? " " : ", ") + std::string(format.mName) + " (";
+    for (const std::string_view extension : format.mExtensions) {
+      (text += text.back() == '(' ? "" : ", ") += extension;
+    }
+    text += ')';
+  }
+  return text;
 }
 
 int ConvertOne(const ConvertOptions& options) {
@@ -114,7 +127,8 @@ void AddConvertCommand(CommandLine& tool) {
       .Needs(to);
   command.AddFlag("--force", options->mForce, "Replace files that exist");
   command.SetFooter(
-      "Formats: story (.quor), fountain (.fountain, .spmd, .txt), fdx (.fdx). For example:\n"
+      DescribeFormats() +
+      ". For example:\n"
       "  zelstory convert harbour.fountain harbour.fdx\n"
       "  zelstory convert *.fdx --out stories --to story\n"
       "What a format has no place for is told on standard error. With --out, prints the name of\n"

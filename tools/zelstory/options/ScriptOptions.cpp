@@ -6,7 +6,8 @@ using zelstoryhost::ScriptFormat;
 
 namespace {
 
-constexpr const char* kHelp = "The script's format: story, fountain or fdx (default: detected)";
+constexpr const char* kHelp =
+    "The script's format, as convert --help lists them (default: detected)";
 
 }  // namespace
 
