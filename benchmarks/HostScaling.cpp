@@ -8,6 +8,7 @@
 
 #include <benchmark/benchmark.h>
 #include <unistd.h>
+
 #include <zelstoryhost/zelstoryhost.h>
 
 #include "report/ReportPage.h"

@@ -3,9 +3,9 @@
 #include <vector>
 
 #include <nlohmann/json.hpp>
-#include <zelstoryhost/StoryJSON.h>
 
 #include <zelcore/xml/Reader.h>
+#include <zelstoryhost/StoryJSON.h>
 #include <zelstoryparser/SceneXMP.h>
 #include <zelstoryparser/StoryParser.h>
 

@@ -31,7 +31,7 @@ Error::Error(const std::string& file, const std::string& reason, ErrorKind kind)
   mKind = kind;
 }
 
-Error::Error(const std::string& file, const zelcore::xml::Position& position,
+Error::Error(const std::string& file, const std::optional<zelcore::xml::Position>& position,
              const std::string& reason, const std::string& where)
     : std::runtime_error(Describe(file, position, reason, where)),
       mFile(file),

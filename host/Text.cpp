@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include <utf8proc.h>
-#include <zelstoryhost/Text.h>
 
 #include <zelcore/String.h>
+#include <zelstoryhost/Text.h>
 
 namespace zelstoryhost {
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <nlohmann/json.hpp>
+
 #include <zelstoryhost/JSONWriter.h>
 #include <zelstoryhost/Text.h>
 

@@ -1,4 +1,5 @@
 #include <ostream>
+#include <string_view>
 
 #include <zelstoryhost/JSONWriter.h>
 #include <zelstoryhost/StoryJSON.h>
@@ -8,121 +9,98 @@ namespace {
 
 using namespace zelstoryparser;
 
-void Write(JSONWriter& json, const TextRun& run);
-void Write(JSONWriter& json, const Paragraph& paragraph);
-void Write(JSONWriter& json, const Scene& scene);
-void Write(JSONWriter& json, const Section& section);
-void Write(JSONWriter& json, const Stream& stream);
-void Write(JSONWriter& json, const CommentStream& stream);
-void Write(JSONWriter& json, const Document& document);
-
-void Write(JSONWriter& json, const UTF16String& text) {
-  json.Text(text);
-}
-void Write(JSONWriter& json, const ObjectID& id) {
-  json.Text(id.AsString());
-}
-
-template <typename Node>
-void Write(JSONWriter& json, const boost::intrusive_ptr<Node>& node) {
-  node ? Write(json, *node) : json.Null();
-}
-
-template <typename Entry>
-void Write(JSONWriter& json, const std::vector<Entry>& entries) {
-  json.BeginArray();
-  for (const Entry& entry : entries) Write(json, entry);
-  json.EndArray();
-}
-
 template <typename Value>
-void Member(JSONWriter& json, std::string_view name, const Value& value) {
-  Write(json.Name(name), value);
-}
+struct Member {
+  Member(std::string_view name, const Value& value) : mName(name), mValue(value) {}
+  std::string_view mName;
+  const Value& mValue;
+};
 
-void WriteKindName(JSONWriter& json, std::int32_t elementType) {
-  for (const ParagraphKind& kind : kParagraphKinds) {
-    if (kind.mType == elementType) return json.Text(kind.mName);
+// The name of a paragraph's element type.
+struct KindName {
+  std::int32_t mType;
+};
+
+class NodeWriter {
+ public:
+  explicit NodeWriter(JSONWriter& json) : mJSON(json) {}
+
+  void Write(const TextRun& run) {
+    WriteObject(Member("objectID", run.mObjectID), Member("text", run.mText));
   }
-  json.Null();
-}
+  void Write(const Paragraph& paragraph) {
+    WriteObject(Member("objectID", paragraph.mObjectID),
+                Member("elementType", paragraph.mElementType),
+                Member("element", KindName{paragraph.mElementType}),
+                Member("textRuns", paragraph.mTextRuns));
+  }
+  void Write(const Scene& scene) {
+    WriteObject(Member("objectID", scene.mObjectID), Member("sceneNumber", scene.mSceneNumber),
+                Member("shotDuration", scene.mShotDuration),
+                Member("paragraphs", scene.mParagraphs));
+  }
+  void Write(const Section& section) {
+    WriteObject(Member("objectID", section.mObjectID), Member("scenes", section.mScenes));
+  }
+  void Write(const Stream& stream) {
+    WriteObject(Member("objectID", stream.mObjectID), Member("name", stream.mName),
+                Member("section", stream.mSection));
+  }
+  void Write(const CommentStream& stream) {
+    WriteObject(
+        Member("objectID", stream.mObjectID), Member("name", stream.mName),
+        Member("commentAuthor", stream.mCommentAuthor), Member("dependent", stream.mDependent),
+        Member("commentAuthorID", stream.mCommentAuthorID), Member("section", stream.mSection));
+  }
+  void Write(const Document& document) {
+    WriteObject(
+        Member("headerStream", document.mHeaderStream), Member("bodyStream", document.mBodyStream),
+        Member("footerStream", document.mFooterStream), Member("version", document.mVersion),
+        Member("commentStreams", document.mCommentStreams));
+  }
+  void Write(const TavroStory& story) {
+    WriteObject(Member("document", story.mDocument), Member("version", story.mVersion),
+                Member("documentType", story.mDocumentType), Member("template", story.mTemplate),
+                Member("metaData", story.mMetaData), Member("tags", story.mTags));
+  }
 
-void Write(JSONWriter& json, const TextRun& run) {
-  json.BeginObject();
-  Member(json, "objectID", run.mObjectID);
-  Member(json, "text", run.mText);
-  json.EndObject();
-}
+ private:
+  void Write(const UTF16String& text) { mJSON.Text(text); }
+  void Write(const ObjectID& id) { mJSON.Text(id.AsString()); }
+  void Write(std::int32_t number) { mJSON.Number(number); }
+  void Write(KindName name) {
+    for (const ParagraphKind& kind : kParagraphKinds) {
+      if (kind.mType == name.mType) return mJSON.Text(kind.mName);
+    }
+    mJSON.Null();
+  }
 
-void Write(JSONWriter& json, const Paragraph& paragraph) {
-  json.BeginObject();
-  Member(json, "objectID", paragraph.mObjectID);
-  json.Name("elementType").Number(paragraph.mElementType);
-  WriteKindName(json.Name("element"), paragraph.mElementType);
-  Member(json, "textRuns", paragraph.mTextRuns);
-  json.EndObject();
-}
+  template <typename Node>
+  void Write(const boost::intrusive_ptr<Node>& node) {
+    node ? Write(*node) : mJSON.Null();
+  }
 
-void Write(JSONWriter& json, const Scene& scene) {
-  json.BeginObject();
-  Member(json, "objectID", scene.mObjectID);
-  Member(json, "sceneNumber", scene.mSceneNumber);
-  Member(json, "shotDuration", scene.mShotDuration);
-  Member(json, "paragraphs", scene.mParagraphs);
-  json.EndObject();
-}
+  template <typename Entry>
+  void Write(const std::vector<Entry>& entries) {
+    mJSON.BeginArray();
+    for (const Entry& entry : entries) Write(entry);
+    mJSON.EndArray();
+  }
 
-void Write(JSONWriter& json, const Section& section) {
-  json.BeginObject();
-  Member(json, "objectID", section.mObjectID);
-  Member(json, "scenes", section.mScenes);
-  json.EndObject();
-}
+  template <typename... Values>
+  void WriteObject(const Member<Values>&... members) {
+    mJSON.BeginObject();
+    ((mJSON.Name(members.mName), Write(members.mValue)), ...);
+    mJSON.EndObject();
+  }
 
-void Write(JSONWriter& json, const Stream& stream) {
-  json.BeginObject();
-  Member(json, "objectID", stream.mObjectID);
-  Member(json, "name", stream.mName);
-  Member(json, "section", stream.mSection);
-  json.EndObject();
-}
-
-void Write(JSONWriter& json, const CommentStream& stream) {
-  json.BeginObject();
-  Member(json, "objectID", stream.mObjectID);
-  Member(json, "name", stream.mName);
-  Member(json, "commentAuthor", stream.mCommentAuthor);
-  Member(json, "dependent", stream.mDependent);
-  Member(json, "commentAuthorID", stream.mCommentAuthorID);
-  Member(json, "section", stream.mSection);
-  json.EndObject();
-}
-
-void Write(JSONWriter& json, const Document& document) {
-  json.BeginObject();
-  Member(json, "headerStream", document.mHeaderStream);
-  Member(json, "bodyStream", document.mBodyStream);
-  Member(json, "footerStream", document.mFooterStream);
-  Member(json, "version", document.mVersion);
-  Member(json, "commentStreams", document.mCommentStreams);
-  json.EndObject();
-}
-
-void Write(JSONWriter& json, const TavroStory& story) {
-  json.BeginObject();
-  Member(json, "document", story.mDocument);
-  Member(json, "version", story.mVersion);
-  Member(json, "documentType", story.mDocumentType);
-  Member(json, "template", story.mTemplate);
-  Member(json, "metaData", story.mMetaData);
-  Member(json, "tags", story.mTags);
-  json.EndObject();
-}
+  JSONWriter& mJSON;
+};
 
 template <typename Node>
 void WriteDocument(const Node& node, std::ostream& output) {
   JSONWriter json(output, JSONWriter::Layout::kIndented);
-  Write(json, node);
+  NodeWriter(json).Write(node);
   output << '\n';
 }
 

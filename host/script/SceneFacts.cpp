@@ -3,7 +3,6 @@
 #include <zelstoryhost/SceneFacts.h>
 #include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
-
 #include <zelstoryparser/SceneText.h>
 
 namespace zelstoryhost {

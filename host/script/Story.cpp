@@ -1,15 +1,16 @@
 #include <cerrno>
 #include <fstream>
 #include <istream>
+#include <new>
 #include <system_error>
 #include <utility>
 
+#include <zelcore/xml/Reader.h>
 #include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
-
-#include <zelcore/xml/Reader.h>
 #include <zelstoryparser/StoryParser.h>
 
+#include "script/OpenedScript.h"
 #include "script/StoryPlace.h"
 
 namespace zelstoryhost {
@@ -66,23 +67,23 @@ class LocatingParser : public zelstoryparser::StoryParser {
   std::optional<Error> mFault;
 };
 
-// Returns why a file cannot be opened, if it cannot. Reading a pipe or a device might never end.
-std::optional<std::string> Open(const fs::path& file, std::ifstream& stream) {
+}  // namespace
+
+std::optional<std::string> OpenScript(const fs::path& file, std::ifstream& stream) {
   std::error_code error;
   const fs::file_status status = fs::status(file, error);
   if (error) return error.message();
   if (fs::is_directory(status)) return "is a directory";
   if (!fs::is_regular_file(status)) return "is not a regular file";
   stream.open(file, std::ios::binary);
+  if (!stream && errno == ENOMEM) throw std::bad_alloc();
   if (!stream) return std::generic_category().message(errno);
   return std::nullopt;
 }
 
-}  // namespace
-
 StoryResult ReadStory(const fs::path& file) {
   std::ifstream stream;
-  const std::optional<std::string> reason = Open(file, stream);
+  const std::optional<std::string> reason = OpenScript(file, stream);
   if (reason) return {nullptr, Error(file.string(), *reason)};
   return ReadStory(stream, file.string());
 }
@@ -91,6 +92,13 @@ StoryResult ReadStory(std::istream& stream, const std::string& name) {
   zelcore::xml::Reader reader;
   LocatingParser parser(reader, name);
   const bool wellFormed = reader.ParseStream(stream, name, parser);
+  return parser.Result(wellFormed);
+}
+
+StoryResult ReadStory(std::string_view bytes, const std::string& name) {
+  zelcore::xml::Reader reader;
+  LocatingParser parser(reader, name);
+  const bool wellFormed = reader.ParseBuffer(bytes, name, parser);
   return parser.Result(wellFormed);
 }
 

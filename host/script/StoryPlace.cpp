@@ -14,26 +14,35 @@ void StoryPlace::Enter(const UTF16String& element,
     const auto attribute = attributes.find(name);
     return attribute == attributes.end() ? std::string() : ToUTF8(attribute->second);
   };
-  if (element == u"stream") {
-    const std::string name = textOf(u"name");
-    EnterStream(name.empty() ? "unnamed stream" : name);
-  } else if (element == u"commentStream") {
-    EnterStream("comment stream " + std::to_string(++mCommentStreams));
-  } else if (element == u"scene") {
-    const std::string number = textOf(u"sceneNumber");
-    ++mPosition;
-    mScene = number.empty() ? "scene at position " + std::to_string(mPosition) : "scene " + number;
-    mParagraph = 0;
-  } else if (element == u"paragraph") {
-    ++mParagraph;
-    mInParagraph = true;
-  }
+  if (element == u"stream") EnterStream(textOf(u"name"));
+  if (element == u"commentStream") EnterCommentStream();
+  if (element == u"scene") EnterScene(textOf(u"sceneNumber"));
+  if (element == u"paragraph") EnterParagraph();
+}
+
+void StoryPlace::EnterStream(const std::string& name) {
+  BeginStream(name.empty() ? "unnamed stream" : name);
+}
+
+void StoryPlace::EnterCommentStream() {
+  BeginStream("comment stream " + std::to_string(++mCommentStreams));
+}
+
+void StoryPlace::EnterScene(const std::string& number) {
+  ++mPosition;
+  mScene = number.empty() ? "scene at position " + std::to_string(mPosition) : "scene " + number;
+  mParagraph = 0;
+}
+
+void StoryPlace::EnterParagraph() {
+  ++mParagraph;
+  mInParagraph = true;
 }
 
 void StoryPlace::Leave(const UTF16String& element) {
   if (element == u"stream" || element == u"commentStream") mStream.clear();
-  if (element == u"scene") mScene.clear();
-  if (element == u"paragraph") mInParagraph = false;
+  if (element == u"scene") LeaveScene();
+  if (element == u"paragraph") LeaveParagraph();
 }
 
 std::string StoryPlace::Describe() const {
@@ -42,7 +51,7 @@ std::string StoryPlace::Describe() const {
   return mInParagraph ? scene + ", paragraph " + std::to_string(mParagraph) : scene;
 }
 
-void StoryPlace::EnterStream(std::string stream) {
+void StoryPlace::BeginStream(std::string stream) {
   mStream = std::move(stream);
   mScene.clear();
   mPosition = 0;

@@ -6,20 +6,27 @@
 
 namespace zelstoryhost {
 
-// Follows the tags of a document to describe the reader's place in the story. Do not report tags
-// after the parser's first error.
+// Describes a place in a story for people. It follows the tags of a document that is read (do not
+// report any after the parser's first error), or the nodes of a tree that is written.
 class StoryPlace {
  public:
   void Enter(const zelstoryparser::UTF16String& element,
              const zelstoryparser::StoryParser::Attributes& attributes);
   void Leave(const zelstoryparser::UTF16String& element);
 
+  void EnterStream(const std::string& name);
+  void EnterCommentStream();
+  void EnterScene(const std::string& number);
+  void EnterParagraph();
+  void LeaveScene() { mScene.clear(); }
+  void LeaveParagraph() { mInParagraph = false; }
+
   // "body, scene 12A, paragraph 7", or "scene at position 3" for a scene without a number. Empty
   // outside of streams.
   std::string Describe() const;
 
  private:
-  void EnterStream(std::string stream);
+  void BeginStream(std::string stream);
 
   std::string mStream;  // empty outside of streams
   int mCommentStreams = 0;

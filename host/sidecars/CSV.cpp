@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <csv.h>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Text.h>
 

@@ -7,14 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include <xmptoolkit/XMPTree.h>
+#include <zelmetadata/Path.h>
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Files.h>
 #include <zelstoryhost/ShotPackets.h>
 #include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
-
-#include <xmptoolkit/XMPTree.h>
-#include <zelmetadata/Path.h>
 #include <zelstoryparser/SceneXMP.h>
 
 namespace zelstoryhost {

@@ -4,11 +4,10 @@
 #include <string_view>
 #include <utility>
 
+#include <xmptoolkit/XMPTree.h>
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Files.h>
 #include <zelstoryhost/Sidecar.h>
-
-#include <xmptoolkit/XMPTree.h>
 
 namespace zelstoryhost {
 namespace {

@@ -4,7 +4,6 @@
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/SidecarEdit.h>
 #include <zelstoryhost/Text.h>
-
 #include <zelstoryparser/SceneXMP.h>
 
 namespace zelstoryhost {

@@ -4,9 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-#include <zelstoryhost/Export.h>
-
 #include <zelcore/xml/Position.h>
+#include <zelstoryhost/Export.h>
 
 namespace zelstoryhost {
 
@@ -18,7 +17,7 @@ enum class ErrorKind {
   kSharedSidecar,    // other clips may share the sidecar; a SidecarForm decides
   kSeveralSidecars,  // the clip has several: name one of them, or give a SidecarForm
   kHardLinks,        // EditSettings::mForce parts the file from its other names
-  kForeignFile,      // ShotSettings::mForce replaces the file anyway
+  kForeignFile,      // not a file that may be replaced unasked
   kUnknownScene,     // no scene has the number or identifier
 };
 
@@ -29,10 +28,10 @@ class ZELSTORYHOST_API Error : public std::runtime_error {
   // A fault of the whole file, or, with an empty `file`, of something that has no file.
   Error(const std::string& file, const std::string& reason);
 
-  // A fault at a place in the file. A column of 0 means the whole line. `where` may give the place
-  // in the story, such as "body, scene 12A, paragraph 7".
-  Error(const std::string& file, const zelcore::xml::Position& position, const std::string& reason,
-        const std::string& where = {});
+  // A fault at a place in the file, if that is known. A column of 0 means the whole line. `where`
+  // may give the place in the story, such as "body, scene 12A, paragraph 7".
+  Error(const std::string& file, const std::optional<zelcore::xml::Position>& position,
+        const std::string& reason, const std::string& where = {});
 
   // A fault of the whole file that has a remedy.
   Error(const std::string& file, const std::string& reason, ErrorKind kind);

@@ -73,6 +73,10 @@ class ZELSTORYHOST_API FileEntry {
   // a crash leaves, and permissions and owner are those of a new file.
   void Replace(const std::string& bytes, HardLinks hardLinks) const;
 
+  // Writes a new file as Replace does. Throws Error, of the kind kForeignFile, if there is one,
+  // even if it came up a moment before; without POSIX, such a one may be replaced.
+  void Create(const std::string& bytes) const;
+
  private:
   friend class FolderLock;
 

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include <zelstoryhost/Export.h>
-
 #include <zelstoryparser/StoryTree.h>
 
 // What lists and reports say about the scenes of a story's body and about who speaks in them. All

@@ -6,8 +6,8 @@
 #include <string>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
-#include <zelstoryhost/Export.h>
 
+#include <zelstoryhost/Export.h>
 #include <zelstoryparser/StoryTree.h>
 
 namespace zelstoryhost {

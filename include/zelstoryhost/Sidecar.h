@@ -4,11 +4,10 @@
 #include <optional>
 #include <string>
 
+#include <xmptoolkit/XMP.h>
 #include <zelstoryhost/Export.h>
 #include <zelstoryhost/Files.h>
 #include <zelstoryhost/SidecarName.h>
-
-#include <xmptoolkit/XMP.h>
 
 namespace zelstoryhost {
 

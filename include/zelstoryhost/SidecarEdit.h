@@ -8,12 +8,12 @@
 #include <vector>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
+
+#include <zelmetadata/Path.h>
 #include <zelstoryhost/Export.h>
 #include <zelstoryhost/FolderLock.h>
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/SidecarName.h>
-
-#include <zelmetadata/Path.h>
 #include <zelstoryparser/StoryTree.h>
 
 // Writes scenes into sidecars and clears them, either in memory or in the file. Several threads may

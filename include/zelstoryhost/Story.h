@@ -4,22 +4,25 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Export.h>
-
+#include <zelstoryhost/Finding.h>
 #include <zelstoryparser/StoryTree.h>
 
 // Story files. All functions may be called from several threads at once; a tree belongs to one
 // thread at a time.
 namespace zelstoryhost {
 
-// What became of a story file: a tree, or its first fault.
+// What became of a story file or another script: a tree, or its first fault.
 struct StoryResult {
   boost::intrusive_ptr<zelstoryparser::TavroStory> mStory;  // null after a fault
   std::optional<Error> mFault;
+  std::vector<Finding> mFindings{};  // of a script that is no story document
 
   explicit operator bool() const { return !mFault; }
 };
@@ -32,6 +35,10 @@ struct StoryResult {
 
 // Reads a story from a stream, to its end; `name` stands for it in faults.
 [[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(std::istream& stream, const std::string& name);
+
+// Reads a story document in memory; `name` stands for it in faults.
+[[nodiscard]] ZELSTORYHOST_API StoryResult ReadStory(std::string_view bytes,
+                                                     const std::string& name);
 
 // Reads a story file and returns its tree, never null. Throws Error where ReadStory has a fault.
 ZELSTORYHOST_API boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(

@@ -3,7 +3,6 @@
 #include <iosfwd>
 
 #include <zelstoryhost/Export.h>
-
 #include <zelstoryparser/StoryTree.h>
 
 // A tree as JSON. All functions may be called from several threads at once.

@@ -2,7 +2,6 @@
 
 #include <zelstoryhost/Export.h>
 #include <zelstoryhost/Table.h>
-
 #include <zelstoryparser/StoryTree.h>
 
 // Lists of what a story's body holds. All functions may be called from several threads at once.

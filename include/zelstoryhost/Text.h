@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include <zelstoryhost/Export.h>
-
 #include <zelstoryparser/StoryTree.h>
 
 // Story text for hosts that work in UTF-8. All functions may be called from several threads at

@@ -1,6 +1,6 @@
 #pragma once
 
-// The whole public interface of zelstoryhost: story files, scenes, sidecars and lists.
+// The whole public interface of zelstoryhost: story files, scripts, scenes, sidecars and lists.
 
 // Errors and texts
 #include <zelstoryhost/Error.h>
@@ -16,6 +16,13 @@
 #include <zelstoryhost/SceneFinder.h>
 #include <zelstoryhost/Story.h>
 #include <zelstoryhost/StoryLists.h>
+
+// Scripts in other formats, and stories written
+#include <zelstoryhost/FDX.h>
+#include <zelstoryhost/Finding.h>
+#include <zelstoryhost/Fountain.h>
+#include <zelstoryhost/ScriptFormats.h>
+#include <zelstoryhost/StoryWriter.h>
 
 // A clip's XMP file
 #include <zelstoryhost/ClipTable.h>

@@ -12,6 +12,7 @@
 #include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Files.h>
 #include <zelstoryhost/FolderLock.h>

@@ -2,6 +2,7 @@
 #include <iterator>
 
 #include <gmock/gmock.h>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Files.h>
 #include <zelstoryhost/FolderLock.h>

@@ -15,6 +15,7 @@ class ShortageTest : public Scratch, public testing::WithParamInterface<const ch
           Story("<scene sceneNumber='1'>" + Paragraph("SceneHeading", "INT. HOUSE - DAY") +
                 "</scene><scene sceneNumber='2'>" + Paragraph("Character", "\u00C1NNA") +
                 Paragraph("Dialog", "A speech that is no short string.") + "</scene>"));
+    Write("s.fountain", "Title: A\n\nINT. HOUSE #1#\n\nANNA\nA *speech* [[and]] more.\n");
     Write("t.csv", "clip,position\nclip.xmp,1\nb.mov,2\n");
     Run("[ -z \"$ZELSTORY_SWEPT_STORY\" ] || cp \"$ZELSTORY_SWEPT_STORY\" s.quor\n"
         "touch b.mov; zelstory write s.quor clip.xmp --position 2");
@@ -43,7 +44,8 @@ INSTANTIATE_TEST_SUITE_P(Commands, ShortageTest,
                                          "clear clip.xmp", "has clip.xmp", "xmp clip.xmp",
                                          "xmp clip.xmp --json", "tag s.quor --table t.csv --json",
                                          "shots s.quor --out D", "report s.quor --html p.html",
-                                         "dump s.quor", "--version", "report --help", "unknown"));
+                                         "dump s.quor", "scenes s.fountain", "convert s.quor c.fdx",
+                                         "--version", "report --help", "unknown"));
 
 TEST_P(ShortageTest, EveryAllocationMayFail) {
 #if !defined(ZELSTORY_SHORTAGE)

@@ -158,6 +158,33 @@ TEST_F(StoryCommandsTest, ShotsAreNumberedByPositionAndReadByOthers) {
   EXPECT_EQ(judged.mOutput + judged.mErrors, "72\n");
 }
 
+// Each format of a script gives the same lists, under any name, and from standard input.
+TEST_F(StoryCommandsTest, ScriptsOfAllFormatsAreTaken) {
+  Write("a.fountain",
+        "Title:\n    Two\n    words\n\nINT. CAF\u00C9 - NIGHT #1#\n\nANNA\n*Hi.*\n\n.LATER #2#\n");
+  const std::string note = "note: emphasis (italics, bold, underlining) is left out\n";
+  EXPECT_EQ(
+      Printed("zelstory check a.fountain; zelstory check a.fountain --json"),
+      "a.fountain: " + note + "a.fountain: ok\n" +
+          R"({"file":"a.fountain","ok":true,"findings":[{"severity":"note","line":null,)" +
+          R"("column":null,"message":"emphasis (italics, bold, underlining) is left out"}]})" +
+          "\n");
+  EXPECT_EQ(
+      Printed("zelstory convert a.fountain a.fdx 2>/dev/null\n"
+              "zelstory convert a.fdx --out D/E --to story; zelstory convert - b --to fountain "
+              "<D/E/a.quor; zelstory convert b - --to fountain"),
+      "D/E/a.quor\nTitle:\n    Two\n    words\n\nINT. CAF\u00C9 - NIGHT #1#\n\nANNA\nHi.\n\n"
+      ".LATER #2#\n");
+  EXPECT_EQ(Printed("for s in a.fountain a.fdx D/E/a.quor b '- --format fdx'; do\n"
+                    "  for c in scenes characters stats; do zelstory $c $s --csv <a.fdx; done\n"
+                    "done 2>/dev/null | sort | uniq -c | awk '$1 % 5 { print }'"),
+            "");
+  EXPECT_EQ(
+      Printed("zelstory write a.fountain c.xmp --scene 1 2>/dev/null | wc -l; zelstory has "
+              "c.xmp; zelstory report a.fountain --html - 2>/dev/null | grep -c '>Two words<'"),
+      "7\nyes\n2\n");
+}
+
 TEST_F(StoryCommandsTest, DumpWritesIntoTheTemporaryFolder) {
   EXPECT_THAT(Tool("dump $stories/harbour_lights.quor").mOutput,
               StartsWith("Story Version: 1.0  Document Version: "));

@@ -84,6 +84,13 @@ TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
       {"has none.xmp", "^none.xmp: error: No such file or directory"},
       {"stats none.quor", "^none.quor: error: "},
       {"shots same.quor --out same.quor", "same.quor: error: is not a folder"},
+      {"convert same.quor ./same.quor", "^./same.quor: error: is the script itself"},
+      {"convert same.quor scene_0001.xmp --to fdx",
+       "^scene_0001.xmp: error: exists already; --force replaces it anyway"},
+      {"convert same.quor L/scene_0001.xmp --to fdx",
+       "scene_0001.xmp: error: is the script itself"},
+      {"convert same.quor none/a.fdx", "^none/a.fdx: error: cannot be written"},
+      {"convert same.quor a.fdx --format fdx", "^same.quor:1:1: error: is XML, but no FDX script"},
   };
   for (const auto& [arguments, error] : cases) {
     SCOPED_TRACE(arguments);

@@ -4,9 +4,9 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <system_error>
 
 #include <zelstoryhost/Error.h>
-
 #include <zelstoryparser/Version.h>
 
 #include "commands/Commands.h"
@@ -43,6 +43,7 @@ void AddCommands(CommandLine& tool) {
   AddTagCommand(tool);
   AddListCommands(tool);
   AddReportCommand(tool);
+  AddConvertCommand(tool);
   AddDumpCommand(tool);
 }
 
@@ -54,6 +55,11 @@ int Run(int argc, char** argv) {
   FlushOutput();
   RefuseIfMemoryRanOut();
   return status;
+}
+
+bool LacksMemory(const std::exception& error) {
+  const auto* const failure = dynamic_cast<const std::system_error*>(&error);
+  return failure != nullptr && failure->code() == std::errc::not_enough_memory;
 }
 
 // Reports the exception that is being handled, and returns the exit status. Throws std::bad_alloc.
@@ -73,6 +79,7 @@ int ReportException() {
   } catch (const zelstoryhost::Error& error) {
     PrintError(error);
   } catch (const std::exception& error) {
+    if (LacksMemory(error)) throw std::bad_alloc();
     PrintError(std::string("zelstory: error: ") + error.what());
   }
   return kRefused;

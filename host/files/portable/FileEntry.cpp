@@ -93,4 +93,12 @@ void FileEntry::Replace(const std::string& bytes, HardLinks hardLinks) const {
   throw Error(mName, "cannot be written");
 }
 
+void FileEntry::Create(const std::string& bytes) const {
+  std::error_code error;
+  if (fs::exists(fs::symlink_status(mTarget, error))) {
+    throw Error(mName, "exists already", ErrorKind::kForeignFile);
+  }
+  Replace(bytes, HardLinks::kRefuse);
+}
+
 }  // namespace zelstoryhost

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Files.h>
 

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Files.h>
 
@@ -18,6 +19,9 @@
 
 namespace zelstoryhost {
 namespace {
+
+constexpr mode_t kModeOfNewFiles = 0666;  // less the process's mask
+constexpr const char* kExists = "exists already";
 
 // Blocks the signals that would end the process.
 class SignalsHeld {
@@ -91,8 +95,8 @@ class NewFile {
   }
 
   void Rename(const std::string& name) {
-    if (fsync(mFile.Number()) != 0) FailOn(mNameInErrors, "cannot be written", errno);
-    if (mName.empty()) GiveName();
+    Flush();
+    if (mName.empty()) GiveName(HiddenName());
     if (renameat(mFolder.Number(), mName.c_str(), mFolder.Number(), name.c_str()) != 0) {
       FailOn(mNameInErrors, "cannot be replaced", errno);
     }
@@ -100,14 +104,39 @@ class NewFile {
     fsync(mFolder.Number());  // some file systems refuse; the file itself is safe by now
   }
 
+  // Gives the file a name that is free.
+  void TakeFreeName(const std::string& name) {
+    const std::string hidden = mName;
+    if (!hidden.empty() && !CanLink()) return Rename(name);
+    Flush();
+    GiveName(name);
+    if (!hidden.empty()) unlinkat(mFolder.Number(), hidden.c_str(), 0);
+    mName.clear();
+    fsync(mFolder.Number());
+  }
+
  private:
-  void GiveName() {
-    const std::string self = "/proc/self/fd/" + std::to_string(mFile.Number());
-    std::string name = HiddenName();
-    if (linkat(AT_FDCWD, self.c_str(), mFolder.Number(), name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+  // Whether the file system has hard links. Some that people carry about have none.
+  bool CanLink() const {
+    const std::string name = HiddenName();
+    const int folder = mFolder.Number();
+    return linkat(folder, mName.c_str(), folder, name.c_str(), 0) == 0 &&
+           unlinkat(folder, name.c_str(), 0) == 0;
+  }
+
+  void Flush() {
+    if (fsync(mFile.Number()) != 0) FailOn(mNameInErrors, "cannot be written", errno);
+  }
+
+  void GiveName(const std::string& name) {
+    const int folder = mName.empty() ? AT_FDCWD : mFolder.Number();
+    const std::string old =
+        mName.empty() ? "/proc/self/fd/" + std::to_string(mFile.Number()) : mName;
+    if (linkat(folder, old.c_str(), mFolder.Number(), name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+      if (errno == EEXIST) throw Error(mNameInErrors, kExists, ErrorKind::kForeignFile);
       FailOn(mNameInErrors, "cannot be written", errno);
     }
-    mName = std::move(name);
+    mName = name;
   }
 
   const OpenFolder& mFolder;
@@ -129,11 +158,19 @@ void FileEntry::Replace(const std::string& bytes, HardLinks hardLinks) const {
     if (!isReplacedLink) old = OldFile{*status, mFolder->OpenToRead(Leaf())};
   }
   const SignalsHeld held;
-  constexpr mode_t kModeOfNewFiles = 0666;  // less the process's mask
   NewFile file(*mFolder, old ? NarrowMode(*old) : kModeOfNewFiles, mName);
   file.Write(bytes);
   if (old) TakeOver(*old, file.File());
   file.Rename(Leaf());
+}
+
+void FileEntry::Create(const std::string& bytes) const {
+  if (mFolder->Error() != 0) FailOn(mName, "cannot be written", mFolder->Error());
+  if (mFolder->StatusOf(Leaf())) throw Error(mName, kExists, ErrorKind::kForeignFile);
+  const SignalsHeld held;
+  NewFile file(*mFolder, kModeOfNewFiles, mName);
+  file.Write(bytes);
+  file.TakeFreeName(Leaf());
 }
 
 }  // namespace zelstoryhost

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include <sys/file.h>
+
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/FolderLock.h>
 

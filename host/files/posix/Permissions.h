@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sys/stat.h>
+
 #include <zelstoryhost/Files.h>
 
 #include "files/posix/OpenFolder.h"

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <fstream>
 #include <map>
+#include <new>
 #include <optional>
 #include <span>
 #include <system_error>
@@ -276,6 +277,7 @@ bool Reader::ParseFile(const std::filesystem::path& file, AbstractParseHandler& 
   if (error) return refuse(error.message());
   if (std::filesystem::is_directory(status)) return refuse("is a directory");
   std::ifstream stream(file, std::ios::binary);
+  if (!stream && errno == ENOMEM) throw std::bad_alloc();
   if (!stream) return refuse(std::generic_category().message(errno));
   return ParseStream(stream, std::move(source), handler);
 }

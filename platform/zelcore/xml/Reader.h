@@ -33,8 +33,8 @@ struct ReadError {
 // attributes that deliver more than four times the document's bytes and 64 MiB, or take as long.
 //
 // A parse that fails returns false and leaves the reason in Error(); the handler has received the
-// events up to that place, and EndDocument. An exception of the handler passes through. In both
-// cases the reader may be used again.
+// events up to that place, and EndDocument. Without memory, it throws std::bad_alloc. An exception
+// of the handler passes through. In all these cases the reader may be used again.
 //
 // Threads: one thread at a time per reader; any number of readers at once.
 class ZELPLATFORM_API Reader {

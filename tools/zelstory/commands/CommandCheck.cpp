@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "commands/Commands.h"
+#include "options/ScriptOptions.h"
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
 #include "terminal/Input.h"
@@ -8,32 +9,58 @@
 namespace zelstory {
 
 using zelstoryhost::Error;
+using zelstoryhost::Finding;
 using zelstoryhost::JSONWriter;
+using zelstoryhost::Severity;
+using zelstoryhost::StoryResult;
 
 namespace {
 
 struct CheckOptions {
   std::vector<std::string> mFiles;
+  const zelstoryhost::ScriptFormat* mFormat = nullptr;
   bool mAsJSON = false;
 };
 
-void WriteFault(JSONWriter& json, const Error& fault) {
-  const auto& position = fault.Position();
+void WritePosition(JSONWriter& json, const std::optional<zelcore::xml::Position>& position) {
   json.Name("line");
   position ? json.Number(position->mLine) : json.Null();
   json.Name("column");
   position ? json.Number(position->mColumn) : json.Null();
+}
+
+void WriteFault(JSONWriter& json, const Error& fault) {
+  WritePosition(json, fault.Position());
   json.Name("message").Text(fault.Reason());
   json.Name("where");
   fault.Where().empty() ? json.Null() : json.Text(fault.Where());
 }
 
-void PrintJSON(const std::string& file, const std::optional<Error>& fault) {
+void WriteFindings(JSONWriter& json, const std::vector<Finding>& findings) {
+  json.Name("findings").BeginArray();
+  for (const Finding& finding : findings) {
+    json.BeginObject();
+    json.Name("severity").Text(finding.mSeverity == Severity::kNote ? "note" : "warning");
+    WritePosition(json, finding.mPosition);
+    json.Name("message").Text(finding.mText);
+    json.EndObject();
+  }
+  json.EndArray();
+}
+
+void PrintJSON(const std::string& file, const StoryResult& result) {
   PrintJSONLine([&](JSONWriter& json) {
     json.Name("file").Text(file);
-    json.Name("ok").Bool(!fault);
-    if (fault) WriteFault(json, *fault);
+    json.Name("ok").Bool(!result.mFault);
+    if (result.mFault) WriteFault(json, *result.mFault);
+    if (!result.mFindings.empty()) WriteFindings(json, result.mFindings);
   });
+}
+
+void Print(const std::string& file, const StoryResult& result) {
+  for (const Finding& finding : result.mFindings) PrintLine(Describe(file, finding));
+  if (result.mFault) return PrintLine(result.mFault->what());
+  PrintResult(file + ": ", Tone::kGood, "ok");
 }
 
 int Check(const CheckOptions& options) {
@@ -41,15 +68,9 @@ int Check(const CheckOptions& options) {
   Batch batch(options.mFiles.size());
   for (const std::string& file : options.mFiles) {
     batch.Next();
-    const std::optional<Error> fault = ReadStory(file).mFault;
-    allGood = allGood && !fault;
-    if (options.mAsJSON) {
-      PrintJSON(file, fault);
-    } else if (fault) {
-      PrintLine(fault->what());
-    } else {
-      PrintResult(file + ": ", Tone::kGood, "ok");
-    }
+    const StoryResult result = ReadStory(file, options.mFormat);
+    allGood = allGood && result;
+    options.mAsJSON ? PrintJSON(file, result) : Print(file, result);
   }
   return allGood ? kDone : kRefused;
 }
@@ -57,13 +78,14 @@ int Check(const CheckOptions& options) {
 }  // namespace
 
 void AddCheckCommand(CommandLine& tool) {
-  Command command = tool.AddCommand("check", "Validate story files");
+  Command command = tool.AddCommand("check", "Validate scripts");
   const auto options = std::make_shared<CheckOptions>();
-  command.AddArguments("STORY", options->mFiles, "Story files; - is standard input");
+  AddStoryArguments(command, options->mFiles, options->mFormat);
   command.AddFlag("--json", options->mAsJSON, "Print one JSON object per file");
   command.SetFooter(
       "Prints FILE: ok, or FILE:LINE:COLUMN: error: MESSAGE (PLACE IN THE STORY), one line per "
       "file.\n"
+      "What a script says and a story has no place for comes before, as \"note\" or \"warning\".\n"
       "Lines and columns count from 1, columns in characters.\n"
       "Exit status: 0 all are valid, 1 one or more are not, 2 wrong usage.");
   command.SetAction([options] { return Check(*options); });

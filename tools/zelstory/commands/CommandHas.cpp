@@ -1,6 +1,5 @@
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/SidecarName.h>
-
 #include <zelstoryparser/SceneXMP.h>
 
 #include "commands/Commands.h"

@@ -4,6 +4,7 @@
 #include <zelstoryhost/Table.h>
 
 #include "commands/Commands.h"
+#include "options/ScriptOptions.h"
 #include "terminal/Input.h"
 #include "terminal/TableColumns.h"
 
@@ -20,6 +21,7 @@ using Lister = Table (*)(const zelstoryparser::TavroStory& story);
 
 struct ListOptions {
   std::string mStory;
+  const zelstoryhost::ScriptFormat* mFormat = nullptr;
   bool mAsCSV = false;
   bool mIsRaw = false;
   bool mHasMark = false;
@@ -27,7 +29,7 @@ struct ListOptions {
 };
 
 int List(const ListOptions& options, Lister lister) {
-  const Table table = lister(*LoadStory(options.mStory));
+  const Table table = lister(*LoadStory(options.mStory, options.mFormat));
   if (options.mAsJSON) {
     WriteJSON(table, std::cout);
   } else if (options.mAsCSV) {
@@ -44,7 +46,7 @@ void AddList(CommandLine& tool, const char* name, const char* description,
              const std::string& columns, Lister lister) {
   Command command = tool.AddCommand(name, description);
   const auto options = std::make_shared<ListOptions>();
-  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  AddStoryArgument(command, options->mStory, options->mFormat);
   const Option csv =
       command.AddFlag("--csv", options->mAsCSV, "Print comma-separated values (RFC 4180)");
   command

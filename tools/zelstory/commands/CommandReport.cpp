@@ -7,6 +7,7 @@
 #include <zelstoryhost/Text.h>
 
 #include "commands/Commands.h"
+#include "options/ScriptOptions.h"
 #include "report/ReportPage.h"
 #include "terminal/Console.h"
 #include "terminal/Input.h"
@@ -21,6 +22,7 @@ namespace {
 
 struct ReportOptions {
   std::string mStory;
+  const zelstoryhost::ScriptFormat* mFormat = nullptr;
   std::string mPage;
   std::string mTitle;
 };
@@ -42,7 +44,7 @@ int Report(const ReportOptions& options) {
   if (options.mPage != kStandardStream && IsStoryItself(options.mStory, options.mPage)) {
     throw Error(options.mPage, "is the story itself: name another file after --html");
   }
-  const auto story = LoadStory(options.mStory);
+  const auto story = LoadStory(options.mStory, options.mFormat);
   const std::string page = MakeReportPage(*story, NamesOf(options, *story));
   if (options.mPage == kStandardStream) {
     std::cout << page;
@@ -58,7 +60,7 @@ int Report(const ReportOptions& options) {
 void AddReportCommand(CommandLine& tool) {
   Command command = tool.AddCommand("report", "Make a page to read and print, with charts");
   const auto options = std::make_shared<ReportOptions>();
-  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  AddStoryArgument(command, options->mStory, options->mFormat);
   command.AddText("--html", options->mPage, "FILE", "The page to write; - is standard output")
       .Required();
   command.AddText("--title", options->mTitle, "TEXT", "The page's title");

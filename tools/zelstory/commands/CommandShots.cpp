@@ -1,10 +1,12 @@
-#include <algorithm>
 #include <filesystem>
+#include <map>
+#include <string>
 #include <vector>
 
 #include <zelstoryhost/ShotPackets.h>
 
 #include "commands/Commands.h"
+#include "options/ScriptOptions.h"
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
 #include "terminal/Input.h"
@@ -16,33 +18,36 @@ namespace fs = std::filesystem;
 
 struct ShotOptions {
   std::vector<std::string> mStories;
+  const zelstoryhost::ScriptFormat* mFormat = nullptr;
   std::string mFolder;
   bool mForce = false;
 };
 
 void WriteShots(const std::string& story, const fs::path& folder, const std::string& label,
-                bool force) {
+                const ShotOptions& options) {
   const auto isStory = [&story](const fs::path& file) { return IsStoryItself(story, file); };
   const auto print = [&label](const zelstoryhost::ShotPacket& packet) {
     CountWrittenFile();
     PrintFields({label + std::to_string(packet.mPosition), packet.mShotID, packet.mFile.string()});
   };
-  zelstoryhost::WriteShotPackets(LoadStory(story), folder, {force, isStory, print});
+  zelstoryhost::WriteShotPackets(LoadStory(story, options.mFormat), folder,
+                                 {options.mForce, isStory, print});
 }
 
 // Several stories get one folder each, named after the story.
 std::vector<fs::path> FoldersOf(const std::vector<std::string>& stories, const fs::path& folder) {
   if (stories.size() == 1) return {folder};
   std::vector<fs::path> folders;
+  std::map<fs::path, std::string> owners;
   for (const std::string& story : stories) {
     if (story == kStandardStream) {
       throw UsageError("standard input gives no folder name; pass it alone");
     }
     folders.push_back(folder / fs::path(story).stem());
-    const auto twin = std::find(folders.begin(), folders.end() - 1, folders.back());
-    if (twin == folders.end() - 1) continue;
-    throw UsageError(stories[static_cast<std::size_t>(twin - folders.begin())] + " and " + story +
-                     " would share the folder " + folders.back().string());
+    const auto [owner, isNew] = owners.emplace(folders.back(), story);
+    if (isNew) continue;
+    throw UsageError(owner->second + " and " + story + " would share the folder " +
+                     folders.back().string());
   }
   return folders;
 }
@@ -51,7 +56,7 @@ int ShotsOfAll(const ShotOptions& options) {
   const std::vector<fs::path> folders = FoldersOf(options.mStories, options.mFolder);
   auto next = folders.begin();
   return ForEachFile(options.mStories, [&](const std::string& story, const std::string& label) {
-    WriteShots(story, *next++, label, options.mForce);
+    WriteShots(story, *next++, label, options);
   });
 }
 
@@ -61,7 +66,7 @@ void AddShotsCommand(CommandLine& tool) {
   Command command =
       tool.AddCommand("shots", "Write a stand-alone XMP packet for every scene of the body");
   const auto options = std::make_shared<ShotOptions>();
-  command.AddArguments("STORY", options->mStories, "Story files; - is standard input");
+  AddStoryArguments(command, options->mStories, options->mFormat);
   command.AddText("--out", options->mFolder, "DIR", "The folder for the packets, created if needed")
       .Required();
   command.AddFlag("--force", options->mForce, "Also replace files that are not a shot's packet");

@@ -5,6 +5,7 @@
 
 #include "commands/Commands.h"
 #include "options/SceneOptions.h"
+#include "options/ScriptOptions.h"
 #include "terminal/Input.h"
 #include "terminal/Screenplay.h"
 
@@ -19,13 +20,14 @@ using zelstoryparser::TavroStory;
 
 struct ShowOptions {
   std::string mFile;
+  const zelstoryhost::ScriptFormat* mFormat = nullptr;
   SceneOptions mScene;
   bool mAsJSON = false;
   bool mWithComments = false;
 };
 
 int Show(const ShowOptions& options) {
-  const boost::intrusive_ptr<TavroStory> story = LoadStory(options.mFile);
+  const boost::intrusive_ptr<TavroStory> story = LoadStory(options.mFile, options.mFormat);
   if (!options.mScene.IsGiven()) {
     if (options.mAsJSON) {
       WriteJSON(*story, std::cout);
@@ -48,7 +50,7 @@ int Show(const ShowOptions& options) {
 void AddShowCommand(CommandLine& tool) {
   Command command = tool.AddCommand("show", "Print a story as a screenplay, or as JSON");
   const auto options = std::make_shared<ShowOptions>();
-  command.AddArgument("STORY", options->mFile, "The story file; - is standard input");
+  AddStoryArgument(command, options->mFile, options->mFormat);
   options->mScene.AddTo(command);
   command.AddFlag("--comments", options->mWithComments, "Also print the comment streams");
   command.AddFlag("--json", options->mAsJSON, "Print the whole tree, or one scene's, as JSON");

@@ -9,6 +9,7 @@
 #include "commands/Commands.h"
 #include "options/EditOptions.h"
 #include "options/SceneOptions.h"
+#include "options/ScriptOptions.h"
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
 #include "terminal/Input.h"
@@ -31,6 +32,7 @@ namespace {
 
 struct TagOptions {
   std::string mStory;
+  const zelstoryhost::ScriptFormat* mFormat = nullptr;
   std::string mTable;
   std::string mFolder;  // empty: the table's
   EditOptions mEdit;
@@ -155,7 +157,7 @@ int Tag(const TagOptions& options) {
   if (options.mStory == kStandardStream && options.mTable == kStandardStream) {
     throw UsageError("only one of STORY and the table can be standard input");
   }
-  const auto story = LoadStory(options.mStory);
+  const auto story = LoadStory(options.mStory, options.mFormat);
   const std::vector<ClipRow> rows = ReadRows(options, *story);
   const auto faults = static_cast<std::size_t>(std::count_if(
       rows.begin(), rows.end(), [](const ClipRow& row) { return row.mFault.has_value(); }));
@@ -186,7 +188,7 @@ void AddTagCommand(CommandLine& tool) {
   Command command =
       tool.AddCommand("tag", "Write scenes into the sidecars of many clips, from a table");
   const auto options = std::make_shared<TagOptions>();
-  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  AddStoryArgument(command, options->mStory, options->mFormat);
   command
       .AddText("--table", options->mTable, "FILE",
                "A CSV table of clips and their scenes; - is standard input")

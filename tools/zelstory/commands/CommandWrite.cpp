@@ -3,6 +3,7 @@
 #include "commands/Commands.h"
 #include "options/EditOptions.h"
 #include "options/SceneOptions.h"
+#include "options/ScriptOptions.h"
 #include "terminal/Console.h"
 #include "terminal/Input.h"
 #include "terminal/Memory.h"
@@ -15,6 +16,7 @@ namespace {
 
 struct WriteOptions {
   std::string mStory;
+  const zelstoryhost::ScriptFormat* mFormat = nullptr;
   std::string mSidecar;
   SceneOptions mScene;
   EditOptions mEdit;
@@ -24,7 +26,7 @@ int Write(const WriteOptions& options) {
   if (options.mSidecar == kStandardStream && options.mStory == kStandardStream) {
     throw UsageError("only one of STORY and CLIP can be standard input");
   }
-  const auto story = LoadStory(options.mStory);
+  const auto story = LoadStory(options.mStory, options.mFormat);
   const SelectedScene selected = options.mScene.Find(*story, options.mStory);
   WorkOn(options.mSidecar);
   options.mEdit.Print(options.mEdit.Write(options.mSidecar, selected.mScene), "");
@@ -36,7 +38,7 @@ int Write(const WriteOptions& options) {
 void AddWriteCommand(CommandLine& tool) {
   Command command = tool.AddCommand("write", "Write a scene into a sidecar, creating it if needed");
   const auto options = std::make_shared<WriteOptions>();
-  command.AddArgument("STORY", options->mStory, "The story file; - is standard input");
+  AddStoryArgument(command, options->mStory, options->mFormat);
   command.AddArgument("CLIP", options->mSidecar,
                       "The sidecar (*.xmp) or the clip it belongs to; - reads standard input and\n"
                       "writes standard output");

@@ -14,6 +14,7 @@ void AddXMPCommand(CommandLine& tool);
 void AddShotsCommand(CommandLine& tool);
 void AddReportCommand(CommandLine& tool);
 void AddTagCommand(CommandLine& tool);
+void AddConvertCommand(CommandLine& tool);
 void AddDumpCommand(CommandLine& tool);
 void AddListCommands(CommandLine& tool);  // scenes, characters, stats
 

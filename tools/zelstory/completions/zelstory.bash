@@ -2,7 +2,11 @@
 
 _zelstory_files() { # PATTERN WORD: files like that and folders; all files where there are none
   compopt -o filenames 2>/dev/null
+  local extglob
+  extglob=$(shopt -p extglob)
+  shopt -s extglob
   mapfile -t COMPREPLY < <(compgen -f -X "!$1" -- "$2"; compgen -d -- "$2")
+  $extglob
   [ ${#COMPREPLY[@]} -gt 0 ] || mapfile -t COMPREPLY < <(compgen -f -- "$2")
 }
 
@@ -14,10 +18,11 @@ _zelstory_clips() { # WORD: any file; which are clips is the tool's own table
 _zelstory() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} options="" i positionals=0
+  local scripts="*.@(fountain|spmd|txt|fdx|quor)"
   local edit="--dry-run --force --no-wait --sidecar-name"
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
-    options="check show write tag clear has xmp shots scenes characters stats report dump"
+    options="check show write tag clear has xmp shots scenes characters stats report convert dump"
     [[ $word != -* ]] || options="--help --version"
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
     return
@@ -25,6 +30,7 @@ _zelstory() {
 
   case $previous in
     --sidecar-name) mapfile -t COMPREPLY < <(compgen -W "full stem" -- "$word"); return ;;
+    --format | --to) mapfile -t COMPREPLY < <(compgen -W "story fountain fdx" -- "$word"); return ;;
     --table) _zelstory_files "*.csv" "$word"; return ;;
     --html) _zelstory_files "*.html" "$word"; return ;;
     --out | --clips) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$word"); return ;;
@@ -32,16 +38,18 @@ _zelstory() {
   esac
   if [[ $word == -* ]]; then
     case $command in
-      check) options="--json" ;;
+      check) options="--format --json" ;;
       xmp) options="--json --sidecar-name" ;;
-      show) options="--scene --position --id --comments --json" ;;
-      write) options="--scene --position --id --merge $edit" ;;
-      tag) options="--table --clips --keep-going --merge $edit --json" ;;
+      show) options="--format --scene --position --id --comments --json" ;;
+      write) options="--format --scene --position --id --merge $edit" ;;
+      tag) options="--format --table --clips --keep-going --merge $edit --json" ;;
       clear) options="$edit --strict" ;;
       has) options="--sidecar-name --strict" ;;
-      report) options="--html --title" ;;
-      shots) options="--out --force" ;;
-      scenes | characters | stats) options="--csv --raw --bom --json" ;;
+      report) options="--format --html --title" ;;
+      shots) options="--format --out --force" ;;
+      scenes | characters | stats) options="--format --csv --raw --bom --json" ;;
+      convert) options="--format --to --out --force" ;;
+      dump) options="--format" ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$options --help" -- "$word")
     return
@@ -49,17 +57,17 @@ _zelstory() {
 
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
-      --sidecar-name | --table | --clips | --out | --html | --scene | --position | --id) ((++i)) ;;
+      --format | --to | --sidecar-name | --table | --clips | --out | --html | --scene | --position | --id) ((++i)) ;;
       -?*) ;;
       *) ((++positionals)) ;;
     esac
   done
   case $command in
-    check | shots) _zelstory_files "*.quor" "$word" ;;
+    check | shots | convert) _zelstory_files "$scripts" "$word" ;;
     clear | has) _zelstory_clips "$word" ;;
     xmp) [ $positionals -ne 0 ] || _zelstory_clips "$word" ;;
     write | tag | show | scenes | characters | stats | report | dump)
-      [ $positionals -ne 0 ] || _zelstory_files "*.quor" "$word"
+      [ $positionals -ne 0 ] || _zelstory_files "$scripts" "$word"
       [ "$command/$positionals" != write/1 ] || _zelstory_clips "$word"
       ;;
   esac

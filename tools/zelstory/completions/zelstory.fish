@@ -12,7 +12,7 @@ end
 complete -c zelstory -f
 complete -c zelstory -s h -l help -d 'Show the usage'
 complete -c zelstory -n __zelstory_no_command -l version -d 'Show the version'
-complete -c zelstory -n __zelstory_no_command -a check -d 'Validate story files'
+complete -c zelstory -n __zelstory_no_command -a check -d 'Validate scripts'
 complete -c zelstory -n __zelstory_no_command -a show -d 'Print a story as a screenplay, or as JSON'
 complete -c zelstory -n __zelstory_no_command -a write -d 'Write a scene into the sidecar of a clip'
 complete -c zelstory -n __zelstory_no_command -a tag -d 'Write scenes into the sidecars of many clips'
@@ -24,6 +24,7 @@ complete -c zelstory -n __zelstory_no_command -a scenes -d 'List the scenes'
 complete -c zelstory -n __zelstory_no_command -a characters -d 'List who speaks'
 complete -c zelstory -n __zelstory_no_command -a stats -d 'Count scenes, paragraphs and words'
 complete -c zelstory -n __zelstory_no_command -a report -d 'Write one page about a story'
+complete -c zelstory -n __zelstory_no_command -a convert -d 'Write a script in another format'
 complete -c zelstory -n __zelstory_no_command -a dump -d 'Dump packets into the temporary folder'
 
 complete -c zelstory -n '__zelstory_command check show tag xmp scenes characters stats' -l json -d 'Print JSON'
@@ -47,6 +48,10 @@ complete -c zelstory -n '__zelstory_command report' -r -l html -k -a '(__fish_co
 complete -c zelstory -n '__zelstory_command report' -x -l title -d 'Title of the page'
 complete -c zelstory -n '__zelstory_command shots' -x -l out -a '(__fish_complete_directories)' -d 'Folder for the packets'
 complete -c zelstory -n '__zelstory_command shots' -l force -d 'Also replace other files'
+complete -c zelstory -n '__zelstory_command check show write tag shots scenes characters stats report convert dump' -x -l format -a 'story fountain fdx' -d 'Read the script in this format'
+complete -c zelstory -n '__zelstory_command convert' -x -l to -a 'story fountain fdx' -d 'Write this format'
+complete -c zelstory -n '__zelstory_command convert' -x -l out -a '(__fish_complete_directories)' -d 'Folder for the outputs'
+complete -c zelstory -n '__zelstory_command convert' -l force -d 'Replace files that exist'
 
-complete -c zelstory -n '__zelstory_command check show write tag shots scenes characters stats report dump' -a '(__fish_complete_suffix .quor)'
+complete -c zelstory -n '__zelstory_command check show write tag shots scenes characters stats report convert dump' -a '(__fish_complete_suffix .fountain .spmd .txt .fdx .quor)'
 complete -c zelstory -n '__zelstory_command write clear has xmp' -F

@@ -4,6 +4,7 @@
 #include <string>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
+
 #include <zelstoryhost/SidecarEdit.h>
 
 #include "options/CommandLine.h"

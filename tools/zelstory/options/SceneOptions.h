@@ -3,7 +3,6 @@
 #include <string>
 
 #include <zelstoryhost/SceneFinder.h>
-
 #include <zelstoryparser/StoryTree.h>
 
 #include "options/CommandLine.h"

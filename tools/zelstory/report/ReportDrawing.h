@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <pugixml.hpp>
+
 #include <zelstoryhost/SceneFacts.h>
 
 // Shared parts of the report's charts. Lengths are in pixels.

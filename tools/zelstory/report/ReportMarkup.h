@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <pugixml.hpp>
+
 #include <zelstoryhost/SceneFacts.h>
 
 namespace zelstory {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <vector>
 
@@ -195,17 +196,20 @@ void AddBody(pugi::xml_node body, const TavroStory& story, const PageNames& name
   AddNavigation(header, main);
 }
 
-// The text after "Title:", in any letter case; empty for any other line.
-std::string TitleInLine(const std::string& line) {
+std::string WithoutBlanksAround(const std::string& text) {
   constexpr const char* kBlanks = " \t\r";
+  const std::size_t from = std::min(text.find_first_not_of(kBlanks), text.size());
+  return text.substr(from, text.find_last_not_of(kBlanks) + 1 - from);
+}
+
+// What follows "Title:", in any letter case; none for any other line.
+std::optional<std::string> TitleInLine(const std::string& line) {
   const std::size_t colon = line.find(':');
-  if (colon == std::string::npos) return "";
+  if (colon == std::string::npos) return std::nullopt;
   std::istringstream name(InCapitals(line.substr(0, colon)));
   std::string word;
-  if (!(name >> word) || word != "TITLE" || name >> word) return "";
-  const std::size_t from = line.find_first_not_of(kBlanks, colon + 1);
-  return from == std::string::npos ? ""
-                                   : line.substr(from, line.find_last_not_of(kBlanks) + 1 - from);
+  if (!(name >> word) || word != "TITLE" || name >> word) return std::nullopt;
+  return WithoutBlanksAround(line.substr(colon + 1));
 }
 
 // pugixml leaves out what it has no memory for. From operator new, it is at least noted.
@@ -220,10 +224,19 @@ void Free(void* block) {
 
 std::string TitleIn(const TavroStory& story) {
   std::istringstream lines(ToUTF8(story.mMetaData));
+  std::string title;
+  bool isInTitle = false;  // which may go on in lines that are indented
   for (std::string line; std::getline(lines, line);) {
-    if (std::string title = TitleInLine(line); !title.empty()) return title;
+    if (isInTitle && line.starts_with(' ')) {
+      title += (title.empty() ? "" : " ") + WithoutBlanksAround(line);
+      continue;
+    }
+    if (!title.empty()) break;
+    const std::optional<std::string> found = TitleInLine(line);
+    isInTitle = found.has_value();
+    title = found.value_or("");
   }
-  return "";
+  return title;
 }
 
 std::string MakeReportPage(const TavroStory& story, const PageNames& names) {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <pugixml.hpp>
+
 #include <zelstoryhost/RunningTime.h>
 #include <zelstoryhost/SceneFacts.h>
 

@@ -11,6 +11,7 @@
 #endif
 
 #include <nlohmann/json.hpp>
+
 #include <zelstoryhost/Error.h>
 
 #include "terminal/Escaped.h"
@@ -114,6 +115,18 @@ std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error
 void PrintNote(const std::string& place, const std::string& text) {
   HideProgress();
   std::cerr << Escaped(place + ": note: " + text) << '\n';
+}
+
+std::string Describe(const std::string& file, const zelstoryhost::Finding& finding) {
+  std::string line = zelstoryhost::Error(file, finding.mPosition, "").Place();
+  line += finding.mSeverity == zelstoryhost::Severity::kNote ? ": note: " : ": warning: ";
+  line += finding.mText;
+  return finding.mWhere.empty() ? line : line + " (" + finding.mWhere + ')';
+}
+
+void PrintFindings(const std::string& file, const std::vector<zelstoryhost::Finding>& findings) {
+  HideProgress();
+  for (const auto& finding : findings) std::cerr << Escaped(Describe(file, finding)) << '\n';
 }
 
 void PrintLine(const std::string& line) {

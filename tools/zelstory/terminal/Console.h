@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <zelstoryhost/Error.h>
+#include <zelstoryhost/Finding.h>
 #include <zelstoryhost/JSONWriter.h>
 
 namespace zelstory {
@@ -25,6 +26,12 @@ std::string WithAdvice(const std::string& text, const zelstoryhost::Error& error
 
 // The same for information that is not an error: PLACE: note: TEXT.
 void PrintNote(const std::string& place, const std::string& text);
+
+// A finding as a line: FILE:LINE:COLUMN: note: TEXT (PLACE IN THE STORY), or "warning".
+std::string Describe(const std::string& file, const zelstoryhost::Finding& finding);
+
+// Prints findings on standard error, a line each.
+void PrintFindings(const std::string& file, const std::vector<zelstoryhost::Finding>& findings);
 
 // Prints a result on one line of standard output.
 void PrintLine(const std::string& line);

@@ -12,12 +12,14 @@
 
 #include <zelstoryhost/Files.h>
 
+#include "terminal/Console.h"
 #include "terminal/Memory.h"
 
 namespace zelstory {
 
 namespace fs = std::filesystem;
 
+using zelstoryhost::ScriptFormat;
 using zelstoryhost::Sidecar;
 using zelstoryhost::StoryResult;
 
@@ -53,17 +55,19 @@ std::istream* StreamNamed(const std::string& file, std::ifstream& opened) {
 
 }  // namespace
 
-StoryResult ReadStory(const std::string& file) {
+StoryResult ReadStory(const std::string& file, const ScriptFormat* format) {
   WorkOn(file);
   std::ifstream opened;
   std::istream* const stream = StreamNamed(file, opened);
-  return stream != nullptr ? zelstoryhost::ReadStory(*stream, file)
-                           : zelstoryhost::ReadStory(fs::path(file));
+  return stream != nullptr ? zelstoryhost::ReadScript(*stream, file, format)
+                           : zelstoryhost::ReadScript(fs::path(file), format);
 }
 
-boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file) {
-  const StoryResult result = ReadStory(file);
+boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file,
+                                                           const ScriptFormat* format) {
+  const StoryResult result = ReadStory(file, format);
   if (!result) throw zelstoryhost::Error(*result.mFault);
+  PrintFindings(file, result.mFindings);
   return result.mStory;
 }
 

@@ -6,6 +6,8 @@
 #include <string_view>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
+
+#include <zelstoryhost/ScriptFormats.h>
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/Story.h>
 
@@ -17,9 +19,13 @@ namespace zelstory {
 // The name that stands for standard input or output.
 inline constexpr std::string_view kStandardStream = "-";
 
-// Like the functions of the host layer.
-zelstoryhost::StoryResult ReadStory(const std::string& file);
-boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(const std::string& file);
+// Reads a script in the given format or, with null, the one that its content tells.
+zelstoryhost::StoryResult ReadStory(const std::string& file,
+                                    const zelstoryhost::ScriptFormat* format);
+
+// The same, printing the findings on standard error. Throws Error.
+boost::intrusive_ptr<zelstoryparser::TavroStory> LoadStory(
+    const std::string& file, const zelstoryhost::ScriptFormat* format);
 
 // Reads a whole file. Throws Error, also when it does not exist.
 std::string ReadText(const std::string& file);

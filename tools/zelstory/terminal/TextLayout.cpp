@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <utf8proc.h>
+
 #include <zelstoryhost/Text.h>
 
 #include "terminal/Escaped.h"

@@ -2,9 +2,8 @@
 
 #include <ostream>
 
-#include <zelstoryhost/JSONWriter.h>
-
 #include <xmptoolkit/XMPTree.h>
+#include <zelstoryhost/JSONWriter.h>
 
 #include "terminal/Console.h"
 #include "terminal/Escaped.h"
