@@ -150,9 +150,8 @@ void FountainWriter::ReportRest(const TavroStory& story) {
 
 void FountainWriter::WriteScene(const Scene& scene, const std::vector<Comment>& comments) {
   mPlace.EnterScene(ToUTF8(scene.mSceneNumber));
-  if (comments.empty() && !HasText(scene)) {
-    return Note(Severity::kWarning, "a scene without text is left out");
-  }
+  if (!HasText(scene)) Note(Severity::kWarning, "a scene without text is left out");
+  if (!HasText(scene) && comments.empty()) return;
   WriteSections(comments);
   const bool hasHeading = !scene.mParagraphs.empty() && scene.mParagraphs.front() &&
                           scene.mParagraphs.front()->mElementType == kSceneHeading &&
