@@ -25,6 +25,13 @@ LOADS = [
 ]
 SIZES = (1, 10, 100)  # megabytes; a name without a size means the last one
 
+# Scripts of 120 pages: name, what over what, target.
+SCRIPTS = [
+    ("fountain_vs_story", "ReadFountain", "ReadStoryDocument", 2.0),
+    ("fdx_vs_story", "ReadFDX", "ReadStoryDocument", None),
+    ("fdx_vs_libxml2_dom", "ReadFDX", "FDXLibxml2DOM", None),
+]
+
 # Whether the cost per item stays the same: name, benchmark, what is counted.
 GROWTH = [
     ("growth_find_sidecars", "FindSidecars", "clips of a folder, their sidecars found"),
@@ -103,9 +110,9 @@ def memory_ratio(folder, work, rounds):
     return medians["ours"] / medians["pugixml"], medians
 
 
-def seconds(command):
+def seconds(command, **options):
     start = time.perf_counter()
-    run(command, stdout=subprocess.DEVNULL)
+    run(command, stdout=subprocess.DEVNULL, **options)
     return time.perf_counter() - start
 
 
@@ -133,11 +140,34 @@ def exiftool_ratio(build, work, rounds):
     return medians["zelstory"] / medians["exiftool"], medians
 
 
+def fountain_js_ratio(build, work, rounds):
+    """zelstory check of a script of 120 pages against fountain-js, each as a process of its own."""
+    modules = build.parent / "bench/node_modules"
+    if not shutil.which("node") or not (modules / "fountain-js").is_dir():
+        return None, {}
+    story, script, program = work / "story.quor", work / "script.fountain", work / "read.cjs"
+    with open(story, "wb") as out:
+        run([build / "benchmarks/generate_story", "560000"], stdout=out)
+    run([build / "bin/zelstory", "convert", story, script], stderr=subprocess.DEVNULL)
+    program.write_text("const { Fountain } = require('fountain-js');\n"
+                       "const text = require('fs').readFileSync(process.argv[2], 'utf8');\n"
+                       "console.log(new Fountain().parse(text, true).tokens.length);\n")
+    commands = {"zelstory": ([build / "bin/zelstory", "check", script], None),
+                "fountain_js": (["node", program, script], {**os.environ, "NODE_PATH": str(modules)})}
+    times = {way: [] for way in commands}
+    for _ in range(rounds):
+        for way, (command, environment) in commands.items():
+            times[way].append(seconds(command, env=environment))
+    medians = {way: 1000 * statistics.median(taken) for way, taken in times.items()}
+    return medians["zelstory"] / medians["fountain_js"], medians
+
+
 def collect(build, repetitions, work):
     benchmarks = Benchmarks(build, repetitions)
-    for program in ("story_loading_bench", "packets_bench", "xmp_scaling_bench", "host_scaling_bench"):
+    for program in ("story_loading_bench", "packets_bench", "xmp_scaling_bench", "host_scaling_bench",
+                    "script_reading_bench"):
         print(f"{program} ...", file=sys.stderr)
-        benchmarks.measure(program, KEEP_MEMORY if "scaling" in program else None)
+        benchmarks.measure(program, KEEP_MEMORY if "scaling" in program or "script" in program else None)
     rows = []
 
     def row(name, what, value, target=None):
@@ -166,6 +196,10 @@ def collect(build, repetitions, work):
         benchmarks.ratio("ParsePacket", "PugixmlParsePacket"))
     row("write_scaling", "WriteSceneMetadataIntoXMP per pair, 100,000/100",
         benchmarks.ratio("WriteSpeeches/100000", "WriteSpeeches/100") / 1000, 1.2)
+    for name, ours, other, target in SCRIPTS:
+        row(name, f"{ours}/{other}, 120 pages", benchmarks.ratio(f"{ours}/180", f"{other}/180"), target)
+    for name, case in (("fountain_scaling", "ReadFountain"), ("fdx_scaling", "ReadFDX")):
+        row(name, f"{case} per MB, 20 MB/1 MB", benchmarks.ratio(f"{case}/20000", f"{case}/1000") / 20, 1.1)
     for name, case, what in GROWTH:
         ratio = benchmarks.ratio(f"{case}/{MANY}", f"{case}/{FEW}") * FEW / MANY
         row(name, f"per item, {MANY} over {FEW} {what}", ratio, 1.2)
@@ -175,6 +209,12 @@ def collect(build, repetitions, work):
         print("exiftool is not installed: tool_vs_exiftool is left out", file=sys.stderr)
     else:
         row("tool_vs_exiftool", "zelstory write, whole process", tool, 0.05)
+    check, check_times = fountain_js_ratio(build, work, 15)
+    if check is None:
+        print("fountain-js is not installed: check_vs_fountain_js is left out", file=sys.stderr)
+    else:
+        row("check_vs_fountain_js", "zelstory check, 120 pages, whole process", check, 0.1)
+    times |= check_times
     return {"ratios": {entry["name"]: round(entry["value"], 4) for entry in rows}, "rows": rows,
             "machine": machine(), "date": time.strftime("%Y-%m-%d"), "repetitions": repetitions,
             "medians_ms": benchmarks.medians, "peak_kB": peaks, "process_ms": times}

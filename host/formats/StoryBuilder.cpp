@@ -114,8 +114,9 @@ void StoryBuilder::AddComment(std::string_view stream, std::string_view author,
 
 void StoryBuilder::Identify(Scene& scene) {
   const std::string number = ToUTF8(scene.mSceneNumber);
-  std::string id = "scene-" + (number.empty() ? HashOf(scene) : number);
-  if (!number.empty() && mIdentifiers.contains(id)) id += "-" + HashOf(scene);
+  std::string id = "scene-";
+  id += number.empty() ? HashOf(scene) : number;
+  if (!number.empty() && mIdentifiers.contains(id)) (id += "-") += HashOf(scene);
   const std::string first = id;
   int& twin = mIdentifiers[first];
   if (twin++ > 0) {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstdlib>
 #include <map>
 #include <random>
+
+#include <gtest/gtest.h>
 
 #include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
@@ -142,6 +145,24 @@ class TreeGenerator {
 
 inline StoryPtr MakeTree(std::mt19937_64& random, const TreeOptions& options) {
   return TreeGenerator(random, options).Make();
+}
+
+// Calls `test` with a generator of random numbers for each of `count` seeds, from 1, until a test
+// fails. The environment variables ZELSTORY_TREES and ZELSTORY_SEED name another count and first
+// seed. A failure names its seed.
+template <typename Test>
+void ForRandomTrees(std::uint64_t count, Test test) {
+  const auto number = [](const char* name, std::uint64_t otherwise) {
+    const char* const text = std::getenv(name);
+    return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
+  };
+  const std::uint64_t first = number("ZELSTORY_SEED", 1);
+  count = number("ZELSTORY_TREES", count);
+  for (std::uint64_t seed = first; seed < first + count && !testing::Test::HasFailure(); ++seed) {
+    SCOPED_TRACE("ZELSTORY_SEED=" + std::to_string(seed));
+    std::mt19937_64 random(seed);
+    test(random, seed);
+  }
 }
 
 // A text as a field of an outline.

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <optional>
 #include <random>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -128,7 +129,7 @@ class NewFile {
     if (fsync(mFile.Number()) != 0) FailOn(mNameInErrors, "cannot be written", errno);
   }
 
-  void GiveName(const std::string& name) {
+  void GiveName(std::string name) {
     const int folder = mName.empty() ? AT_FDCWD : mFolder.Number();
     const std::string old =
         mName.empty() ? "/proc/self/fd/" + std::to_string(mFile.Number()) : mName;
@@ -136,7 +137,7 @@ class NewFile {
       if (errno == EEXIST) throw Error(mNameInErrors, kExists, ErrorKind::kForeignFile);
       FailOn(mNameInErrors, "cannot be written", errno);
     }
-    mName = name;
+    mName = std::move(name);  // takes no memory: the file must be known by now
   }
 
   const OpenFolder& mFolder;

@@ -27,9 +27,13 @@ std::vector<std::string> SplitLines(const std::string& text) {
 }
 
 void ReplaceAll(std::string& text, std::string_view what, std::string_view by) {
-  for (std::size_t i = 0; (i = text.find(what, i)) != std::string::npos; i += by.size()) {
-    text.replace(i, what.size(), by);
+  std::string replaced;
+  std::size_t begin = 0;
+  for (std::size_t i = 0; (i = text.find(what, begin)) != std::string::npos;) {
+    replaced.append(text, begin, i - begin).append(by);
+    begin = i + what.size();
   }
+  text = replaced.append(text, begin);
 }
 
 struct Comment {
@@ -59,7 +63,7 @@ class FountainWriter {
   std::vector<std::vector<Comment>> CommentsByScene(const TavroStory& story,
                                                     std::size_t sceneCount);
   void ReportRest(const TavroStory& story);
-  void WriteScene(const Scene& scene, const std::vector<Comment>& comments);
+  void WriteScene(const Scene& scene, const std::vector<Comment>& comments, bool isLast);
   void WriteSections(const std::vector<Comment>& comments);
   void WriteComments(const std::vector<Comment>& comments);
   void WriteRemark(const Comment& comment, bool isBoneyard);
@@ -115,7 +119,7 @@ WrittenScript FountainWriter::Write(const TavroStory& story) {
   const auto scenes = BodyScenes(story);
   const auto comments = CommentsByScene(story, scenes.size());
   for (std::size_t i = 0; i < scenes.size(); ++i) {
-    if (scenes[i]) WriteScene(*scenes[i], comments[i]);
+    if (scenes[i]) WriteScene(*scenes[i], comments[i], i + 1 == scenes.size());
   }
   constexpr std::string_view kMark = "\xEF\xBB\xBF";
   if (mBytes.starts_with(kMark)) mBytes.insert(0, kMark);  // one of them is no text
@@ -148,11 +152,12 @@ void FountainWriter::ReportRest(const TavroStory& story) {
   if (hasMargins) Note(Severity::kWarning, "Fountain has no headers and footers");
 }
 
-void FountainWriter::WriteScene(const Scene& scene, const std::vector<Comment>& comments) {
+void FountainWriter::WriteScene(const Scene& scene, const std::vector<Comment>& comments,
+                                bool isLast) {
   mPlace.EnterScene(ToUTF8(scene.mSceneNumber));
-  if (comments.empty() && !HasText(scene)) {
-    return Note(Severity::kWarning, "a scene without text is left out");
-  }
+  const bool isKept = HasText(scene) || (!comments.empty() && !mHasScene && isLast);
+  if (!isKept) Note(Severity::kWarning, "a scene without text is left out");
+  if (!isKept && comments.empty()) return;
   WriteSections(comments);
   const bool hasHeading = !scene.mParagraphs.empty() && scene.mParagraphs.front() &&
                           scene.mParagraphs.front()->mElementType == kSceneHeading &&
@@ -285,7 +290,7 @@ void FountainWriter::WriteHeading(const std::string& text, const std::string& nu
   BeginBlock();
   std::string line = WithEscapes(text);
   std::string_view withoutNumber = line;
-  if (!TakeSceneNumber(withoutNumber).empty()) line.insert(line.size() - 1, "\\");
+  if (!TakeSceneNumber(withoutNumber).empty()) line.insert(line.end() - 1, '\\');
   if (!IsNaturalHeading(line)) {
     line.insert(0, IsForcedHeading("." + line) ? "." : ".\\");
     if (!IsForcedHeading(line)) line.erase(1, 1);
@@ -302,7 +307,7 @@ void FountainWriter::WriteHeading(const std::string& text, const std::string& nu
 void FountainWriter::WriteCue(const std::string& text, bool hasSpeech) {
   BeginBlock();
   std::string line = WithEscapes(text);
-  if (line.ends_with('^')) line.insert(line.size() - 1, "\\");
+  if (line.ends_with('^')) line.insert(line.end() - 1, '\\');
   const bool isNatural = hasSpeech && !HasMark(line) && !IsNaturalHeading(line) &&
                          !IsNaturalTransition(line) && IsNaturalCue(line) &&
                          !LooksLikeTitlePage(line, "");
@@ -317,7 +322,7 @@ void FountainWriter::WriteDialogue(const std::string& text) {
   while (IsBlank(lines.back())) lines.pop_back();
   for (const std::string& untrimmed : lines) {
     std::string line = WithEscapes(Trim(untrimmed));
-    if (IsParenthetical(line) || line.starts_with('~')) line.insert(0, "\\");
+    if (IsParenthetical(line) || line.starts_with('~')) line.insert(line.begin(), '\\');
     mBytes += (line.empty() ? "  " : line) + "\n";
   }
   std::string read;
@@ -339,7 +344,7 @@ void FountainWriter::WriteTransition(const std::string& text) {
   std::string line = WithEscapes(text);
   const bool isNatural = IsNaturalTransition(line) && !HasMark(line) && !IsNaturalHeading(line) &&
                          !LooksLikeTitlePage(line, "");
-  if (!isNatural && line.ends_with('<')) line.insert(line.size() - 1, "\\");
+  if (!isNatural && line.ends_with('<')) line.insert(line.end() - 1, '\\');
   mBytes += (isNatural ? "" : "> ") + line + "\n";
 }
 
