@@ -51,7 +51,6 @@ void Check(const std::vector<Case>& cases) {
   }
 }
 
-constexpr const char* kLyrics = "lyrics are read as dialogue or action";
 constexpr const char* kEmphasis = "emphasis (italics, bold, underlining) is left out";
 
 TEST(FountainTest, HeadingsBeginScenes) {
