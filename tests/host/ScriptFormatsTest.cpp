@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <random>
@@ -113,7 +112,7 @@ TEST(ScriptFormatsTest, TheContentTellsTheFormatAndThenTheName) {
 }
 
 TEST(ScriptFormatsTest, TheDocumentsListAllFormats) {
-  std::ifstream file(std::filesystem::path(__FILE__).parent_path() / "../../docs/formats.md");
+  std::ifstream file(ZELSTORY_EXAMPLES_DIR "/../docs/formats.md");
   const std::string page(std::istreambuf_iterator<char>(file), {});
   for (const ScriptFormat& format : ScriptFormats()) {
     std::string extensions;
