@@ -5,6 +5,8 @@
 #include <zelcore/String.h>
 #include <zelstoryhost/Text.h>
 
+#include "UTF16.h"
+
 namespace zelstoryhost {
 
 std::string ToUTF8(std::u16string_view text) {
@@ -13,11 +15,7 @@ std::string ToUTF8(std::u16string_view text) {
 }
 
 std::string TextOf(const zelstoryparser::Paragraph& paragraph) {
-  std::string text;
-  for (const auto& run : paragraph.mTextRuns) {
-    if (run) text += ToUTF8(run->mText);
-  }
-  return text;
+  return ToUTF8(JoinedText(paragraph));
 }
 
 std::int64_t CountWords(const std::string& text) {

@@ -4,6 +4,8 @@
 
 #include <zelstoryhost/Story.h>
 
+#include "UTF16.h"
+
 namespace zelstoryhost {
 
 using namespace zelstoryparser;
@@ -56,14 +58,6 @@ std::vector<SceneComment> CommentsOf(const TavroStory& story) {
     }
   }
   return comments;
-}
-
-UTF16String JoinedText(const Paragraph& paragraph) {
-  UTF16String text;
-  for (const auto& run : paragraph.mTextRuns) {
-    if (run) text += run->mText;
-  }
-  return text;
 }
 
 }  // namespace zelstoryhost

@@ -20,7 +20,4 @@ struct SceneComment {
 // the identifier of the comment's scene, up to "-comments-", or else its number.
 std::vector<SceneComment> CommentsOf(const zelstoryparser::TavroStory& story);
 
-// What a paragraph says: the texts of its runs, joined.
-zelcore::UTF16String JoinedText(const zelstoryparser::Paragraph& paragraph);
-
 }  // namespace zelstoryhost

@@ -12,7 +12,7 @@
 
 #include "LowerCase.h"
 #include "formats/ContentDetection.h"
-#include "script/OpenedScript.h"
+#include "script/OpenScript.h"
 
 namespace zelstoryhost {
 namespace {

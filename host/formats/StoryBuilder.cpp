@@ -1,9 +1,10 @@
 #include "formats/StoryBuilder.h"
 
-#include <array>
+#include <algorithm>
 #include <utility>
 
 #include <zelcore/String.h>
+#include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
 
 namespace zelstoryhost {
@@ -86,12 +87,6 @@ void StoryBuilder::Add(ParagraphElementType kind, std::string_view text) {
   AddRun(*mScene->mParagraphs.back(), text);
 }
 
-void StoryBuilder::Add(ParagraphElementType kind, const std::vector<std::string>& runs) {
-  if (!mScene) BeginScene("");
-  mScene->mParagraphs.push_back(MakeParagraph(kind));
-  for (const std::string& run : runs) AddRun(*mScene->mParagraphs.back(), run);
-}
-
 std::size_t StoryBuilder::StreamOf(std::string_view name, std::string_view author) {
   auto& streams = mStory->mDocument->mCommentStreams;
   const auto [known, isNew] =
@@ -159,6 +154,13 @@ boost::intrusive_ptr<TavroStory> StoryBuilder::Finish() {
   }
   PlaceComments();
   return mStory;
+}
+
+bool HasForeignIdentifiers(const TavroStory& story) {
+  return std::ranges::any_of(BodyScenes(story), [](const auto& scene) {
+    const UTF16String id = scene ? scene->mObjectID.AsString() : UTF16String();
+    return !id.empty() && !id.starts_with(u"scene-");
+  });
 }
 
 }  // namespace zelstoryhost

@@ -32,12 +32,8 @@ class StoryBuilder {
   // Begins a scene. What is added before the first one begins a scene without a number.
   void BeginScene(std::string_view number);
 
-  // Adds a paragraph to the scene, with one text run or several.
+  // Adds a paragraph of one text run to the scene.
   void Add(zelstoryparser::ParagraphElementType kind, std::string_view text);
-  void Add(zelstoryparser::ParagraphElementType kind, const std::vector<std::string>& runs);
-
-  // Whether the scene, if there is one, has a paragraph.
-  bool HasParagraphs() const { return mScene && !mScene->mParagraphs.empty(); }
 
   // The current scene; null before the first.
   zelstoryparser::Scene* CurrentScene() const { return mScene.get(); }
@@ -68,5 +64,8 @@ class StoryBuilder {
   std::map<std::pair<std::string, std::string>, std::size_t> mStreams;  // by name and author
   std::map<std::string, int> mIdentifiers;  // of scenes, with the number of the last twin
 };
+
+// Whether a scene of the body has an identifier that is none of those that StoryBuilder makes.
+bool HasForeignIdentifiers(const zelstoryparser::TavroStory& story);
 
 }  // namespace zelstoryhost

@@ -6,6 +6,8 @@
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Text.h>
 
+#include "UTF16.h"
+
 namespace zelstoryhost {
 namespace {
 
@@ -44,18 +46,6 @@ std::u16string UnitsOf(std::string_view bytes, ByteOrder order) {
     units += static_cast<char16_t>(upper << 8 | lower);
   }
   return units;
-}
-
-// The number of code units before the first surrogate without its partner; all, if there is none.
-std::size_t LengthOfWellFormed(std::u16string_view units) {
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    if (units[i] < 0xD800 || units[i] > 0xDFFF) continue;
-    const bool isPair = units[i] < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
-                        units[i + 1] <= 0xDFFF;
-    if (!isPair) return i;
-    ++i;
-  }
-  return units.size();
 }
 
 std::string FromUTF16(std::string_view bytes, ByteOrder order, const std::string& source) {

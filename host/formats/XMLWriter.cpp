@@ -5,22 +5,14 @@
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Text.h>
 
+#include "UTF16.h"
+
 namespace zelstoryhost {
 namespace {
 
-constexpr bool IsSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit <= 0xDFFF;
-}
-
-// The length, in code units, of the character of XML 1.0 that a text begins with; 0 for what is
-// none.
-std::size_t LengthOfCharacter(std::u16string_view text) {
-  const char16_t unit = text.front();
-  if (!IsSurrogate(unit)) {
-    return (unit >= 0x20 && unit < 0xFFFE) || unit == '\t' || unit == '\n' || unit == '\r' ? 1 : 0;
-  }
-  const bool isPair = unit < 0xDC00 && text.size() > 1 && text[1] >= 0xDC00 && text[1] <= 0xDFFF;
-  return isPair ? 2 : 0;
+// Whether XML 1.0 can hold a character of one code unit.
+constexpr bool IsXMLCharacter(char16_t unit) {
+  return (unit >= 0x20 && unit < 0xFFFE) || unit == '\t' || unit == '\n' || unit == '\r';
 }
 
 // What stands for a character that would be read as something else; empty for the others. Line
@@ -108,7 +100,7 @@ void XMLWriter::Append(std::u16string_view text, bool isAttribute) {
   std::size_t i = 0;
   while (i < text.size()) {
     const std::size_t length = LengthOfCharacter(text.substr(i));
-    if (length == 0) {
+    if (length == 0 || !IsXMLCharacter(text[i])) {
       throw Error(mDocument, std::nullopt, "XML cannot hold the character " + CodePoint(text[i]),
                   mPlace.Describe());
     }

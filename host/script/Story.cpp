@@ -1,8 +1,5 @@
-#include <cerrno>
 #include <fstream>
 #include <istream>
-#include <new>
-#include <system_error>
 #include <utility>
 
 #include <zelcore/xml/Reader.h>
@@ -10,7 +7,7 @@
 #include <zelstoryhost/Text.h>
 #include <zelstoryparser/StoryParser.h>
 
-#include "script/OpenedScript.h"
+#include "script/OpenScript.h"
 #include "script/StoryPlace.h"
 
 namespace zelstoryhost {
@@ -68,18 +65,6 @@ class LocatingParser : public zelstoryparser::StoryParser {
 };
 
 }  // namespace
-
-std::optional<std::string> OpenScript(const fs::path& file, std::ifstream& stream) {
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (error) return error.message();
-  if (fs::is_directory(status)) return "is a directory";
-  if (!fs::is_regular_file(status)) return "is not a regular file";
-  stream.open(file, std::ios::binary);
-  if (!stream && errno == ENOMEM) throw std::bad_alloc();
-  if (!stream) return std::generic_category().message(errno);
-  return std::nullopt;
-}
 
 StoryResult ReadStory(const fs::path& file) {
   std::ifstream stream;

@@ -28,7 +28,8 @@ struct TreeOptions {
   int mMostScenes = 4;
   int mMostParagraphs = 4;
   int mMostRuns = 3;
-  bool mAreScenesHeaded = false;  // each begins with its only heading
+  // Each scene begins with its only heading, no paragraph is empty, and all dialogue has its cue.
+  bool mIsPlain = false;
   bool mHasMetadata = true;
   bool mHasAllMembers = false;  // also identifiers, headers, durations, tags
 };
@@ -91,14 +92,16 @@ class TreeGenerator {
 
   ScenePtr MakeScene() {
     ScenePtr scene(new zelstoryparser::Scene);
-    scene->mObjectID = Utf16("scene" + std::to_string(++mLastID));
+    scene->mObjectID = Utf16("scene-" + std::to_string(++mLastID));
     if (UpTo(1) == 1) scene->mSceneNumber = Utf16(std::to_string(mLastID) + "A");
-    if (mOptions.mAreScenesHeaded) AddParagraph(*scene, zelstoryparser::kSceneHeading);
+    if (mOptions.mIsPlain) AddParagraph(*scene, zelstoryparser::kSceneHeading);
     for (int i = UpTo(mOptions.mMostParagraphs); i > 0; --i) {
       const std::int32_t kind = mOptions.mKinds[mRandom() % mOptions.mKinds.size()];
       const bool isHeading = kind == zelstoryparser::kSceneHeading;
-      if (isHeading && mOptions.mAreScenesHeaded) continue;
+      if (isHeading && mOptions.mIsPlain) continue;
       AddParagraph(*scene, kind);
+      const bool isCue = mOptions.mIsPlain && kind == zelstoryparser::kCharacter;
+      if (isCue) AddParagraph(*scene, zelstoryparser::kDialog);
       if (isHeading && mOptions.mHasAllMembers) scene->mShotDuration = u"0:01:30";
     }
     return scene;
@@ -109,6 +112,7 @@ class TreeGenerator {
     paragraph->mElementType = kind;
     paragraph->mObjectID = ID("paragraph");
     for (int i = UpTo(mOptions.mMostRuns); i > 0; --i) AddRun(*paragraph, Text(4));
+    if (mOptions.mIsPlain) AddRun(*paragraph, "x");
   }
 
   void AddRun(zelstoryparser::Paragraph& paragraph, const std::string& text) {

@@ -183,6 +183,8 @@ TEST_F(StoryCommandsTest, ScriptsOfAllFormatsAreTaken) {
       Printed("zelstory write a.fountain c.xmp --scene 1 2>/dev/null | wc -l; zelstory has "
               "c.xmp; zelstory report a.fountain --html - 2>/dev/null | grep -c '>Two words<'"),
       "7\nyes\n2\n");
+  EXPECT_EQ(Printed("echo old >o; ln o p; zelstory convert b o --to fountain --force; cat p"),
+            "old\n");
 }
 
 TEST_F(StoryCommandsTest, DumpWritesIntoTheTemporaryFolder) {

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "LowerCase.h"
-#include "formats/fdx/Lines.h"
+#include "formats/Lines.h"
 
 namespace zelstoryhost {
 namespace {

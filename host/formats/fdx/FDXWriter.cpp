@@ -4,13 +4,14 @@
 #include <zelstoryhost/FDX.h>
 #include <zelstoryhost/Text.h>
 
+#include "UTF16.h"
 #include "formats/FindingList.h"
+#include "formats/Lines.h"
 #include "formats/SceneComments.h"
 #include "formats/StoryBuilder.h"
 #include "formats/XMLWriter.h"
 #include "formats/fdx/FDXElements.h"
 #include "formats/fdx/FDXTitlePage.h"
-#include "formats/fdx/Lines.h"
 
 namespace zelstoryhost {
 namespace {
@@ -42,12 +43,6 @@ bool HasText(const Stream* stream) {
   return stream != nullptr && stream->mSection &&
          std::ranges::any_of(stream->mSection->mScenes,
                              [](const auto& scene) { return scene && HasText(*scene); });
-}
-
-// Whether an identifier is none of those that StoryBuilder makes.
-bool IsForeign(const ObjectID& id) {
-  const UTF16String text = id.AsString();
-  return !text.empty() && !text.starts_with(u"scene-");
 }
 
 class FDXWriter {
@@ -289,10 +284,9 @@ void FDXWriter::FindLosses(const TavroStory& story) {
   if (HasText(story.mDocument->mFooterStream.get())) {
     Find(Severity::kWarning, "the footer has no place in FDX");
   }
-  const bool hasIdentifiers = std::ranges::any_of(
-      BodyScenes(story), [](const auto& scene) { return scene && IsForeign(scene->mObjectID); });
-  if (hasIdentifiers)
+  if (HasForeignIdentifiers(story)) {
     Find(Severity::kNote, "identifiers have no place in FDX; reading makes new ones");
+  }
 }
 
 }  // namespace

@@ -70,6 +70,7 @@ StoryResult FountainReader::Read() {
   const TitlePage titlePage = ReadTitlePage(mText, mFindings);
   mBuilder.Story().mMetaData = zelcore::utility::UTF8to16(titlePage.mMetadata);
   mNext = titlePage.mLines;
+  mHasEmphasis = titlePage.mHasEmphasis;
   while (!IsAtEnd()) {
     if (IsBlank(Line())) {
       ++mNext;
@@ -170,7 +171,7 @@ bool FountainReader::TakeSpeech() {
       !IsLast() && (!IsBlank(mText.Line(mNext + 1)) || IsContinuation(mText.Line(mNext + 1)));
   if (!isForced && (!hasSpeech || HasMark(cue) || !IsNaturalCue(cue))) return false;
   if (isForced) cue.remove_prefix(1);
-  if (cue.ends_with('^') && !cue.ends_with("\\^")) {
+  if (EndsWith(cue, '^')) {
     cue.remove_suffix(1);
     Note("dual dialogue is read as one speech after the other");
   }
@@ -216,11 +217,13 @@ std::string_view FountainReader::LineOfAction(std::string_view line) {
 }
 
 void FountainReader::TakeAction() {
-  std::string text = Plain(LineOfAction(Line()));
-  for (++mNext; !IsAtEnd() && !IsBlank(Line()) && !IsOutline(Line()); ++mNext) {
-    (text += '\n') += Plain(LineOfAction(Line()));
-  }
-  if (text.find_first_not_of(" \n") != std::string::npos) Add(kAction, text);
+  std::string text;
+  do {
+    const std::string line = Plain(LineOfAction(Line()));
+    if (!IsBlank(line)) (text += text.empty() ? "" : "\n") += line;
+    ++mNext;
+  } while (!IsAtEnd() && !IsBlank(Line()) && !IsOutline(Line()));
+  if (!text.empty()) Add(kAction, text);
 }
 
 }  // namespace

@@ -57,11 +57,27 @@ bool IsEscaped(std::string_view text, std::size_t place) {
   return (place - (before == std::string_view::npos ? 0 : before + 1)) % 2 != 0;
 }
 
-bool EndsWith(std::string_view text, char c) {
-  return text.ends_with(c) && !IsEscaped(text, text.size() - 1);
+// A text in which nothing begins a note or a boneyard and, if wanted, nothing is a mark of
+// emphasis.
+std::string Escaped(std::string_view text, bool escapesFirst, bool escapesMarks) {
+  std::string line;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    const bool opensNote =
+        c == '[' && (text.substr(i + 1).starts_with('[') || (i > 0 && text[i - 1] == '['));
+    const bool opensBoneyard = c == '*' && i > 0 && text[i - 1] == '/';
+    const bool isMark = escapesMarks && (c == '*' || c == '_' || c == '\\');
+    if (opensNote || opensBoneyard || isMark || (escapesFirst && i == 0)) line += '\\';
+    line += c;
+  }
+  return line;
 }
 
 }  // namespace
+
+bool EndsWith(std::string_view text, char c) {
+  return text.ends_with(c) && !IsEscaped(text, text.size() - 1);
+}
 
 std::string_view TrimEnd(std::string_view text) {
   const std::size_t last = text.find_last_not_of(' ');
@@ -78,9 +94,9 @@ bool IsBlank(std::string_view line) {
 }
 
 bool IsEscapable(std::string_view text) {
-  if (text.empty()) return false;
-  if (IsASCII(text[0])) return text[0] > ' ' && text[0] != '\x7F' && !IsASCIILetterOrDigit(text[0]);
-  return !IsLetterOrDigit(FirstCharacter(text).mValue);
+  constexpr std::string_view kWhiteSpace = " \t\n\f";
+  return !text.empty() && kWhiteSpace.find(text[0]) == std::string_view::npos &&
+         !BeginsWithLetterOrDigit(text);
 }
 
 bool IsNaturalHeading(std::string_view line) {
@@ -176,20 +192,11 @@ bool IsKnownTitleKey(std::string_view key) {
   return std::ranges::find(kKeys, LowerCase(std::string(Trim(key)))) != kKeys.end();
 }
 
-std::string WithEscapes(std::string_view text) {
+std::string WithEscapes(std::string_view text, bool escapesFirst) {
+  // The backslash of one escape can turn the marks beside it into emphasis, so the result is read.
+  std::string line = Escaped(text, escapesFirst, false);
   bool found = false;
-  const bool hasMarks = WithoutMarks(text, found) != text;
-  std::string line;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    const bool opensNote =
-        c == '[' && (text.substr(i + 1).starts_with('[') || (i > 0 && text[i - 1] == '['));
-    const bool opensBoneyard = c == '*' && i > 0 && text[i - 1] == '/';
-    const bool isMark = hasMarks && (c == '*' || c == '_' || c == '\\');
-    if (opensNote || opensBoneyard || isMark) line += '\\';
-    line += c;
-  }
-  return line;
+  return WithoutMarks(line, found) == text ? line : Escaped(text, escapesFirst, true);
 }
 
 }  // namespace zelstoryhost::fountain

@@ -15,8 +15,11 @@ std::string_view TrimEnd(std::string_view text);
 bool IsBlank(std::string_view line);
 
 // Whether a backslash before the text's first character would make it stand for itself. Letters,
-// digits and blanks cannot be escaped.
+// digits and white space cannot be escaped.
 bool IsEscapable(std::string_view text);
+
+// Whether a text ends with a character that no backslash escapes.
+bool EndsWith(std::string_view text, char c);
 
 // Scene headings by their first word: INT, EXT, EST, INT./EXT, INT/EXT, EXT/INT, I/E, in any case,
 // and a blank or a full stop. Emphasis may begin before it.
@@ -61,7 +64,7 @@ bool IsKnownTitleKey(std::string_view key);
 std::string WithoutMarks(std::string_view line, bool& found);
 
 // The opposite: a line that reads as `text` when its marks are removed, and in which nothing begins
-// a note or a boneyard.
-std::string WithEscapes(std::string_view text);
+// a note or a boneyard. `escapesFirst`: the first character is escaped in any case.
+std::string WithEscapes(std::string_view text, bool escapesFirst = false);
 
 }  // namespace zelstoryhost::fountain

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "formats/Lines.h"
 #include "formats/fountain/FountainSyntax.h"
 
 namespace zelstoryhost::fountain {
@@ -13,11 +14,7 @@ constexpr std::size_t kNone = std::string_view::npos;
 // The text of a note or boneyard, without the blanks that connect its paragraphs.
 std::string TextOfRemark(std::string_view inside) {
   std::string text;
-  while (!inside.empty()) {
-    const std::string_view line = inside.substr(0, inside.find('\n'));
-    inside.remove_prefix(std::min(line.size() + 1, inside.size()));
-    (text += TrimEnd(line)) += '\n';
-  }
+  ForEachLine(inside, [&text](std::string_view line) { (text += TrimEnd(line)) += '\n'; });
   text.erase(0, std::min(text.find_first_not_of(" \n"), text.size()));
   text.resize(text.find_last_not_of('\n') + 1);
   return text;
@@ -95,16 +92,13 @@ bool FountainText::TakeBoneyard() {
 
 // The place of the next empty line, which no note can contain. A line of two blanks is not empty.
 std::size_t FountainText::EndOfBlock() {
-  while (mBlockEnd != kNone && mBlockEnd <= mNext) {
-    const std::size_t lineEnd = mSource.find('\n', mNext);
-    std::size_t end = lineEnd;
-    while (end != kNone) {
-      const std::size_t next = mSource.find('\n', end + 1);
-      const std::string_view line = mSource.substr(end + 1, next == kNone ? kNone : next - end - 1);
-      if (line.empty() || line == " ") break;
-      end = next;
-    }
-    mBlockEnd = end;
+  if (mBlockEnd > mNext) return mBlockEnd;
+  mBlockEnd = mSource.find('\n', mNext);
+  while (mBlockEnd != kNone) {
+    const std::size_t next = mSource.find('\n', mBlockEnd + 1);
+    const std::string_view line = mSource.substr(mBlockEnd + 1, next - mBlockEnd - 1);
+    if (line.empty() || line == " ") break;
+    mBlockEnd = next;
   }
   return mBlockEnd;
 }

@@ -1,12 +1,12 @@
 #include <algorithm>
-#include <array>
-#include <sstream>
 #include <utility>
 
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/Fountain.h>
 #include <zelstoryhost/Text.h>
 
+#include "UTF16.h"
+#include "formats/Lines.h"
 #include "formats/SceneComments.h"
 #include "formats/StoryBuilder.h"
 #include "formats/fountain/FountainSyntax.h"
@@ -21,8 +21,8 @@ using namespace zelstoryparser;
 
 std::vector<std::string> SplitLines(const std::string& text) {
   std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(std::move(line));
+  ForEachLine(std::string_view(text),
+              [&lines](std::string_view line) { lines.emplace_back(line); });
   return lines;
 }
 
@@ -87,11 +87,11 @@ class FountainWriter {
   }
 
   void NoteBlanks() {
-    Note(Severity::kNote,
+    Find(Severity::kNote,
          "blanks at the ends of lines, empty lines and tabs are not kept as they are");
   }
 
-  void Note(Severity severity, const std::string& text) {
+  void Find(Severity severity, const std::string& text) {
     mFindings.Add(severity, text, std::nullopt, mPlace.Describe());
   }
 
@@ -132,7 +132,7 @@ std::vector<std::vector<Comment>> FountainWriter::CommentsByScene(const TavroSto
   std::vector<std::vector<Comment>> comments(sceneCount);
   for (const SceneComment& comment : CommentsOf(story)) {
     if (!comment.mScene) {
-      Note(Severity::kWarning, sceneCount == 0 ? "comments without any scene are left out"
+      Find(Severity::kWarning, sceneCount == 0 ? "comments without any scene are left out"
                                                : "comments of no scene go to the last one");
     }
     if (sceneCount == 0) continue;
@@ -146,30 +146,33 @@ std::vector<std::vector<Comment>> FountainWriter::CommentsByScene(const TavroSto
 void FountainWriter::ReportRest(const TavroStory& story) {
   const bool hasLabels =
       !story.mTags.empty() || !story.mDocumentType.empty() || !story.mTemplate.empty();
-  if (hasLabels) Note(Severity::kNote, "Fountain has no place for tags, document type, template");
+  if (hasLabels) Find(Severity::kNote, "Fountain has no place for tags, document type, template");
+  if (HasForeignIdentifiers(story)) {
+    Find(Severity::kNote, "identifiers have no place in Fountain; reading makes new ones");
+  }
   if (!story.mDocument) return;
   const bool hasMargins = story.mDocument->mHeaderStream || story.mDocument->mFooterStream;
-  if (hasMargins) Note(Severity::kWarning, "Fountain has no headers and footers");
+  if (hasMargins) Find(Severity::kWarning, "Fountain has no headers and footers");
 }
 
 void FountainWriter::WriteScene(const Scene& scene, const std::vector<Comment>& comments,
                                 bool isLast) {
   mPlace.EnterScene(ToUTF8(scene.mSceneNumber));
   const bool isKept = HasText(scene) || (!comments.empty() && !mHasScene && isLast);
-  if (!isKept) Note(Severity::kWarning, "a scene without text is left out");
+  if (!isKept) Find(Severity::kWarning, "a scene without text is left out");
   if (!isKept && comments.empty()) return;
   WriteSections(comments);
   const bool hasHeading = !scene.mParagraphs.empty() && scene.mParagraphs.front() &&
                           scene.mParagraphs.front()->mElementType == kSceneHeading &&
                           !OneLine(TextOf(*scene.mParagraphs.front())).empty();
   if (!hasHeading && mHasScene) {
-    Note(Severity::kWarning, "a scene without a heading joins the one before");
+    Find(Severity::kWarning, "a scene without a heading joins the one before");
   }
   if (!hasHeading && !scene.mSceneNumber.empty()) {
-    Note(Severity::kWarning, "a scene without a heading has no number");
+    Find(Severity::kWarning, "a scene without a heading has no number");
   }
   mHasScene = true;
-  if (!scene.mShotDuration.empty()) Note(Severity::kNote, "Fountain has no durations");
+  if (!scene.mShotDuration.empty()) Find(Severity::kNote, "Fountain has no durations");
   if (!hasHeading) WriteComments(comments);
   for (std::size_t i = 0; i < scene.mParagraphs.size(); ++i) {
     WriteParagraph(scene, i);
@@ -193,7 +196,7 @@ void FountainWriter::WriteSections(const std::vector<Comment>& comments) {
 // Comments stand below the heading, each on lines of its own.
 void FountainWriter::WriteComments(const std::vector<Comment>& comments) {
   for (const Comment& comment : comments) {
-    if (!comment.mAuthor.empty()) Note(Severity::kNote, "Fountain has no authors of comments");
+    if (!comment.mAuthor.empty()) Find(Severity::kNote, "Fountain has no authors of comments");
     if (comment.mStream == kSections) continue;
     if (comment.mStream == kSynopses) {
       const std::string text = OneLine(comment.mText);
@@ -208,13 +211,13 @@ void FountainWriter::WriteComments(const std::vector<Comment>& comments) {
 
 void FountainWriter::WriteRemark(const Comment& comment, bool isBoneyard) {
   if (!isBoneyard && comment.mStream != kNotes) {
-    Note(Severity::kNote, "comments of the stream '" + comment.mStream + "' become notes");
+    Find(Severity::kNote, "comments of the stream '" + comment.mStream + "' become notes");
   }
   const std::string_view open = isBoneyard ? "/*" : "[[";
   const std::string_view close = isBoneyard ? "*/" : "]]";
   std::string text = comment.mText;
   if (text.find(close) != std::string::npos) {
-    Note(Severity::kNote, "a comment has the mark that would end it; a blank parts it");
+    Find(Severity::kNote, "a comment has the mark that would end it; a blank parts it");
     ReplaceAll(text, close, std::string{close[0], ' ', close[1]});
   }
   ReplaceAll(text, "\n\n", "\n  \n");
@@ -226,7 +229,11 @@ void FountainWriter::WriteRemark(const Comment& comment, bool isBoneyard) {
 
 // The text of a paragraph with what Fountain's lines can hold.
 std::string FountainWriter::CleanTextOf(const Paragraph& paragraph) {
-  const std::string text = TextOf(paragraph);
+  const UTF16String units = JoinedText(paragraph);
+  if (LengthOfWellFormed(units) < units.size()) {
+    Find(Severity::kWarning, "half of a surrogate pair becomes U+FFFD");
+  }
+  const std::string text = ToUTF8(units);
   if (text.find('\0') != std::string::npos) {
     throw Error(mName, std::nullopt, "text cannot hold the character U+0000", mPlace.Describe());
   }
@@ -259,9 +266,9 @@ void FountainWriter::WriteParagraph(const Scene& scene, std::size_t index) {
   const Paragraph* const paragraph = scene.mParagraphs[index].get();
   const std::string text = paragraph == nullptr ? "" : CleanTextOf(*paragraph);
   if (CountWords(text) == 0) {
-    Note(Severity::kNote, "paragraphs without text are left out");
+    Find(Severity::kNote, "paragraphs without text are left out");
   } else if (paragraph->mElementType == kSceneHeading) {
-    if (index > 0) Note(Severity::kWarning, "a second heading begins a scene of its own");
+    if (index > 0) Find(Severity::kWarning, "a second heading begins a scene of its own");
     WriteHeading(Line(text), index == 0 ? ToUTF8(scene.mSceneNumber) : "");
   } else if (paragraph->mElementType == kCharacter) {
     WriteCue(Line(text), IsSpeech(scene, index + 1));
@@ -271,7 +278,7 @@ void FountainWriter::WriteParagraph(const Scene& scene, std::size_t index) {
     paragraph->mElementType == kDialog ? WriteDialogue(text) : WriteParenthetical(Line(text));
   } else {
     if (paragraph->mElementType != kAction) {
-      Note(Severity::kNote, NameOf(paragraph->mElementType) + " is written as action");
+      Find(Severity::kNote, NameOf(paragraph->mElementType) + " is written as action");
     }
     WriteAction(text);
   }
@@ -289,17 +296,15 @@ std::string FountainWriter::Line(const std::string& text) {
 void FountainWriter::WriteHeading(const std::string& text, const std::string& number) {
   BeginBlock();
   std::string line = WithEscapes(text);
+  const bool isNatural = IsNaturalHeading(line);
+  if (!isNatural && !IsForcedHeading("." + line)) line = WithEscapes(text, true);
   std::string_view withoutNumber = line;
   if (!TakeSceneNumber(withoutNumber).empty()) line.insert(line.end() - 1, '\\');
-  if (!IsNaturalHeading(line)) {
-    line.insert(0, IsForcedHeading("." + line) ? "." : ".\\");
-    if (!IsForcedHeading(line)) line.erase(1, 1);
-  }
-  mBytes += line;
+  (mBytes += isNatural ? "" : ".") += line;
   if (IsSceneNumber(number)) {
     mBytes += " #" + number + "#";
   } else if (!number.empty()) {
-    Note(Severity::kWarning, "a scene number can have letters, digits, - and . only");
+    Find(Severity::kWarning, "a scene number can have letters, digits, - and . only");
   }
   mBytes += '\n';
 }
@@ -316,7 +321,7 @@ void FountainWriter::WriteCue(const std::string& text, bool hasSpeech) {
 }
 
 void FountainWriter::WriteDialogue(const std::string& text) {
-  if (mIsAfterDialogue) Note(Severity::kNote, "dialogue that follows dialogue joins it");
+  if (mIsAfterDialogue) Find(Severity::kNote, "dialogue that follows dialogue joins it");
   mIsAfterDialogue = true;
   std::vector<std::string> lines = SplitLines(text);
   while (IsBlank(lines.back())) lines.pop_back();
@@ -332,7 +337,7 @@ void FountainWriter::WriteDialogue(const std::string& text) {
 
 void FountainWriter::WriteParenthetical(std::string text) {
   if (!IsParenthetical(text)) {
-    Note(Severity::kNote, "a parenthetical gets parentheses");
+    Find(Severity::kNote, "a parenthetical gets parentheses");
     text = "(" + text + ")";
   }
   mBytes += WithEscapes(text) + "\n";

@@ -1,7 +1,6 @@
 #include "formats/fountain/TitlePage.h"
 
-#include <sstream>
-
+#include "formats/Lines.h"
 #include "formats/fountain/FountainSyntax.h"
 
 namespace zelstoryhost::fountain {
@@ -37,32 +36,31 @@ TitlePage ReadTitlePage(const FountainText& text, FindingList& findings) {
   while (next < text.CountLines() && IsBlank(lineAt(next))) ++next;
   if (!BeginsWithTitlePage(lineAt(next), lineAt(next + 1))) return {};
   const std::size_t first = next;
-  bool hasEmphasis = false;
+  TitlePage page;
   bool hasKnownKey = false;
-  std::string metadata;
   for (; !IsBlank(lineAt(next)); ++next) {
     const auto key = TitleKeyIn(lineAt(next));
     hasKnownKey = hasKnownKey || (key && IsKnownTitleKey(*key));
-    if (!metadata.empty()) metadata += '\n';
-    metadata += LineOfMetadata(lineAt(next), hasEmphasis);
+    if (!page.mMetadata.empty()) page.mMetadata += '\n';
+    page.mMetadata += LineOfMetadata(lineAt(next), page.mHasEmphasis);
   }
   if (!hasKnownKey) {
     findings.Add(Severity::kNote, "the text up to the first empty line is taken for a title page",
                  zelcore::xml::Position{text.NumberOf(first), 1});
   }
-  return {metadata, next};
+  page.mLines = next;
+  return page;
 }
 
 std::string WriteTitlePage(const std::string& metadata, FindingList& findings) {
   std::string page;
-  std::istringstream lines(metadata);
-  for (std::string line; std::getline(lines, line);) {
-    if (IsBlank(line)) continue;
+  ForEachLine(std::string_view(metadata), [&page](std::string_view line) {
+    if (IsBlank(line)) return;
     const bool hasKey = TitleKeyIn(line).has_value();
     if (page.empty() && !hasKey) page += "Notes:\n";
     if (!hasKey) page += kIndent;
     (page += WithEscapes(Trim(line))) += '\n';
-  }
+  });
   FindingList unused;
   if (ReadTitlePage(FountainText(page, unused), unused).mMetadata != metadata) {
     findings.Add(Severity::kNote, "the metadata text is no title page as Fountain has it",

@@ -14,6 +14,7 @@ namespace zelstoryhost::fountain {
 struct TitlePage {
   std::string mMetadata;
   std::size_t mLines = 0;  // of the script; 0 if it does not begin with a title page
+  bool mHasEmphasis = false;
 };
 
 TitlePage ReadTitlePage(const FountainText& text, FindingList& findings);

@@ -44,7 +44,7 @@ void WriteOutput(const std::string& output, const std::string& bytes, bool force
     return;
   }
   const FileEntry file{fs::path(output)};
-  force ? file.Replace(bytes, zelstoryhost::HardLinks::kRefuse) : file.Create(bytes);
+  force ? file.Replace(bytes, zelstoryhost::HardLinks::kPart) : file.Create(bytes);
   CountWrittenFile();
 }
 
