@@ -1,6 +1,8 @@
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -30,6 +32,7 @@ void WriteDumpFile(const UTF16String& path, const std::string& packet) {
   const zelcore::UTF8String name = zelcore::utility::UTF16to8(path);
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(name.c_str(), "wx"),
                                                                std::fclose);
+  if (!stream && errno == ENOMEM) throw std::bad_alloc();
   if (stream) std::fwrite(packet.data(), 1, packet.size(), stream.get());
 }
 

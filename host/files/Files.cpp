@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <istream>
 #include <utility>
 
@@ -40,10 +41,10 @@ void ReplaceFile(const fs::path& file, const std::string& bytes, HardLinks hardL
 std::string ReadStream(std::istream& stream, const std::string& name) {
   std::string bytes;
   while (stream) {
-    constexpr std::size_t kPiece = 1u << 20;
     const std::size_t before = bytes.size();
-    bytes.resize(before + kPiece);
-    stream.read(bytes.data() + before, kPiece);
+    const std::size_t piece = std::clamp<std::size_t>(before, 1u << 14, 1u << 20);
+    bytes.resize(before + piece);
+    stream.read(bytes.data() + before, static_cast<std::streamsize>(piece));
     bytes.resize(before + static_cast<std::size_t>(stream.gcount()));
     if (bytes.size() > kLargestFile) throw Error(name, "is larger than 1 GiB");
   }

@@ -19,9 +19,10 @@ namespace zelstoryparser {
 // link is not followed.
 //
 // Returns false only for a null story, with a text that says so. A story without a document returns
-// true and leaves `text` unchanged. A file that cannot be opened or written is skipped silently.
-// Throws the XMP_Error of GetSceneXMP, and std::filesystem::filesystem_error if there is no
-// temporary folder or an entry cannot be removed; `text` then keeps what it held at that moment.
+// true and leaves `text` unchanged. A file that cannot be opened or written is skipped silently,
+// unless memory is what was missing. Throws std::bad_alloc, the XMP_Error of GetSceneXMP, and
+// std::filesystem::filesystem_error if there is no temporary folder or an entry cannot be removed;
+// `text` then keeps what it held at that moment.
 //
 // Threads: do not run two dumps at the same time; they write the same files.
 ZELSTORYPARSER_API bool TraverseStory(boost::intrusive_ptr<TavroStory> story, UTF16String& text);

@@ -3,7 +3,7 @@
 #include <random>
 #include <sstream>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <zelstoryhost/ScriptFormats.h>
 #include <zelstoryhost/StoryJSON.h>
@@ -14,6 +14,8 @@
 namespace {
 
 using namespace zelstoryhost;
+using testing::Each;
+using testing::HasSubstr;
 
 std::string JSON(const zelstoryparser::TavroStory& story) {
   std::ostringstream text;
@@ -111,18 +113,28 @@ TEST(ScriptFormatsTest, TheContentTellsTheFormatAndThenTheName) {
   }
 }
 
+std::string Page(const std::string& path) {
+  std::ifstream file(ZELSTORY_EXAMPLES_DIR "/../" + path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 TEST(ScriptFormatsTest, TheDocumentsListAllFormats) {
-  std::ifstream file(ZELSTORY_EXAMPLES_DIR "/../docs/formats.md");
-  const std::string page(std::istreambuf_iterator<char>(file), {});
+  const std::string page = Page("docs/formats.md");
+  const std::string texts[] = {Page("tools/zelstory/zelstory.1"),
+                               Page("tools/zelstory/completions/_zelstory"),
+                               Page("tools/zelstory/completions/zelstory.bash"),
+                               Page("tools/zelstory/completions/zelstory.fish")};
   for (const ScriptFormat& format : ScriptFormats()) {
     std::string extensions;
     for (const auto& extension : format.mExtensions) {
       extensions += (extensions.empty() ? "`" : ", `") + std::string(extension) + "`";
       EXPECT_EQ(FormatOfName("a" + std::string(extension)), &format);
+      EXPECT_THAT(texts, Each(HasSubstr(extension.substr(1))));
     }
     const std::string row = "| " + std::string(format.mTitle) + " | `" + std::string(format.mName) +
                             "` | " + extensions + " |\n";
     EXPECT_NE(page.find(row), std::string::npos) << row;
+    EXPECT_THAT(texts, Each(HasSubstr(format.mName)));
     EXPECT_EQ(FindFormat(format.mName), &format);
   }
 }
