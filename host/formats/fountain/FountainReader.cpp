@@ -71,6 +71,7 @@ StoryResult FountainReader::Read() {
   mBuilder.Story().mMetaData = zelcore::utility::UTF8to16(titlePage.mMetadata);
   mNext = titlePage.mLines;
   mHasEmphasis = titlePage.mHasEmphasis;
+  AddRemarks();
   while (!IsAtEnd()) {
     if (IsBlank(Line())) {
       ++mNext;
@@ -79,7 +80,6 @@ StoryResult FountainReader::Read() {
     }
     AddRemarks();
   }
-  AddRemarks();
   AddPendingComments();
   if (mHasEmphasis) {
     mFindings.Add(Severity::kNote, "emphasis (italics, bold, underlining) is left out",
