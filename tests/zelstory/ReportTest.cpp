@@ -25,7 +25,8 @@ class ReportTest : public Scratch {
   // What a browser prints for a page: its document, unless another option is given.
   std::string InBrowser(const std::string& page, const std::string& option = "--dump-dom") const {
     const Outcome outcome =
-        Run("chromium --headless --no-sandbox --disable-gpu --user-data-dir=profile "
+        // The path of its socket has to be short.
+        Run("TMPDIR=/tmp chromium --headless --no-sandbox --disable-gpu --user-data-dir=profile "
             "--allow-file-access-from-files " +
             option + " file://$PWD/" + page);
     EXPECT_EQ(outcome.mStatus, 0) << outcome.mErrors;

@@ -171,10 +171,10 @@ bool FountainReader::TakeSpeech() {
       !IsLast() && (!IsBlank(mText.Line(mNext + 1)) || IsContinuation(mText.Line(mNext + 1)));
   if (!isForced && (!hasSpeech || HasMark(cue) || !IsNaturalCue(cue))) return false;
   if (isForced) cue.remove_prefix(1);
-  if (EndsWith(cue, '^')) {
-    cue.remove_suffix(1);
-    Note("dual dialogue is read as one speech after the other");
-  }
+  const bool isDual = EndsWith(cue, '^');
+  if (isDual) cue.remove_suffix(1);
+  if (IsBlank(cue)) return false;
+  if (isDual) Note("dual dialogue is read as one speech after the other");
   Add(kCharacter, Plain(Trim(cue)));
   ++mNext;
   if (hasSpeech) TakeSpeechLines();
