@@ -12,10 +12,12 @@ namespace zelstoryhost {
 ZELSTORYHOST_API Table ListScenes(const zelstoryparser::TavroStory& story);
 
 // One row per character, in order of appearance: name, speeches, words spoken, the first and the
-// last scene with a speech, and all of them, as SceneName has them.
+// last scene with a speech, all of them, as SceneName has them, and the extensions of the name. Who
+// is one character, and what an extension is, says Speaker.
 ZELSTORYHOST_API Table ListCharacters(const zelstoryparser::TavroStory& story);
 
-// One row per kind of paragraph with its number and words, after the scenes and before the total.
+// One row per kind of paragraph with its number and words, after the scenes and before the total;
+// at the end the number of characters who speak.
 ZELSTORYHOST_API Table ListCounts(const zelstoryparser::TavroStory& story);
 
 }  // namespace zelstoryhost

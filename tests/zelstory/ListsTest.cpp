@@ -28,11 +28,12 @@ TEST_F(ListsTest, AreAlignedForPeople) {
             "       2                                         -0:01:05         1           1\n"
             "       3                                                          2           2\n");
   EXPECT_EQ(Tool("characters -", kStory).mOutput,
-            "character  speeches  words  first  last  scenes\n"
-            "ANNA              3      6  1A     #3    1A #3\n"
-            "(A VOICE)         2      2  #2     #3    #2-#3\n");
+            "character  speeches  words  first  last  extensions          scenes\n"
+            "ANNA              3      6  1A     #3    O.S.; V.O.; CONT'D  1A #3\n"
+            "(A VOICE)         2      2  #2     #3                        #2-#3\n");
   EXPECT_THAT(Tool("stats -", kStory).mOutput,
-              HasSubstr("\nunknown            1      1\nparagraphs        13     25\n"));
+              HasSubstr("\nunknown                  1      1\nparagraphs              13     25\n"
+                        "speaking characters      2\n"));
 }
 
 // One long text pads no other row, and fills no other list.
@@ -46,7 +47,7 @@ TEST_F(ListsTest, LongTextsStayInTheirRow) {
   EXPECT_THAT(Tool("scenes -", story).mOutput,
               AllOf(HasSubstr("INT      " + text + "  DAY "),
                     HasSubstr("INT      Y" + std::string(59, ' ') + "  DAY ")));
-  EXPECT_THAT(Tool("characters -", story).mOutput, HasSubstr("  1  #1     #1    #1\n"));
+  EXPECT_THAT(Tool("characters -", story).mOutput, HasSubstr("  1  #1     #1                #1\n"));
   EXPECT_THAT(Tool("show - --scene 1", story).mErrors,
               HasSubstr(text.substr(0, 60) + "...\": use"));
 }
@@ -61,6 +62,9 @@ TEST_F(ListsTest, AreReadByPrograms) {
   EXPECT_TRUE(nlohmann::json::parse(printed)[2]["duration"].is_null());
   const auto people = nlohmann::json::parse(Tool("characters - --json", kStory).mOutput);
   EXPECT_EQ(people[0]["scenes"], nlohmann::json({"1A", "#3"}));
+  EXPECT_EQ(people[0]["extensions"], nlohmann::json({"O.S.", "V.O.", "CONT'D"}));
+  EXPECT_THAT(Tool("characters - --csv", kStory).mOutput,
+              HasSubstr(",last,scenes,extensions\r\nANNA,3,6,1A,#3,1A #3,O.S.; V.O.; CONT'D\r\n"));
   EXPECT_EQ(nlohmann::json::parse(Tool("stats - --json", kStory).mOutput)[0]["count"], 3);
 }
 

@@ -59,9 +59,9 @@ void AddList(CommandLine& tool, const char* name, const char* description,
       .Excludes(csv);
   command.SetFooter(
       columns +
-      "\nOn a terminal, cells of more than 60 columns, except in the last one, are cut "
+      "\nOn a terminal, cells of more than 60 columns, except lists of scenes, are cut "
       "and end\n"
-      "with an ellipsis; other output has them whole.\n"
+      "with an ellipsis, unless they are in the last column; other output has them whole.\n"
       "Exit status: 0 done, 1 refused, 2 wrong usage.");
   command.SetAction([options, lister] { return List(*options, lister); });
 }
@@ -76,12 +76,14 @@ void AddListCommands(CommandLine& tool) {
       ListScenes);
   AddList(
       tool, "characters", "List who speaks, how much, and where",
-      "Columns: character, speeches, words, first and last scene, all scenes, by their numbers;\n"
+      "Columns: character, speeches, words, first and last scene, all scenes, by their numbers,\n"
+      "and the extensions of the name; CSV and JSON have these last.\n"
       "#3 is the scene at position 3, which has no number, or one of more than 60 bytes.\n"
-      "Parentheses after a name are ignored: ANNA (V.O.) is ANNA.",
+      "ANNA (V.O.), Anna and ANNA ^ are ANNA. ANNA/BEN and ANNA AND BEN are both of them if each\n"
+      "also speaks alone.",
       ListCharacters);
   AddList(tool, "stats", "Count scenes, paragraphs by kind, and words",
-          "Columns: what, count, words.", ListCounts);
+          "Columns: what, count, words. The last row counts the characters who speak.", ListCounts);
 }
 
 }  // namespace zelstory
