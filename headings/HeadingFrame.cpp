@@ -79,8 +79,7 @@ class FrameFinder {
   // A number at the beginning counts if a setting follows: 12A INT., SCENE 12: INT.
   TokenRange LeadingNumber() {
     const std::size_t begin = mRest.mBegin;
-    const std::size_t word =
-        MatchSpelling(mTables, mTokens, begin, mRest.mEnd, kSceneWord).mEnd;
+    const std::size_t word = MatchSpelling(mTables, mTokens, begin, mRest.mEnd, kSceneWord).mEnd;
     std::size_t number = std::max(begin, word);
     while (word > 0 && Is(number, TokenKind::kStop)) ++number;
     const std::size_t end = EndOfNumber(number);
@@ -132,18 +131,24 @@ class FrameFinder {
     return end == mRest.mEnd || !Is(end, TokenKind::kWord);
   }
 
+  bool BeginsPart(std::size_t at) const {
+    return Is(at - 1, TokenKind::kSeparator) || Is(at - 1, TokenKind::kColon) ||
+           Is(at - 1, TokenKind::kClose);
+  }
+
   // A setting inside the heading begins a part of it, or only a time follows it.
   TokenRange SettingInside() const {
     TokenRange last;
-    for (std::size_t at = mRest.mBegin + 1; at < mRest.mEnd; ++at) {
+    for (std::size_t at = mRest.mBegin; at < mRest.mEnd; ++at) {
       if (Is(at, TokenKind::kOpen) && mTokens[at].mPartner != kNoPartner) {
         at = mTokens[at].mPartner;
         continue;
       }
+      if (at == mRest.mBegin) continue;
       const bool isBound = Is(at - 1, TokenKind::kHyphen) || Is(at - 1, TokenKind::kSlash);
       const std::size_t end = isBound ? 0 : EndOfSetting(at);
       if (end == 0) continue;
-      if (Is(at - 1, TokenKind::kSeparator) || Is(at - 1, TokenKind::kColon)) return {at, end};
+      if (BeginsPart(at)) return {at, end};
       last = {at, end};
       at = end - 1;
     }
@@ -179,7 +184,9 @@ class FrameFinder {
     };
     const auto leads = mTokens.begin() + static_cast<std::ptrdiff_t>(leading.mBegin);
     const auto ends = mTokens.begin() + static_cast<std::ptrdiff_t>(number);
-    const bool repeats = leading.mEnd > 0 && std::equal(ends, ends + static_cast<std::ptrdiff_t>(length), leads, isSame);
+    const bool repeats =
+        leading.mEnd > 0 &&
+        std::equal(ends, ends + static_cast<std::ptrdiff_t>(length), leads, isSame);
     if (!repeats && !IsLetteredBehindTime(begin, number)) return;
     Add(HeadingPartKind::kSceneNumber, number, mRest.mEnd);
     mRest.mEnd = number;

@@ -19,8 +19,8 @@ enum WordClass : unsigned {
   kSceneWord = 1u << 5,      // SCENE: announces a scene number
 };
 
-// The spellings of all languages, and the separators besides dashes. A spelling is a row of symbols:
-// its words, without case and accents, and slashes. Built once, then only read.
+// The spellings of all languages, and the separators besides dashes. A spelling is a row of
+// symbols: its words, without case and accents, and slashes. Built once, then only read.
 class HeadingTables {
  public:
   using Symbol = std::int32_t;

@@ -75,7 +75,7 @@ TokenKind KindOf(char32_t c) {
     TokenKind mKind;
   } kKinds[] = {
       {U".", TokenKind::kStop},   {U"/\\&+", TokenKind::kSlash}, {U",", TokenKind::kComma},
-      {U":", TokenKind::kColon},  {U"#", TokenKind::kHash},    {U"([", TokenKind::kOpen},
+      {U":", TokenKind::kColon},  {U"#", TokenKind::kHash},      {U"([", TokenKind::kOpen},
       {U")]", TokenKind::kClose},
   };
   for (const auto& row : kKinds) {
@@ -192,15 +192,14 @@ class Tokenizer {
 }  // namespace
 
 HeadingTokens TokensOf(std::u16string_view text, const HeadingTables& tables) {
-  return Tokenizer(text, tables, [&tables](const std::u32string& word) {
-           return tables.Find(word);
-         }).Run();
+  return Tokenizer(text, tables,
+                   [&tables](const std::u32string& word) { return tables.Find(word); })
+      .Run();
 }
 
 HeadingTokens TokensOfSpelling(std::u16string_view text, HeadingTables& tables) {
-  return Tokenizer(text, tables, [&tables](const std::u32string& word) {
-           return tables.Add(word);
-         }).Run();
+  return Tokenizer(text, tables, [&tables](const std::u32string& word) { return tables.Add(word); })
+      .Run();
 }
 
 }  // namespace zelstoryparser

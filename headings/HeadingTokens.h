@@ -32,7 +32,7 @@ struct HeadingToken {
   std::size_t mEnd = 0;
   HeadingTables::Symbol mSymbol = HeadingTables::kUnknown;  // of a word or a slash
   std::size_t mPartner = kNoPartner;  // the index of the other one of two parentheses
-  std::string mText;         // of a word that begins or ends with a digit: folded; '?' for no ASCII
+  std::string mText;  // of a word that begins or ends with a digit: folded; '?' for no ASCII
 };
 
 using HeadingTokens = std::vector<HeadingToken>;

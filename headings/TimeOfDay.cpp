@@ -48,7 +48,8 @@ bool IsNumberWord(std::string_view text) {
   return std::find(kEndings.begin(), kEndings.end(), ending) != kEndings.end();
 }
 
-// The end of minutes behind an hour, as in 10:30, 10:30:15 and 10:30pm; `hour` + 1 if there are none.
+// The end of minutes behind an hour, as in 10:30, 10:30:15 and 10:30pm; `hour` + 1 if there are
+// none.
 std::size_t EndOfMinutes(const HeadingTokens& tokens, std::size_t hour, TokenKind mark) {
   std::size_t end = hour + 1;
   while (IsKind(tokens, end, mark) && AreTight(tokens, end - 1) && AreTight(tokens, end) &&

@@ -235,8 +235,8 @@ class WordHeading {
     std::size_t places = 0;
     for (Segment& segment : mSegments) {
       const bool isBehind = !IsEmpty(mTime) && segment.mRange.mBegin > mTime.mBegin;
-      const bool isQualifier =
-          segment.mKind == SegmentKind::kNumber || (segment.mKind == SegmentKind::kPlace && isBehind);
+      const bool isQualifier = segment.mKind == SegmentKind::kNumber ||
+                               (segment.mKind == SegmentKind::kPlace && isBehind);
       if (places > 0 && isQualifier) segment.mKind = SegmentKind::kQualifier;
       if (segment.mKind == SegmentKind::kPlace) ++places;
     }
@@ -263,9 +263,8 @@ class WordHeading {
 
   ParsedHeading Parts() {
     ParsedHeading parsed;
-    std::sort(mPieces.begin(), mPieces.end(), [](const HeadingPiece& a, const HeadingPiece& b) {
-      return a.mBegin < b.mBegin;
-    });
+    std::sort(mPieces.begin(), mPieces.end(),
+              [](const HeadingPiece& a, const HeadingPiece& b) { return a.mBegin < b.mBegin; });
     for (const HeadingPiece& piece : mPieces) {
       const std::size_t begin = mTokens[piece.mBegin].mBegin;
       const std::size_t length = mTokens[piece.mEnd - 1].mEnd - begin;

@@ -37,9 +37,9 @@ ParsedHeading ParseExactly(const UTF16String& heading) {
               parsed.mSetting.size(), parsed.mIsSettingKnown},
              parsed.mParts);
   AppendPart({HeadingPartKind::kLocation, rest, location, false}, parsed.mParts);
-  AppendPart({HeadingPartKind::kTimeOfDay, time, parsed.mTimeOfDay.size(),
-              parsed.mIsTimeOfDayKnown},
-             parsed.mParts);
+  AppendPart(
+      {HeadingPartKind::kTimeOfDay, time, parsed.mTimeOfDay.size(), parsed.mIsTimeOfDayKnown},
+      parsed.mParts);
   return parsed;
 }
 

@@ -10,10 +10,10 @@
 #include <zelcore/String.h>
 #include <zelstoryparser/Export.h>
 
-// How scene headings are read. There are two kinds of rules. The exact rule knows seventeen settings
-// and splits at the first hyphen; metadata has always been written by it, and it is the default of
-// every operation. Rules of words know headings as people write them, in eleven languages or in
-// those of a file: docs/headings.md has both side by side.
+// How scene headings are read. There are two kinds of rules. The exact rule knows seventeen
+// settings and splits at the first hyphen; metadata has always been written by it, and it is the
+// default of every operation. Rules of words know headings as people write them, in eleven
+// languages or in those of a file: docs/headings.md has both side by side.
 namespace zelstoryparser {
 
 using zelcore::UTF16String;
@@ -93,10 +93,10 @@ struct HeadingPart {
 // The parts of a heading, as written and without blanks around them; a part that the heading does
 // not have is empty.
 struct ParsedHeading {
-  UTF16String mSetting;      // INT, P.O.V., INT./EXT; without a full stop at its end
-  UTF16String mLocation;     // HOUSE
-  UTF16String mSubLocation;  // KITCHEN; several are joined by " - "
-  UTF16String mTimeOfDay;    // NIGHT, DAY 2, 10:30
+  UTF16String mSetting;                  // INT, P.O.V., INT./EXT; without a full stop at its end
+  UTF16String mLocation;                 // HOUSE
+  UTF16String mSubLocation;              // KITCHEN; several are joined by " - "
+  UTF16String mTimeOfDay;                // NIGHT, DAY 2, 10:30
   std::vector<UTF16String> mQualifiers;  // MOVING, (FLASHBACK), in the order of the heading
   std::vector<HeadingPart> mParts;       // in order; each code unit is in exactly one of them
   bool mIsSettingKnown = false;          // found in a table, not guessed; false if empty

@@ -51,8 +51,7 @@ WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, TXMPMeta<std::strin
 // Likewise, with the heading's parts by `rules`, as CollectSceneText has them.
 [[nodiscard]] ZELSTORYPARSER_API UTF16String
 WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, const HeadingRules& rules,
-                          TXMPMeta<std::string>& xmp,
-                          std::vector<zelmetadata::Path>& changedPaths);
+                          TXMPMeta<std::string>& xmp, std::vector<zelmetadata::Path>& changedPaths);
 
 // Removes everything that WriteSceneMetadataIntoXMP may have written. Appends to `changedPaths` the
 // paths of sceneSetting, shotLocation, sceneTimeOfDay and action, whether they were present or not,
