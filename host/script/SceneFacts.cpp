@@ -8,6 +8,7 @@
 namespace zelstoryhost {
 namespace {
 
+using zelstoryparser::HeadingRules;
 using zelstoryparser::Scene;
 
 // The name without the parentheses after it: "(O.S.)", "(V.O.) (CONT'D)".
@@ -21,8 +22,8 @@ std::string CharacterOf(std::string name) {
   return name;
 }
 
-SceneFacts FactsOf(const Scene& scene, std::size_t position) {
-  const zelstoryparser::SceneText text = zelstoryparser::CollectSceneText(scene);
+SceneFacts FactsOf(const Scene& scene, std::size_t position, const HeadingRules& rules) {
+  const zelstoryparser::SceneText text = zelstoryparser::CollectSceneText(scene, rules);
   SceneFacts facts;
   facts.mPosition = position;
   facts.mNumber = ToUTF8(scene.mSceneNumber);
@@ -54,9 +55,12 @@ std::int64_t CountWords(const std::vector<SceneFacts>& scenes) {
   return count;
 }
 
-std::vector<SceneFacts> ReadSceneFacts(const zelstoryparser::TavroStory& story) {
+std::vector<SceneFacts> ReadSceneFacts(const zelstoryparser::TavroStory& story,
+                                       const HeadingRules& rules) {
   std::vector<SceneFacts> facts;
-  for (const auto& scene : BodyScenes(story)) facts.push_back(FactsOf(*scene, facts.size() + 1));
+  for (const auto& scene : BodyScenes(story)) {
+    facts.push_back(FactsOf(*scene, facts.size() + 1, rules));
+  }
   return facts;
 }
 

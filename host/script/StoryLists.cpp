@@ -28,11 +28,11 @@ std::vector<Cell> Row(Cells... cells) {
 
 }  // namespace
 
-Table ListScenes(const TavroStory& story) {
+Table ListScenes(const TavroStory& story, const zelstoryparser::HeadingRules& rules) {
   Table table{
       {"position", "number", "setting", "location", "time", "duration", "speeches", "characters"},
       {}};
-  for (const SceneFacts& scene : ReadSceneFacts(story)) {
+  for (const SceneFacts& scene : ReadSceneFacts(story, rules)) {
     std::set<std::string> characters;
     for (const Speech& speech : scene.mSpeeches) characters.insert(speech.mCharacter);
     table.mRows.push_back(Row(static_cast<std::int64_t>(scene.mPosition), scene.mNumber,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <zelstoryhost/Export.h>
+#include <zelstoryparser/HeadingRules.h>
 #include <zelstoryparser/StoryTree.h>
 
 // What lists and reports say about the scenes of a story's body and about who speaks in them. All
@@ -19,8 +20,8 @@ struct Speech {
   std::int64_t mWords = 0;
 };
 
-// One scene. Setting, location, time of day and duration are what GetSceneXMP would write, so that
-// lists and metadata agree.
+// One scene. Setting, location, time of day and duration are what GetSceneXMP would write by the
+// same rules, so that lists and metadata agree.
 struct SceneFacts {
   std::size_t mPosition = 0;  // from 1
   std::string mNumber;        // as the script has it; may be empty
@@ -45,8 +46,10 @@ struct CharacterFacts {
   std::vector<InScene> mScenes;  // those with a speech, in order
 };
 
-// The scenes of the body, in order.
-ZELSTORYHOST_API std::vector<SceneFacts> ReadSceneFacts(const zelstoryparser::TavroStory& story);
+// The scenes of the body, in order; `rules` say how their headings are read.
+ZELSTORYHOST_API std::vector<SceneFacts> ReadSceneFacts(
+    const zelstoryparser::TavroStory& story,
+    const zelstoryparser::HeadingRules& rules = zelstoryparser::ExactHeadingRules());
 
 // Who speaks in these scenes, in order of appearance.
 ZELSTORYHOST_API std::vector<CharacterFacts> ReadCharacterFacts(
