@@ -13,7 +13,7 @@ using zelstoryparser::HeadingRules;
 void HeadingOption::AddTo(Command& command) {
   command.AddText("--headings", mName, "RULES",
                   "How headings are read: common (words of eleven languages, the default),\n"
-                  "exact (what GetSceneXMP writes by itself), or a file of rules");
+                  "exact (what the library writes by itself), or a file of rules");
 }
 
 HeadingRules HeadingOption::Rules() const {
