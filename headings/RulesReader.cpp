@@ -15,6 +15,8 @@ namespace {
 // Refuses spellings that are sentences, so that matching takes linear time.
 constexpr std::size_t kMostWords = 8;
 
+constexpr std::size_t kNone = std::string_view::npos;
+
 constexpr struct {
   std::string_view mKey;
   WordClass mClass;
@@ -40,7 +42,7 @@ std::size_t LengthOfFirst(std::string_view text, char32_t& character) {
   return length > 0 ? static_cast<std::size_t>(length) : 0;
 }
 
-// The place of the first ill-formed byte; npos if there is none.
+// The place of the first ill-formed byte; kNone if there is none.
 std::size_t FindIllFormed(std::string_view text) {
   char32_t character = 0;
   for (std::size_t at = 0; at < text.size();) {
@@ -48,7 +50,7 @@ std::size_t FindIllFormed(std::string_view text) {
     if (length == 0) return at;
     at += length;
   }
-  return std::string_view::npos;
+  return kNone;
 }
 
 class RulesReader {
@@ -80,11 +82,11 @@ class RulesReader {
 
   bool ReadLine() {
     const std::size_t illFormed = FindIllFormed(mLine);
-    if (illFormed != mLine.npos) return Refuse(mLine.substr(illFormed), "is not UTF-8");
+    if (illFormed != kNone) return Refuse(mLine.substr(illFormed), "is not UTF-8");
     const std::string_view line = Trimmed(mLine.substr(0, mLine.find('#')));
     if (line.empty()) return true;
     const std::size_t colon = line.find(':');
-    if (colon == line.npos) return Refuse(line, "a colon is missing after the key");
+    if (colon == kNone) return Refuse(line, "a colon is missing after the key");
     const std::string_view key = Trimmed(line.substr(0, colon));
     const std::string_view values = Trimmed(line.substr(colon + 1));
     if (values.empty()) return Refuse(values, "nothing follows the key " + std::string(key));
@@ -100,12 +102,12 @@ class RulesReader {
 
   template <typename Add>
   bool ForEachValue(std::string_view values, Add add) {
-    for (std::size_t comma = 0; comma != values.npos;) {
+    for (std::size_t comma = 0; comma != kNone;) {
       comma = values.find(',');
       const std::string_view value = Trimmed(values.substr(0, comma));
       if (value.empty()) return Refuse(values, "a value is empty");
       if (!add(value)) return false;
-      if (comma != values.npos) values.remove_prefix(comma + 1);
+      if (comma != kNone) values.remove_prefix(comma + 1);
     }
     return true;
   }

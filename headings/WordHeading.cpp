@@ -95,7 +95,8 @@ class WordHeading {
       TrimPunctuation(range);
     }
     if (!IsEmpty(range)) mSegments.push_back(Classified(range));
-    for (auto i = behind.rbegin(); i != behind.rend(); ++i) AddQualifier(*i);
+    std::for_each(behind.rbegin(), behind.rend(),
+                  [this](TokenRange qualifier) { AddQualifier(qualifier); });
   }
 
   // The opening parenthesis of a closing one at the end of a range; 0 if there is none behind the

@@ -29,7 +29,7 @@ ParsedHeading ParseExactly(const UTF16String& heading) {
   parsed.mIsTimeOfDayKnown = IsKnownTimeOfDay(parsed.mTimeOfDay);
 
   const std::size_t stop = heading.find(u'.');
-  const std::size_t settingEnd = known > 0 ? known : stop == heading.npos ? 0 : stop;
+  const std::size_t settingEnd = known > 0 ? known : stop == UTF16String::npos ? 0 : stop;
   const std::size_t rest = EndOfExactSetting(heading, known, settingEnd);
   const std::size_t time = heading.size() - parsed.mTimeOfDay.size();  // it ends the heading
   const std::size_t location = std::min(parsed.mLocation.size(), time - std::min(rest, time));
