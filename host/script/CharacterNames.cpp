@@ -83,8 +83,11 @@ std::string_view Trim(std::string_view text) {
   return TrimEnd(text);
 }
 
-// Case folded and composed, without the characters that nobody sees.
+// Case folded and composed, without the characters that nobody sees. A text that is too long for a
+// name stays as it is: sorting many combining marks would take quadratic time.
 std::string Folded(std::string_view text) {
+  constexpr std::size_t kLongestName = 1000;  // in bytes
+  if (text.size() > kLongestName) return std::string(text);
   constexpr auto kOptions = static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE |
                                                            UTF8PROC_CASEFOLD | UTF8PROC_IGNORE);
   utf8proc_uint8_t* folded = nullptr;
@@ -123,7 +126,8 @@ class NameSplitter {
     ForEachCharacter(mText, [&](char32_t character, std::string_view bytes) {
       if (character == U'(') ++depth;
       if (character == U')') depth = std::max(0, depth - 1);
-      const bool isMark = bytes.size() == 1 && kJoiningMarks.find(bytes[0]) != bytes.npos;
+      const bool isMark =
+          bytes.size() == 1 && kJoiningMarks.find(bytes[0]) != std::string_view::npos;
       if (depth == 0 && (isMark || IsBlank(character))) {
         EndWord(place);
         if (isMark) Cut(place, place + 1);

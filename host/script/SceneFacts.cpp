@@ -13,13 +13,14 @@
 namespace zelstoryhost {
 namespace {
 
+using zelstoryparser::HeadingRules;
 using zelstoryparser::Scene;
 
 // Appends the number of each speech's cue to `cues`; its speakers are not known before all cues
 // are.
-SceneFacts FactsOf(const Scene& scene, std::size_t position, CharacterNames& names,
-                   std::vector<std::size_t>& cues) {
-  const zelstoryparser::SceneText text = zelstoryparser::CollectSceneText(scene);
+SceneFacts FactsOf(const Scene& scene, std::size_t position, const HeadingRules& rules,
+                   CharacterNames& names, std::vector<std::size_t>& cues) {
+  const zelstoryparser::SceneText text = zelstoryparser::CollectSceneText(scene, rules);
   SceneFacts facts;
   facts.mPosition = position;
   facts.mNumber = ToUTF8(scene.mSceneNumber);
@@ -92,12 +93,13 @@ std::vector<std::string> CharactersOf(const SceneFacts& scene) {
   return characters;
 }
 
-std::vector<SceneFacts> ReadSceneFacts(const zelstoryparser::TavroStory& story) {
+std::vector<SceneFacts> ReadSceneFacts(const zelstoryparser::TavroStory& story,
+                                       const HeadingRules& rules) {
   std::vector<SceneFacts> facts;
   CharacterNames names;
   std::vector<std::size_t> cues;
   for (const auto& scene : BodyScenes(story)) {
-    facts.push_back(FactsOf(*scene, facts.size() + 1, names, cues));
+    facts.push_back(FactsOf(*scene, facts.size() + 1, rules, names, cues));
   }
   auto cue = cues.begin();
   for (SceneFacts& scene : facts) {

@@ -27,11 +27,11 @@ std::vector<Cell> Row(Cells... cells) {
 
 }  // namespace
 
-Table ListScenes(const TavroStory& story) {
+Table ListScenes(const TavroStory& story, const zelstoryparser::HeadingRules& rules) {
   Table table{
       {"position", "number", "setting", "location", "time", "duration", "speeches", "characters"},
       {}};
-  for (const SceneFacts& scene : ReadSceneFacts(story)) {
+  for (const SceneFacts& scene : ReadSceneFacts(story, rules)) {
     table.mRows.push_back(Row(static_cast<std::int64_t>(scene.mPosition), scene.mNumber,
                               scene.mSetting, scene.mLocation, scene.mTimeOfDay,
                               scene.mSeconds ? Cell(DescribeDuration(*scene.mSeconds)) : Cell(),

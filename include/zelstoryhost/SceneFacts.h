@@ -7,17 +7,18 @@
 #include <vector>
 
 #include <zelstoryhost/Export.h>
+#include <zelstoryparser/HeadingRules.h>
 #include <zelstoryparser/StoryTree.h>
 
 // What lists and reports say about the scenes of a story's body and about who speaks in them. All
 // texts are UTF-8. All functions may be called from several threads at once.
 namespace zelstoryhost {
 
-// Who speaks. A name is the same for all spellings of it in the story: those that differ in case,
-// in blanks, in the form of apostrophes, or in how Unicode composes letters. It is the spelling
-// that the story has most often, or the first of several such. What stands in parentheses after a
-// name is an extension: ANNA (V.O.) (CONT'D) is ANNA with the extensions V.O. and CONT'D. Of
-// extensions, only letters and digits are compared, in any case: VO is V.O.
+// Who speaks. A name of up to 1000 bytes is the same for all spellings of it in the story: those
+// that differ in case, in blanks, in the form of apostrophes, or in how Unicode composes letters.
+// It is the spelling that the story has most often, or the first of several such. What stands in
+// parentheses after a name is an extension: ANNA (V.O.) (CONT'D) is ANNA with the extensions V.O.
+// and CONT'D. Of extensions, only letters and digits are compared, in any case: VO is V.O.
 struct Speaker {
   std::string mName;
   std::vector<std::string> mExtensions;  // in order, without the parentheses
@@ -30,8 +31,8 @@ struct Speech {
   std::int64_t mWords = 0;
 };
 
-// One scene. Setting, location, time of day and duration are what GetSceneXMP would write, so that
-// lists and metadata agree.
+// One scene. Setting, location, time of day and duration are what GetSceneXMP would write by the
+// same rules, so that lists and metadata agree.
 struct SceneFacts {
   std::size_t mPosition = 0;  // from 1
   std::string mNumber;        // as the script has it; may be empty
@@ -57,8 +58,10 @@ struct CharacterFacts {
   std::vector<std::string> mExtensions;  // of all speeches, each once, in order of appearance
 };
 
-// The scenes of the body, in order.
-ZELSTORYHOST_API std::vector<SceneFacts> ReadSceneFacts(const zelstoryparser::TavroStory& story);
+// The scenes of the body, in order; `rules` say how their headings are read.
+ZELSTORYHOST_API std::vector<SceneFacts> ReadSceneFacts(
+    const zelstoryparser::TavroStory& story,
+    const zelstoryparser::HeadingRules& rules = zelstoryparser::ExactHeadingRules());
 
 // Who speaks in these scenes, in order of appearance.
 ZELSTORYHOST_API std::vector<CharacterFacts> ReadCharacterFacts(

@@ -11,10 +11,6 @@ using namespace zelstoryparser;
 
 // A story with a speech for each of the cues, which ";" separates.
 StoryPtr StoryOf(std::string_view cues) {
-  StoryPtr story(new TavroStory);
-  story->mDocument = new Document;
-  story->mDocument->mBodyStream = new Stream;
-  story->mDocument->mBodyStream->mSection = new Section;
   const ScenePtr scene(new Scene);
   table::Split(cues, ";", [&](std::string_view cue) {
     const ScenePtr speech = MakeScene("C: / D:Hi.");
@@ -22,8 +18,7 @@ StoryPtr StoryOf(std::string_view cues) {
     scene->mParagraphs.insert(scene->mParagraphs.end(), speech->mParagraphs.begin(),
                               speech->mParagraphs.end());
   });
-  story->mDocument->mBodyStream->mSection->mScenes = {scene};
-  return story;
+  return MakeStory({scene});
 }
 
 // Who speaks, how often, and with which extensions: "ANNA 3 V.O. CONT'D; BEN 1"

@@ -1,3 +1,5 @@
+#include <map>
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -72,12 +74,44 @@ TEST_F(ListsTest, ASpreadsheetRunsNoCell) {
   const std::string story =
       Story("<scene sceneNumber=' -1&#10;2'>" +
             Paragraph("SceneHeading", "INT. =1+1 - @SUM(A1)&#13;B") + "</scene>");
-  EXPECT_THAT(Tool("scenes - --csv --bom", story).mOutput,
+  EXPECT_THAT(Tool("scenes - --csv --bom --headings exact", story).mOutput,
               testing::MatchesRegex("\xEF\xBB\xBFposition.*\r\n1,\"' -1\n2\",INT,'=1\\+1,"
                                     "\"'@SUM\\(A1\\)\rB\",,0,0\r\n"));
-  EXPECT_THAT(Tool("scenes - --csv --raw", story).mOutput,
+  EXPECT_THAT(Tool("scenes - --csv --raw --headings exact", story).mOutput,
               testing::MatchesRegex("position.*\r\n1,\" -1\n2\",INT,=1\\+1,"
                                     "\"@SUM\\(A1\\)\rB\",,0,0\r\n"));
+}
+
+// In every command that reads them, by the rules that were chosen.
+TEST_F(ListsTest, HeadingsAreReadByTheChosenRules) {
+  Write("car.fountain", ".INT./EXT. CAR - MOVING - DAY\n\nRain.\n");
+  Write("words", "setting: CAR\ntime: MOVING\n");
+  Write("broken", "setting: INT\ntime NIGHT\n");
+  Write("t.csv", "clip,scene\nt.xmp,1\n");
+  for (const auto& [rules, found] :
+       std::map<std::string, std::string>{{"", "INT./EXT|CAR|DAY"},
+                                          {"--headings common", "INT./EXT|CAR|DAY"},
+                                          {"--headings exact", "INT|/EXT. CAR|MOVING - DAY"},
+                                          {"--headings words", "CAR|INT./EXT|MOVING"}}) {
+    Run("rm -f *.xmp; zelstory write car.fountain --scene 1 w.xmp " + rules +
+        "; zelstory tag car.fountain --table t.csv " + rules +
+        "; zelstory shots car.fountain --out . " + rules);
+    const std::string read =
+        "|sed -n 's/.*\\(Setting\\|Location\\|OfDay\\) = \"\\(.*\\)\"/\\2/p'|paste -sd'|'";
+    for (const std::string file : {"w.xmp", "t.xmp", "scene_0001.xmp"}) {
+      EXPECT_EQ(Run("zelstory xmp " + file + read).mOutput, found + "\n") << file << rules;
+    }
+    EXPECT_EQ(
+        Run("zelstory scenes car.fountain --csv " + rules + "|sed -n 2p|cut -d, -f3-5|tr , '|'")
+            .mOutput,
+        found + "\n");
+    Run("zelstory report car.fountain --html p.html " + rules);
+    EXPECT_THAT(Read("p.html"), HasSubstr(found.substr(found.rfind('|') + 1) + "</td>")) << rules;
+  }
+  EXPECT_EQ(Tool("write car.fountain --scene 1 n.xmp --headings broken").mErrors,
+            "broken:2:1: error: a colon is missing after the key\n");
+  EXPECT_EQ(Tool("scenes car.fountain --headings none").mStatus, 1);
+  EXPECT_EQ(Run("ls n.xmp").mOutput, "");
 }
 
 }  // namespace

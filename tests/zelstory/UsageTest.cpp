@@ -108,7 +108,7 @@ TEST_F(UsageTest, ARefusalNamesTheFileAndWritesNothing) {
                 "cmp s same.quor; cat s | zelstory stats /dev/stdin | wc -l\n"
                 "zelstory check /dev/fd/3 3<s")
                 .mOutput,
-            "11\n/dev/fd/3: ok\n");
+            "12\n/dev/fd/3: ok\n");
 }
 
 }  // namespace

@@ -49,6 +49,7 @@ complete -c zelstory -n '__zelstory_command report' -x -l title -d 'Title of the
 complete -c zelstory -n '__zelstory_command shots' -x -l out -a '(__fish_complete_directories)' -d 'Folder for the packets'
 complete -c zelstory -n '__zelstory_command shots' -l force -d 'Also replace other files'
 complete -c zelstory -n '__zelstory_command check show write tag shots scenes characters stats report convert dump' -x -l format -a 'story fountain fdx' -d 'Read the script in this format'
+complete -c zelstory -n '__zelstory_command write tag shots scenes report' -r -l headings -k -a 'common exact (__fish_complete_path)' -d 'Read headings by these rules'
 complete -c zelstory -n '__zelstory_command convert' -x -l to -a 'story fountain fdx' -d 'Write this format'
 complete -c zelstory -n '__zelstory_command convert' -x -l out -a '(__fish_complete_directories)' -d 'Folder for the outputs'
 complete -c zelstory -n '__zelstory_command convert' -l force -d 'Replace files that exist'

@@ -34,7 +34,8 @@ class Layout {
       for (std::size_t i = 0; i < row.size(); ++i) Measure(i, row[i]);
     }
     for (std::size_t i = 0; i < mColumns.size(); ++i) mOrder.push_back(i);
-    std::ranges::stable_partition(mOrder, [this](std::size_t i) { return !mColumns[i].mIsLong; });
+    std::stable_partition(mOrder.begin(), mOrder.end(),
+                          [this](std::size_t i) { return !mColumns[i].mIsLong; });
   }
 
   template <typename Cells>
