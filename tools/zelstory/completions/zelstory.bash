@@ -43,7 +43,7 @@ _zelstory() {
   esac
   if [[ $word == -* ]]; then
     case $command in
-      check) options="--format --json" ;;
+      check) options="--format --headings --strict --json" ;;
       xmp) options="--json --sidecar-name" ;;
       show) options="--format --scene --position --id --comments --json" ;;
       write) options="--format --scene --position --id --merge --headings $edit" ;;
