@@ -145,13 +145,13 @@ void FindScenes(benchmark::State& state) {
   });
 }
 void ScenesList(benchmark::State& state) {
-  OverStory(state, ListScenes);
+  OverStory(state, [](const auto& story) { return ListScenes(story); });
 }
 void CharactersList(benchmark::State& state) {
   OverStory(state, ListCharacters);
 }
 void ReportPage(benchmark::State& state) {
-  OverStory(state, [](const auto& story) { return zelstory::MakeReportPage(story, {"", ""}); });
+  OverStory(state, [](const auto& story) { return zelstory::MakeReportPage(story, {"", ""}, {}); });
 }
 
 // The longer the story, the longer its longest cell.

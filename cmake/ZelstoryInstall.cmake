@@ -60,6 +60,13 @@ install(
   COMPONENT development
   FILES_MATCHING
   PATTERN "*.h")
+# The words of headings, to copy and change; the library holds them as well.
+install(
+  DIRECTORY headings/languages/
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/zelstory/headings
+  COMPONENT libraries
+  FILES_MATCHING
+  PATTERN "*.headings")
 # The platform's public headers; all others are internal.
 foreach(
   header

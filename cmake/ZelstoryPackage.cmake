@@ -45,9 +45,9 @@ set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS libraries)
 set(CPACK_COMPONENT_TOOL_DEPENDS libraries)
 # libxml2-dev does not depend on the libraries that pkg-config --static links for it.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "libboost-dev (>= 1.74), libxml2-dev, zlib1g-dev, liblzma-dev")
+    "libboost-dev (>= 1.74), libxml2-dev, zlib1g-dev, liblzma-dev, libutf8proc-dev")
 if(ZELSTORY_HOST)
-  string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libcsv-dev, libutf8proc-dev")
+  string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libcsv-dev")
 endif()
 if(ZELSTORY_ACL_FOUND)
   string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", libacl1-dev, libattr1-dev")

@@ -5,7 +5,7 @@
 #include <zelstoryparser/SceneXMP.h>
 
 #include "scenexmp/DialogSequence.h"
-#include "scenexmp/SceneHeading.h"
+#include "scenexmp/ParseHeading.h"
 #include "scenexmp/SceneProperties.h"
 #include "scenexmp/SceneText.h"
 #include "scenexmp/ShotProperties.h"
@@ -41,25 +41,24 @@ UTF16String JoinName(const std::array<UTF16String, 4>& parts) {
 
 // Leaves out a property that the toolkit refuses; the record is made anyway.
 void BuildShotXMP(const UTF16String& shotID, const UTF16String& sceneNumber,
-                  const UTF16String& duration, const UTF16String& heading,
-                  const UTF16String& action, const CharacterDialogPairs& pairs,
+                  const UTF16String& duration, const SceneText& text, const HeadingRules& rules,
                   std::vector<ShotXMP>& shots) {
   if (shotID.empty()) return;
-  if (action.empty() && pairs.empty() && heading.empty()) return;
+  if (text.mAction.empty() && text.mPairs.empty() && text.mHeading.empty()) return;
 
   TXMPMeta<std::string> xmp;
   UTF16String setting;
   UTF16String location;
   UTF16String timeOfDay;
-  if (!heading.empty()) {
-    ParseSceneHeading(heading, setting, location, timeOfDay);
+  if (!text.mHeading.empty()) {
+    SplitHeading(text.mHeading, rules, setting, location, timeOfDay);
     WriteSceneHeadingProperties(setting, location, timeOfDay, xmp);
   }
   WriteShotNameProperty(JoinName({setting, location, timeOfDay, sceneNumber}), xmp);
   WriteSceneNumberProperty(sceneNumber, xmp);
   WriteShotDurationProperty(duration, xmp);
-  WriteActionProperty(action, xmp);
-  WriteDialogSequence(pairs, xmp);
+  WriteActionProperty(text.mAction, xmp);
+  WriteDialogSequence(text.mPairs, xmp);
 
   ShotXMP shot;
   shot.mShotID = shotID;
@@ -69,12 +68,17 @@ void BuildShotXMP(const UTF16String& shotID, const UTF16String& sceneNumber,
 
 }  // namespace
 
-bool GetSceneXMP(boost::intrusive_ptr<TavroStory> /*story*/, boost::intrusive_ptr<Scene> scene,
+bool GetSceneXMP(boost::intrusive_ptr<TavroStory> story, boost::intrusive_ptr<Scene> scene,
                  std::int32_t sceneOrdinal, std::vector<ShotXMP>& shots) {
+  return GetSceneXMP(story, scene, sceneOrdinal, ExactHeadingRules(), shots);
+}
+
+bool GetSceneXMP(boost::intrusive_ptr<TavroStory> /*story*/, boost::intrusive_ptr<Scene> scene,
+                 std::int32_t sceneOrdinal, const HeadingRules& rules,
+                 std::vector<ShotXMP>& shots) {
   RegisterStoryNamespaces();
-  const SceneText text = GatherParagraphs(*scene);
   BuildShotXMP(ShotID(*scene), SceneNumber(*scene, sceneOrdinal), scene->mShotDuration,
-               text.mHeading, text.mAction, text.mPairs, shots);
+               GatherParagraphs(*scene), rules, shots);
   return true;
 }
 

@@ -71,6 +71,15 @@ UTF16String RestBehindFirstStop(const UTF16String& heading, UTF16String& setting
 
 }  // namespace
 
+std::size_t LengthOfKnownSetting(const UTF16String& heading) {
+  return FindSetting(heading).size();
+}
+
+bool IsKnownTimeOfDay(const UTF16String& text) {
+  return std::any_of(kTimesOfDay.begin(), kTimesOfDay.end(),
+                     [&text](Word entry) { return EqualIgnoringCase(entry, text); });
+}
+
 bool EndsWithIgnoringCase(const UTF16String& text, const UTF16String& word) {
   if (word.empty() || word.size() > text.size()) return false;
   return EqualIgnoringCase(Word(text).substr(text.size() - word.size()), word);

@@ -17,6 +17,13 @@ void ParseSceneHeading(const UTF16String& heading, UTF16String& setting, UTF16St
 void SplitLocationAndTimeOfDay(const UTF16String& text, UTF16String& location,
                                UTF16String& timeOfDay);
 
+// Returns the length of the known setting that a heading begins with, without its full stop; 0 if
+// it begins with none.
+std::size_t LengthOfKnownSetting(const UTF16String& heading);
+
+// Returns whether a text is one of the known times of day, ignoring the case of the letters A to Z.
+bool IsKnownTimeOfDay(const UTF16String& text);
+
 // Returns whether `text` ends with `word`, ignoring the case of the letters A to Z. False for an
 // empty word.
 bool EndsWithIgnoringCase(const UTF16String& text, const UTF16String& word);

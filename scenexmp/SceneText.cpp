@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "scenexmp/SceneHeading.h"
+#include "scenexmp/ParseHeading.h"
 #include "scenexmp/ShotProperties.h"
 
 namespace zelstoryparser {
@@ -52,9 +52,13 @@ SceneText GatherParagraphs(const Scene& scene) {
 }
 
 SceneText CollectSceneText(const Scene& scene) {
+  return CollectSceneText(scene, ExactHeadingRules());
+}
+
+SceneText CollectSceneText(const Scene& scene, const HeadingRules& rules) {
   SceneText text = GatherParagraphs(scene);
   if (!text.mHeading.empty()) {
-    ParseSceneHeading(text.mHeading, text.mSetting, text.mLocation, text.mTimeOfDay);
+    SplitHeading(text.mHeading, rules, text.mSetting, text.mLocation, text.mTimeOfDay);
   }
   text.mDuration = ReadShotDuration(scene.mShotDuration);
   return text;

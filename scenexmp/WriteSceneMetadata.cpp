@@ -3,18 +3,19 @@
 #include "scenexmp/ChangedPaths.h"
 #include "scenexmp/DialogSequence.h"
 #include "scenexmp/LocalizedText.h"
-#include "scenexmp/SceneHeading.h"
+#include "scenexmp/ParseHeading.h"
 #include "scenexmp/SceneProperties.h"
 #include "scenexmp/SceneText.h"
 
 namespace zelstoryparser {
 namespace {
 
-bool WriteHeading(const UTF16String& heading, TXMPMeta<std::string>& xmp) {
+bool WriteHeading(const UTF16String& heading, const HeadingRules& rules,
+                  TXMPMeta<std::string>& xmp) {
   UTF16String setting;
   UTF16String location;
   UTF16String timeOfDay;
-  ParseSceneHeading(heading, setting, location, timeOfDay);
+  SplitHeading(heading, rules, setting, location, timeOfDay);
   return WriteSceneHeadingProperties(setting, location, timeOfDay, xmp);
 }
 
@@ -29,11 +30,17 @@ bool ReplaceDialog(const CharacterDialogPairs& pairs, TXMPMeta<std::string>& xmp
 
 UTF16String WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, TXMPMeta<std::string>& xmp,
                                       std::vector<zelmetadata::Path>& changedPaths) {
+  return WriteSceneMetadataIntoXMP(scene, ExactHeadingRules(), xmp, changedPaths);
+}
+
+UTF16String WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, const HeadingRules& rules,
+                                      TXMPMeta<std::string>& xmp,
+                                      std::vector<zelmetadata::Path>& changedPaths) {
   RegisterStoryNamespaces();
   const SceneText text = GatherParagraphs(*scene);
 
   if (!text.mHeading.empty()) {
-    if (!WriteHeading(text.mHeading, xmp)) {
+    if (!WriteHeading(text.mHeading, rules, xmp)) {
       return LocalizedText(
           "$$$/zelstoryparser/SceneHeadingError=Error writing scene heading to XMP");
     }

@@ -20,6 +20,12 @@ std::string Runs(const std::vector<ListedScene>& scenes) {
   return text;
 }
 
+std::string Joined(const std::vector<std::string>& texts) {
+  std::string joined;
+  for (const std::string& text : texts) (joined += joined.empty() ? "" : "; ") += text;
+  return joined;
+}
+
 std::string CSVField(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
   std::string field = "\"";
@@ -34,14 +40,28 @@ bool IsFormula(const std::string& text) {
          std::string_view("=+-@").find(text[begin]) != std::string::npos;
 }
 
+const std::string& NameOf(const ListedScene& scene) {
+  return scene.mName;
+}
+const std::string& NameOf(const std::string& text) {
+  return text;
+}
+
+template <typename Items>
+void WriteArray(JSONWriter& json, const Items& items) {
+  json.BeginArray();
+  for (const auto& item : items) json.Text(NameOf(item));
+  json.EndArray();
+}
+
 void Write(JSONWriter& json, const Cell& cell) {
   if (const auto* text = std::get_if<std::string>(&cell)) return json.Text(*text);
   if (const auto* number = std::get_if<std::int64_t>(&cell)) return json.Number(*number);
-  const auto* scenes = std::get_if<std::vector<ListedScene>>(&cell);
-  if (scenes == nullptr) return json.Null();
-  json.BeginArray();
-  for (const ListedScene& scene : *scenes) json.Text(scene.mName);
-  json.EndArray();
+  if (const auto* scenes = std::get_if<std::vector<ListedScene>>(&cell)) {
+    return WriteArray(json, *scenes);
+  }
+  const auto* texts = std::get_if<std::vector<std::string>>(&cell);
+  texts != nullptr ? WriteArray(json, *texts) : json.Null();
 }
 
 }  // namespace
@@ -50,6 +70,7 @@ std::string TextOf(const Cell& cell) {
   if (const auto* text = std::get_if<std::string>(&cell)) return *text;
   if (const auto* number = std::get_if<std::int64_t>(&cell)) return std::to_string(*number);
   if (const auto* scenes = std::get_if<std::vector<ListedScene>>(&cell)) return Runs(*scenes);
+  if (const auto* texts = std::get_if<std::vector<std::string>>(&cell)) return Joined(*texts);
   return {};
 }
 

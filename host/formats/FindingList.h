@@ -14,9 +14,10 @@ namespace zelstoryhost {
 class FindingList {
  public:
   void Add(Severity severity, const std::string& text,
-           std::optional<zelcore::xml::Position> position, std::string where = {}) {
+           std::optional<zelcore::xml::Position> position, std::string where = {},
+           FindingCode code = FindingCode::kFormat) {
     const auto [known, isNew] = mKnown.try_emplace(text, mFound.size());
-    if (isNew) mFound.push_back({{severity, text, position, std::move(where)}, 0});
+    if (isNew) mFound.push_back({{severity, text, position, std::move(where), code}, 0});
     ++mFound[known->second].second;
   }
 

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include <zelcore/String.h>
-#include <zelstoryhost/Story.h>
 #include <zelstoryhost/Text.h>
 
 namespace zelstoryhost {
@@ -79,12 +78,15 @@ void StoryBuilder::BeginScene(std::string_view number) {
   mScene = new Scene;
   mScene->mSceneNumber = UTF8to16(number);
   mBody->mScenes.push_back(mScene);
+  mPositions.emplace_back();
 }
 
-void StoryBuilder::Add(ParagraphElementType kind, std::string_view text) {
+void StoryBuilder::Add(ParagraphElementType kind, std::string_view text,
+                       const zelcore::xml::Position& position) {
   if (!mScene) BeginScene("");
   mScene->mParagraphs.push_back(MakeParagraph(kind));
   AddRun(*mScene->mParagraphs.back(), text);
+  mPositions.back().push_back(position);
 }
 
 std::size_t StoryBuilder::StreamOf(std::string_view name, std::string_view author) {
@@ -146,14 +148,14 @@ void StoryBuilder::PlaceComments() {
 }
 
 // Numbers come first, so that no other scene takes the identifier of a scene that has one.
-boost::intrusive_ptr<TavroStory> StoryBuilder::Finish() {
+StoryResult StoryBuilder::Finish(std::vector<Finding> findings) {
   for (const bool isNumbered : {true, false}) {
     for (const auto& scene : mBody->mScenes) {
       if (scene->mSceneNumber.empty() != isNumbered) Identify(*scene);
     }
   }
   PlaceComments();
-  return mStory;
+  return {mStory, std::nullopt, std::move(findings), std::move(mPositions)};
 }
 
 bool HasForeignIdentifiers(const TavroStory& story) {

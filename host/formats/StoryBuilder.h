@@ -10,6 +10,7 @@
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
+#include <zelstoryhost/Story.h>
 #include <zelstoryparser/StoryTree.h>
 
 namespace zelstoryhost {
@@ -32,8 +33,9 @@ class StoryBuilder {
   // Begins a scene. What is added before the first one begins a scene without a number.
   void BeginScene(std::string_view number);
 
-  // Adds a paragraph of one text run to the scene.
-  void Add(zelstoryparser::ParagraphElementType kind, std::string_view text);
+  // Adds a paragraph of one text run to the scene; `position` is its place in the script.
+  void Add(zelstoryparser::ParagraphElementType kind, std::string_view text,
+           const zelcore::xml::Position& position);
 
   // The current scene; null before the first.
   zelstoryparser::Scene* CurrentScene() const { return mScene.get(); }
@@ -43,8 +45,9 @@ class StoryBuilder {
 
   zelstoryparser::TavroStory& Story() { return *mStory; }
 
-  // Completes the tree. Call it once, last.
-  boost::intrusive_ptr<zelstoryparser::TavroStory> Finish();
+  // Completes the tree, and returns it with the places of its paragraphs and these findings. Call
+  // it once, last.
+  StoryResult Finish(std::vector<Finding> findings);
 
  private:
   struct Comment {
@@ -60,6 +63,7 @@ class StoryBuilder {
   boost::intrusive_ptr<zelstoryparser::TavroStory> mStory;
   boost::intrusive_ptr<zelstoryparser::Section> mBody;
   boost::intrusive_ptr<zelstoryparser::Scene> mScene;
+  BodyPositions mPositions;
   std::vector<Comment> mComments;
   std::map<std::pair<std::string, std::string>, std::size_t> mStreams;  // by name and author
   std::map<std::string, int> mIdentifiers;  // of scenes, with the number of the last twin

@@ -10,6 +10,7 @@
 #include <zelstoryhost/Text.h>
 
 #include "Enumerate.h"
+#include "Quoted.h"
 
 namespace zelstoryhost {
 namespace {
@@ -23,14 +24,6 @@ std::optional<std::size_t> ReadCount(const std::string& text) {
   const auto [rest, error] = std::from_chars(text.data(), end, count);
   if (error == std::errc::invalid_argument || rest != end) return std::nullopt;
   return error == std::errc() ? count : std::numeric_limits<std::size_t>::max();
-}
-
-// A number, cut in errors where it is too long for a name.
-std::string Quoted(const std::string& number) {
-  if (number.size() <= kLongestSceneName) return '"' + number + '"';
-  std::size_t size = kLongestSceneName;
-  while (size > 0 && (static_cast<unsigned char>(number[size]) & 0xC0) == 0x80) --size;
-  return '"' + number.substr(0, size) + "...\"";
 }
 
 }  // namespace

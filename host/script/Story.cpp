@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <istream>
 #include <utility>
@@ -30,7 +31,9 @@ class LocatingParser : public zelstoryparser::StoryParser {
     const bool failedBefore = IsParseError();
     StoryParser::StartElement(name, attributes);
     if (!failedBefore && IsParseError()) NoteFault();
-    if (!IsParseError()) mPlace.Enter(name, attributes);
+    if (IsParseError()) return;
+    mPlace.Enter(name, attributes);
+    if (mPlace.IsInBody()) NotePosition(name);
   }
 
   void EndElement(const UTF16String& name) override {
@@ -44,13 +47,28 @@ class LocatingParser : public zelstoryparser::StoryParser {
   StoryResult Result(bool wellFormed) {
     if (mFault) return {nullptr, mFault};
     if (!wellFormed) return {nullptr, ReadingError()};
-    if (const auto story = GetStory()) return {story, std::nullopt};
+    if (const auto story = GetStory()) return {story, std::nullopt, {}, PositionsIn(*story)};
     return {nullptr, Error(mName, Position{}, "the document has no TavroStory element")};
   }
 
  private:
   void NoteFault() {
     mFault.emplace(mName, mReader.CurrentPosition(), ToUTF8(GetErrorString()), mPlace.Describe());
+  }
+
+  void NotePosition(const UTF16String& element) {
+    if (element == u"scene") mPositions.emplace_back();
+    if (element != u"paragraph" || mPositions.empty()) return;
+    mPositions.back().push_back(mReader.CurrentPosition());
+  }
+
+  // The places, unless tags in odd places made no nodes: then nobody knows whose places they are.
+  BodyPositions PositionsIn(const TavroStory& story) {
+    const bool isSame = std::ranges::equal(mPositions, BodyScenes(story),
+                                           [](const auto& positions, const auto& scene) {
+                                             return positions.size() == scene->mParagraphs.size();
+                                           });
+    return isSame ? std::move(mPositions) : BodyPositions();
   }
 
   Error ReadingError() const {
@@ -61,6 +79,7 @@ class LocatingParser : public zelstoryparser::StoryParser {
   const zelcore::xml::Reader& mReader;
   const std::string mName;
   StoryPlace mPlace;
+  BodyPositions mPositions;
   std::optional<Error> mFault;
 };
 

@@ -1,5 +1,4 @@
 #include <map>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,24 +27,22 @@ std::vector<Cell> Row(Cells... cells) {
 
 }  // namespace
 
-Table ListScenes(const TavroStory& story) {
+Table ListScenes(const TavroStory& story, const zelstoryparser::HeadingRules& rules) {
   Table table{
       {"position", "number", "setting", "location", "time", "duration", "speeches", "characters"},
       {}};
-  for (const SceneFacts& scene : ReadSceneFacts(story)) {
-    std::set<std::string> characters;
-    for (const Speech& speech : scene.mSpeeches) characters.insert(speech.mCharacter);
+  for (const SceneFacts& scene : ReadSceneFacts(story, rules)) {
     table.mRows.push_back(Row(static_cast<std::int64_t>(scene.mPosition), scene.mNumber,
                               scene.mSetting, scene.mLocation, scene.mTimeOfDay,
                               scene.mSeconds ? Cell(DescribeDuration(*scene.mSeconds)) : Cell(),
                               static_cast<std::int64_t>(scene.mSpeeches.size()),
-                              static_cast<std::int64_t>(characters.size())));
+                              static_cast<std::int64_t>(CharactersOf(scene).size())));
   }
   return table;
 }
 
 Table ListCharacters(const TavroStory& story) {
-  Table table{{"character", "speeches", "words", "first", "last", "scenes"}, {}};
+  Table table{{"character", "speeches", "words", "first", "last", "scenes", "extensions"}, {}};
   const std::vector<SceneFacts> scenes = ReadSceneFacts(story);
   for (const CharacterFacts& character : ReadCharacterFacts(scenes)) {
     std::vector<ListedScene> listed;
@@ -54,7 +51,8 @@ Table ListCharacters(const TavroStory& story) {
           {static_cast<std::int64_t>(scene.mPosition), SceneName(scenes[scene.mPosition - 1])});
     }
     table.mRows.push_back(Row(character.mName, character.mSpeeches, character.mWords,
-                              listed.front().mName, listed.back().mName, listed));
+                              listed.front().mName, listed.back().mName, listed,
+                              character.mExtensions));
   }
   return table;
 }
@@ -85,6 +83,8 @@ Table ListCounts(const TavroStory& story) {
   const Count& unknown = counts[zelstoryparser::kUnknownElement];
   table.mRows.push_back(Row("unknown", unknown.mParagraphs, unknown.mWords));
   table.mRows.push_back(Row("paragraphs", total.mParagraphs, total.mWords));
+  const std::size_t speaking = ReadCharacterFacts(ReadSceneFacts(story)).size();
+  table.mRows.push_back(Row("speaking characters", static_cast<std::int64_t>(speaking), Cell()));
   return table;
 }
 

@@ -21,6 +21,8 @@ class StoryPlace {
   void LeaveScene() { mScene.clear(); }
   void LeaveParagraph() { mInParagraph = false; }
 
+  bool IsInBody() const { return mStream == "body"; }
+
   // "body, scene 12A, paragraph 7", or "scene at position 3" for a scene without a number. Empty
   // outside of streams.
   std::string Describe() const;

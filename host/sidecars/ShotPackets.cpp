@@ -67,10 +67,12 @@ bool IsShotPacket(const std::string& bytes) {
 class ShotWriter {
  public:
   // A link in the folder is never followed, so that no file elsewhere is replaced.
-  ShotWriter(const boost::intrusive_ptr<TavroStory>& story, const fs::path& folder)
+  ShotWriter(const boost::intrusive_ptr<TavroStory>& story, const fs::path& folder,
+             const ShotSettings& settings)
       : mStory(story),
         mFirst(folder / PacketName(1), FileEntry::Links::kReplace),
-        mScenes(BodyScenes(*story)) {}
+        mScenes(BodyScenes(*story)),
+        mSettings(settings) {}
 
   // Checks every file that would be replaced before any is replaced.
   void RefuseForeignFiles() const {
@@ -84,16 +86,16 @@ class ShotWriter {
     }
   }
 
-  void Write(const ShotSettings& settings) const {
+  void Write() const {
     for (std::size_t position = 1; position <= mScenes.size(); ++position) {
       const std::optional<ShotXMP> shot = ShotAt(position);
       if (!shot) continue;
       const FileEntry file = FileAt(position);
-      if (settings.mIsStory && settings.mIsStory(file.Name())) {
+      if (mSettings.mIsStory && mSettings.mIsStory(file.Name())) {
         throw Error(file.Name(), "is the story itself: name another folder");
       }
-      file.Replace(shot->mXMPPacket, settings.mForce ? HardLinks::kPart : HardLinks::kRefuse);
-      if (settings.mReport) settings.mReport({position, ToUTF8(shot->mShotID), file.Name()});
+      file.Replace(shot->mXMPPacket, mSettings.mForce ? HardLinks::kPart : HardLinks::kRefuse);
+      if (mSettings.mReport) mSettings.mReport({position, ToUTF8(shot->mShotID), file.Name()});
     }
   }
 
@@ -104,7 +106,7 @@ class ShotWriter {
   std::optional<ShotXMP> ShotAt(std::size_t position) const {
     std::vector<ShotXMP> shots;
     zelstoryparser::GetSceneXMP(mStory, mScenes[position - 1], static_cast<std::int32_t>(position),
-                                shots);
+                                mSettings.mHeadings, shots);
     if (shots.empty()) return std::nullopt;
     return std::move(shots.front());
   }
@@ -112,6 +114,7 @@ class ShotWriter {
   const boost::intrusive_ptr<TavroStory>& mStory;
   const FileEntry mFirst;
   const std::vector<boost::intrusive_ptr<Scene>> mScenes;
+  const ShotSettings& mSettings;
 };
 
 }  // namespace
@@ -120,9 +123,9 @@ void WriteShotPackets(const boost::intrusive_ptr<TavroStory>& story, const fs::p
                       const ShotSettings& settings) {
   const bool isNew = MakeFolder(folder);
   try {
-    const ShotWriter writer(story, folder);
+    const ShotWriter writer(story, folder, settings);
     if (!settings.mForce) writer.RefuseForeignFiles();
-    writer.Write(settings);
+    writer.Write();
   } catch (...) {
     std::error_code isFilled;  // a folder with files in it stays
     if (isNew) fs::remove(folder, isFilled);

@@ -11,6 +11,7 @@ namespace {
 
 using Clip = TXMPMeta<std::string>;
 using zelmetadata::Path;
+using zelstoryparser::HeadingRules;
 
 std::string PathText(const Path& path) {
   const zelmetadata::UTF8String text = path.AsString();
@@ -57,12 +58,13 @@ std::vector<Path> WithArrays(const std::vector<Path>& touchedPaths) {
 // Clearing reports all its properties, even absent ones. Of these, only those that were present are
 // added to what writing reports.
 zelcore::UTF16String WriteInPlaceOfAnother(const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
-                                           Clip& clip, std::vector<Path>& touchedPaths) {
+                                           const HeadingRules& rules, Clip& clip,
+                                           std::vector<Path>& touchedPaths) {
   const Clip before(clip);
   std::vector<Path> cleared;
   zelcore::UTF16String error = zelstoryparser::ClearSceneMetadataFromXMP(clip, cleared);
   if (!error.empty()) return error;
-  error = zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, touchedPaths);
+  error = zelstoryparser::WriteSceneMetadataIntoXMP(scene, rules, clip, touchedPaths);
   std::set<Path> reported(touchedPaths.begin(), touchedPaths.end());
   for (const Path& path : cleared) {
     const bool wasThere = !std::holds_alternative<std::monostate>(ValueAt(before, path));
@@ -115,14 +117,14 @@ std::vector<std::string> SidecarChange::PathTexts() const {
 }
 
 SidecarChange WriteScene(const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
-                         OldScene oldScene, Sidecar& sidecar) {
+                         OldScene oldScene, Sidecar& sidecar, const HeadingRules& rules) {
   bool heldScene = false;
   SidecarChange change = Change(sidecar, [&](Clip& clip, std::vector<Path>& touchedPaths) {
     if (oldScene == OldScene::kMerge) {
-      return zelstoryparser::WriteSceneMetadataIntoXMP(scene, clip, touchedPaths);
+      return zelstoryparser::WriteSceneMetadataIntoXMP(scene, rules, clip, touchedPaths);
     }
     heldScene = zelstoryparser::HasAnyStoryRelatedMetadata(clip);
-    return WriteInPlaceOfAnother(scene, clip, touchedPaths);
+    return WriteInPlaceOfAnother(scene, rules, clip, touchedPaths);
   });
   change.mClearsFirst = heldScene && change.mIsChanged;
   return change;
@@ -145,8 +147,9 @@ std::vector<Difference> DifferencesOf(const Sidecar& sidecar, const SidecarChang
 SidecarChange WriteSceneToClip(const std::string& clipOrSidecar,
                                const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
                                OldScene oldScene, const EditSettings& settings) {
-  return Edit(clipOrSidecar, WhenAbsent::kCreate, settings,
-              [&](Sidecar& sidecar) { return WriteScene(scene, oldScene, sidecar); });
+  return Edit(clipOrSidecar, WhenAbsent::kCreate, settings, [&](Sidecar& sidecar) {
+    return WriteScene(scene, oldScene, sidecar, settings.mHeadings);
+  });
 }
 
 SidecarChange ClearSceneFromClip(const std::string& clipOrSidecar, WhenAbsent whenAbsent,

@@ -8,6 +8,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <zelstoryhost/Export.h>
+#include <zelstoryparser/HeadingRules.h>
 #include <zelstoryparser/StoryTree.h>
 
 namespace zelstoryhost {
@@ -24,6 +25,7 @@ struct ShotSettings {
   bool mForce = false;  // also replaces links, files with other names, and what is not a packet
   std::function<bool(const std::filesystem::path&)> mIsStory;  // such a file is never replaced
   std::function<void(const ShotPacket&)> mReport;  // called after each packet; both may be empty
+  zelstoryparser::HeadingRules mHeadings{};        // how headings are read
 };
 
 // Writes a packet for every scene of the body that makes a shot into a folder, which is created if

@@ -14,6 +14,7 @@
 #include <zelstoryhost/FolderLock.h>
 #include <zelstoryhost/Sidecar.h>
 #include <zelstoryhost/SidecarName.h>
+#include <zelstoryparser/HeadingRules.h>
 #include <zelstoryparser/StoryTree.h>
 
 // Writes scenes into sidecars and clears them, either in memory or in the file. Several threads may
@@ -51,10 +52,12 @@ struct SidecarChange {
   ZELSTORYHOST_API std::vector<std::string> PathTexts() const;
 };
 
-// Writes a scene, which must not be null, into a sidecar's metadata. Throws Error when the toolkit
+// Writes a scene, which must not be null, into a sidecar's metadata; `rules` say how its heading is
+// read. Throws Error when the toolkit
 // refuses the change. Then discard the sidecar: its metadata is undefined, its file unchanged.
-ZELSTORYHOST_API SidecarChange WriteScene(const boost::intrusive_ptr<zelstoryparser::Scene>& scene,
-                                          OldScene oldScene, Sidecar& sidecar);
+ZELSTORYHOST_API SidecarChange WriteScene(
+    const boost::intrusive_ptr<zelstoryparser::Scene>& scene, OldScene oldScene, Sidecar& sidecar,
+    const zelstoryparser::HeadingRules& rules = zelstoryparser::ExactHeadingRules());
 
 // Removes any scene from a sidecar's metadata. Throws as WriteScene does.
 ZELSTORYHOST_API SidecarChange ClearScene(Sidecar& sidecar);
@@ -70,8 +73,9 @@ struct EditSettings {
   bool mForce = false;     // also changes write-protected files and read-only packets, and parts
                            // files from their other names (hard links)
   Waiting mWaiting;        // for the folder's lock; a dry run takes none
-  std::optional<SidecarForm> mForm;        // of the sidecar's name
-  std::shared_ptr<SidecarFinder> mFinder;  // of a run over many clips, on one thread; may be null
+  std::optional<SidecarForm> mForm;          // of the sidecar's name
+  std::shared_ptr<SidecarFinder> mFinder;    // of a run over many clips, on one thread; may be null
+  zelstoryparser::HeadingRules mHeadings{};  // how a scene's heading is read
 };
 
 // Writes a scene, which must not be null, into the sidecar of a clip, creating it if needed. Holds

@@ -18,11 +18,15 @@
 // thread at a time.
 namespace zelstoryhost {
 
+// Where the paragraphs of a story's body begin in the script that was read: a list for each scene.
+using BodyPositions = std::vector<std::vector<zelcore::xml::Position>>;
+
 // What became of a story file or another script: a tree, or its first fault.
 struct StoryResult {
   boost::intrusive_ptr<zelstoryparser::TavroStory> mStory;  // null after a fault
   std::optional<Error> mFault;
   std::vector<Finding> mFindings{};  // of a script that is no story document
+  BodyPositions mPositions{};        // empty after a fault
 
   explicit operator bool() const { return !mFault; }
 };

@@ -18,8 +18,9 @@ struct ListedScene {
   std::string mName;
 };
 
-// A cell: unknown, text (UTF-8), a number, or scenes in their order.
-using Cell = std::variant<std::monostate, std::string, std::int64_t, std::vector<ListedScene>>;
+// A cell: unknown, text (UTF-8), a number, scenes in their order, or several texts.
+using Cell = std::variant<std::monostate, std::string, std::int64_t, std::vector<ListedScene>,
+                          std::vector<std::string>>;
 
 // Every row has a cell for each column.
 struct Table {
@@ -27,7 +28,8 @@ struct Table {
   std::vector<std::vector<Cell>> mRows;
 };
 
-// A cell as text: empty when unknown, neighbouring scenes as FIRST-LAST ("1-3 5").
+// A cell as text: empty when unknown, neighbouring scenes as FIRST-LAST ("1-3 5"), texts with
+// a semicolon and a blank between them.
 ZELSTORYHOST_API std::string TextOf(const Cell& cell);
 
 // Whether text that a spreadsheet would run as a formula gets an apostrophe before it.
@@ -37,8 +39,8 @@ enum class Formulas { kDisarmed, kAsTheyAre };
 // CR LF line ends. A failure of `output` is left in its state, as with any stream.
 ZELSTORYHOST_API void WriteCSV(const Table& table, Formulas formulas, std::ostream& output);
 
-// Writes a JSON array with one object per row. Unknown cells are null, scenes an array of names;
-// bytes that are not UTF-8 become U+FFFD.
+// Writes a JSON array with one object per row. Unknown cells are null, scenes an array of names,
+// several texts an array; bytes that are not UTF-8 become U+FFFD.
 ZELSTORYHOST_API void WriteJSON(const Table& table, std::ostream& output);
 
 }  // namespace zelstoryhost

@@ -15,6 +15,7 @@
 #include <zelstoryhost/SceneFacts.h>
 #include <zelstoryhost/SceneFinder.h>
 #include <zelstoryhost/Story.h>
+#include <zelstoryhost/StoryCheck.h>
 #include <zelstoryhost/StoryLists.h>
 
 // Scripts in other formats, and stories written

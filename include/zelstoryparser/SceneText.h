@@ -7,6 +7,7 @@
 
 #include <zelcore/String.h>
 #include <zelstoryparser/Export.h>
+#include <zelstoryparser/HeadingRules.h>
 #include <zelstoryparser/StoryTree.h>
 
 // What a scene says, as plain text. The operations in SceneXMP.h write the same texts.
@@ -33,5 +34,9 @@ struct SceneText {
 // std::bad_alloc. The scene is only read: any number of threads may call this at once for the same
 // scene.
 ZELSTORYPARSER_API SceneText CollectSceneText(const Scene& scene);
+
+// Likewise, with the heading's parts by `rules`. By rules of words, the location is followed by the
+// sub-location, if there is one, after " - "; qualifiers and scene numbers are left out.
+ZELSTORYPARSER_API SceneText CollectSceneText(const Scene& scene, const HeadingRules& rules);
 
 }  // namespace zelstoryparser

@@ -10,6 +10,7 @@
 #include <zelcore/String.h>
 #include <zelmetadata/Path.h>
 #include <zelstoryparser/Export.h>
+#include <zelstoryparser/HeadingRules.h>
 #include <zelstoryparser/StoryTree.h>
 
 // Scenes in XMP. A scene's heading becomes xmpScript:sceneSetting, xmpDM:shotLocation and
@@ -46,6 +47,11 @@ namespace zelstoryparser {
 [[nodiscard]] ZELSTORYPARSER_API UTF16String
 WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, TXMPMeta<std::string>& xmp,
                           std::vector<zelmetadata::Path>& changedPaths);
+
+// Likewise, with the heading's parts by `rules`, as CollectSceneText has them.
+[[nodiscard]] ZELSTORYPARSER_API UTF16String
+WriteSceneMetadataIntoXMP(boost::intrusive_ptr<Scene> scene, const HeadingRules& rules,
+                          TXMPMeta<std::string>& xmp, std::vector<zelmetadata::Path>& changedPaths);
 
 // Removes everything that WriteSceneMetadataIntoXMP may have written. Appends to `changedPaths` the
 // paths of sceneSetting, shotLocation, sceneTimeOfDay and action, whether they were present or not,
@@ -87,5 +93,10 @@ struct ShotXMP {
 ZELSTORYPARSER_API bool GetSceneXMP(boost::intrusive_ptr<TavroStory> story,
                                     boost::intrusive_ptr<Scene> scene, std::int32_t sceneOrdinal,
                                     std::vector<ShotXMP>& shots);
+
+// Likewise, with the heading's parts by `rules`, as CollectSceneText has them.
+ZELSTORYPARSER_API bool GetSceneXMP(boost::intrusive_ptr<TavroStory> story,
+                                    boost::intrusive_ptr<Scene> scene, std::int32_t sceneOrdinal,
+                                    const HeadingRules& rules, std::vector<ShotXMP>& shots);
 
 }  // namespace zelstoryparser

@@ -2,6 +2,7 @@
 
 // The whole public interface of zelstoryparser, which writes screenplay scenes into clip metadata.
 
+#include <zelstoryparser/HeadingRules.h>
 #include <zelstoryparser/ObjectID.h>
 #include <zelstoryparser/SceneText.h>
 #include <zelstoryparser/SceneXMP.h>

@@ -187,6 +187,12 @@ TEST_F(Allocations, OperationsPassTheFailureOnAndLeaveNothing) {
       {"has", [&](Packet& p, Paths&) { HasAnyStoryRelatedMetadata(p); }},
       {"shot", [&](Packet&, Paths&) { GetSceneXMP(story, scene, 1, shots); }},
       {"dump", [&](Packet&, Paths&) { TraverseStory(story, text); }},
+      {"rules",
+       [](Packet&, Paths&) {
+         HeadingRulesFault fault;
+         const auto rules = ReadHeadingRules("setting: INT\ntime: DAY\nlanguage: Own", fault);
+         ParseHeading(u"INT. HOUSE (A) - KITCHEN - DAY (FLASHBACK)", rules.value());
+       }},
       {"parse", [&](Packet& p, Paths&) { p.ParseFromBuffer(bytes.data(), size); }},
       {"copy", [&](Packet& p, Paths&) { p = Packet(p); }},
       {"serialise", [&](Packet& p, Paths&) { p.SerializeToBuffer(&bytes, kXMP_EncodeUTF16Big); }},

@@ -31,6 +31,17 @@ inline ScenePtr MakeScene(std::string_view paragraphs, std::string_view number =
   return scene;
 }
 
+// A story whose body has these scenes.
+inline StoryPtr MakeStory(const std::vector<ScenePtr>& scenes) {
+  using namespace zelstoryparser;
+  StoryPtr story(new TavroStory);
+  story->mDocument = new Document;
+  story->mDocument->mBodyStream = new Stream;
+  story->mDocument->mBodyStream->mSection = new Section;
+  story->mDocument->mBodyStream->mSection->mScenes = scenes;
+  return story;
+}
+
 // Drives a handler by a text: <name a='v'>, <name/> and </name>, balanced or not; ^ and $ for the
 // start and the end of the document; "|" separates two pieces of character data.
 inline void Drive(const std::string& script, zelcore::xml::AbstractParseHandler& handler) {

@@ -41,10 +41,11 @@ TEST_F(StoryCommandsTest, JSONHasTheWholeTree) {
 }
 
 TEST_F(StoryCommandsTest, EveryEncodingIsRead) {
-  EXPECT_EQ(Run(R"(zelstory check $stories/*.quor $stories/encodings/* | grep -v ': ok$'
+  EXPECT_EQ(
+      Run(R"(zelstory check $stories/*.quor $stories/encodings/* | grep -v -e ': ok$' -e ': warning: '
       for f in $stories/encodings/*; do zelstory show $f --json | cksum; done | sort -u | wc -l)")
-                .mOutput,
-            "1\n");
+          .mOutput,
+      "1\n");
 }
 
 TEST_F(StoryCommandsTest, CheckReportsPlaceAndReason) {
@@ -72,6 +73,23 @@ TEST_F(StoryCommandsTest, CheckReportsPlaceAndReason) {
   EXPECT_EQ(lines[2],
             "{\"file\":\"\uFFFD.quor\",\"ok\":false,\"line\":null,\"column\":null,"
             "\"message\":\"No such file or directory\",\"where\":null}");
+}
+
+TEST_F(StoryCommandsTest, WarningsFailOnlyIfStrict) {
+  Write("a.fountain", "INT. A - B - DAY #1#\n\nANNA\nHi.\n\nINT. C - DAY #1#\n\nRain.\n");
+  const std::string warning =
+      "2 scenes, at the positions 1, 2, have the number \\\"1\\\": give each its own, or choose "
+      "them "
+      "by position";
+  EXPECT_EQ(
+      Printed("zelstory check a.fountain --strict --json; echo $?; zelstory check a.fountain "
+              ">/dev/null; echo $?; echo 'INT. A' | zelstory check - --strict; echo $?\n"
+              "zelstory check a.fountain --headings exact | cut -c-30"),
+      R"({"file":"a.fountain","ok":true,"findings":[{"severity":"warning","line":6,"column":1,)"
+      R"("message":")" +
+          warning + R"(","where":null,"code":"duplicate-scene-number"}]})" +
+          "\n1\n0\n-: ok\n0\na.fountain:1:1: warning: the h\n"
+          "a.fountain:6:1: warning: 2 sce\na.fountain: ok\n");
 }
 
 TEST_F(StoryCommandsTest, AFaultsPlaceInTheStoryIsNamed) {
@@ -163,12 +181,11 @@ TEST_F(StoryCommandsTest, ScriptsOfAllFormatsAreTaken) {
   Write("a.fountain",
         "Title:\n    Two\n    words\n\nINT. CAF\u00C9 - NIGHT #1#\n\nANNA\n*Hi.*\n\n.LATER #2#\n");
   const std::string note = "note: emphasis (italics, bold, underlining) is left out\n";
-  EXPECT_EQ(
-      Printed("zelstory check a.fountain; zelstory check a.fountain --json"),
-      "a.fountain: " + note + "a.fountain: ok\n" +
-          R"({"file":"a.fountain","ok":true,"findings":[{"severity":"note","line":null,)" +
-          R"("column":null,"message":"emphasis (italics, bold, underlining) is left out"}]})" +
-          "\n");
+  EXPECT_EQ(Printed("zelstory check a.fountain; zelstory check a.fountain --json"),
+            "a.fountain: " + note + "a.fountain: ok\n" +
+                R"({"file":"a.fountain","ok":true,"findings":[{"severity":"note","line":null,)" +
+                R"("column":null,"message":"emphasis (italics, bold, underlining) is left out",)" +
+                R"("where":null,"code":"format"}]})" + "\n");
   EXPECT_EQ(
       Printed("zelstory convert a.fountain a.fdx 2>/dev/null\n"
               "zelstory convert a.fdx --out D/E --to story; zelstory convert - b --to fountain "

@@ -158,7 +158,7 @@ void FDXParser::BeginScriptParagraph(const Attributes& attributes) {
   FDXScene& scene = CurrentScene();
   open.mScene = mScript.mScenes.size() - 1;
   open.mIndex = scene.mParagraphs.size();
-  scene.mParagraphs.push_back({kind});
+  scene.mParagraphs.push_back({kind, "", false, mReader.CurrentPosition()});
 }
 
 ParagraphElementType FDXParser::KindOf(const std::string& name) {
@@ -198,7 +198,8 @@ void FDXParser::BeginOmittedScene(const Attributes& attributes) {
   }
   if (open != nullptr) open->mIsMark = true;
   mScript.mScenes.push_back({ValueOf(attributes, "Number")});
-  mScript.mScenes.back().mParagraphs.push_back({kSceneHeading, std::string(kOmitted)});
+  mScript.mScenes.back().mParagraphs.push_back(
+      {kSceneHeading, std::string(kOmitted), false, mReader.CurrentPosition()});
 }
 
 void FDXParser::BeginNote(FDXArea around, const Attributes& attributes) {

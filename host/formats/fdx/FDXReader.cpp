@@ -43,12 +43,12 @@ void PlaceNotes(FDXScript& script, FindingList& findings) {
   }
 }
 
-boost::intrusive_ptr<zelstoryparser::TavroStory> Build(const FDXScript& script) {
+StoryResult Build(const FDXScript& script, std::vector<Finding> findings) {
   StoryBuilder builder;
   for (const FDXScene& scene : script.mScenes) {
     builder.BeginScene(scene.mNumber);
     for (const FDXParagraph& paragraph : scene.mParagraphs) {
-      if (!paragraph.mIsMark) builder.Add(paragraph.mKind, paragraph.mText);
+      if (!paragraph.mIsMark) builder.Add(paragraph.mKind, paragraph.mText, paragraph.mPosition);
     }
     for (const FDXComment& comment : scene.mComments) {
       builder.AddComment(comment.mStream, comment.mAuthor, comment.mText);
@@ -56,7 +56,7 @@ boost::intrusive_ptr<zelstoryparser::TavroStory> Build(const FDXScript& script) 
   }
   builder.Story().mMetaData = UTF8to16(MetadataOf(script.mTitlePage));
   for (const std::string& tag : script.mTags) builder.Story().mTags.push_back(UTF8to16(tag));
-  return builder.Finish();
+  return builder.Finish(std::move(findings));
 }
 
 }  // namespace
@@ -74,7 +74,7 @@ StoryResult ReadFDX(std::string_view bytes, const std::string& source) {
   FindingList findings = parser.TakeFindings();
   FDXScript script = parser.TakeScript();
   PlaceNotes(script, findings);
-  return {Build(script), std::nullopt, findings.Take()};
+  return Build(script, findings.Take());
 }
 
 }  // namespace zelstoryhost

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include <zelcore/xml/Position.h>
 #include <zelstoryparser/StoryTree.h>
 
 // What an FDX document says, as it stands there. All texts are UTF-8.
@@ -14,6 +15,7 @@ struct FDXParagraph {
   zelstoryparser::ParagraphElementType mKind;
   std::string mText{};
   bool mIsMark = false;  // it has no text of its own, and only wraps others or begins a scene
+  zelcore::xml::Position mPosition{};
 };
 
 struct FDXComment {

@@ -33,7 +33,7 @@ class FountainReader {
 
   void TakeSpeechLines();
   void AddDialogue(std::string& lines);
-  void Add(ParagraphElementType kind, std::string_view text);
+  void Add(ParagraphElementType kind, std::string_view text, std::size_t line);
   void Comment(std::string_view stream, std::string_view text);
   void AddPendingComments();
   void AddRemarks();
@@ -54,6 +54,7 @@ class FountainReader {
   FindingList mFindings;
   FountainText mText;
   std::size_t mNext = 0;        // the line to be read
+  std::size_t mDialogue = 0;    // the line that the dialogue being read begins with
   std::size_t mNextRemark = 0;  // the remark to be added to its scene
   StoryBuilder mBuilder;
   bool mIsAfterSection = false;  // comments belong to the scene that follows
@@ -85,16 +86,17 @@ StoryResult FountainReader::Read() {
     mFindings.Add(Severity::kNote, "emphasis (italics, bold, underlining) is left out",
                   std::nullopt);
   }
-  return {mBuilder.Finish(), std::nullopt, mFindings.Take()};
+  return mBuilder.Finish(mFindings.Take());
 }
 
 std::string FountainReader::Plain(std::string_view line) {
   return WithoutMarks(line, mHasEmphasis);
 }
 
-void FountainReader::Add(ParagraphElementType kind, std::string_view text) {
+// `line` is the one that the paragraph begins with.
+void FountainReader::Add(ParagraphElementType kind, std::string_view text, std::size_t line) {
   AddPendingComments();
-  mBuilder.Add(kind, text);
+  mBuilder.Add(kind, text, {mText.NumberOf(line), 1});
 }
 
 // A section names the scenes that follow it, and a synopsis below it describes it. What comes
@@ -148,7 +150,7 @@ bool FountainReader::TakeHeading() {
     Note("a scene heading without an empty line after it is taken for one all the same");
   }
   mBuilder.BeginScene(number);
-  Add(kSceneHeading, Plain(heading));
+  Add(kSceneHeading, Plain(heading), mNext);
   ++mNext;
   return true;
 }
@@ -159,7 +161,7 @@ bool FountainReader::TakeTransition() {
   if (!isForced && (!IsFollowedByBlank() || HasMark(line) || !IsNaturalTransition(Line()))) {
     return false;
   }
-  Add(kTransition, Plain(Trim(line.substr(isForced ? 1 : 0))));
+  Add(kTransition, Plain(Trim(line.substr(isForced ? 1 : 0))), mNext);
   ++mNext;
   return true;
 }
@@ -175,7 +177,7 @@ bool FountainReader::TakeSpeech() {
   if (isDual) cue.remove_suffix(1);
   if (IsBlank(cue)) return false;
   if (isDual) Note("dual dialogue is read as one speech after the other");
-  Add(kCharacter, Plain(Trim(cue)));
+  Add(kCharacter, Plain(Trim(cue)), mNext);
   ++mNext;
   if (hasSpeech) TakeSpeechLines();
   return true;
@@ -187,13 +189,14 @@ void FountainReader::TakeSpeechLines() {
     std::string_view line = Trim(Line());
     if (IsParenthetical(line)) {
       AddDialogue(dialogue);
-      Add(kParenthetical, Plain(line));
+      Add(kParenthetical, Plain(line), mNext);
       continue;
     }
     if (line.starts_with('~')) {
       Note("lyrics are read as dialogue or action");
       line = Trim(line.substr(1));
     }
+    if (dialogue.empty()) mDialogue = mNext;
     (dialogue += Plain(line)) += '\n';
   }
   AddDialogue(dialogue);
@@ -202,7 +205,7 @@ void FountainReader::TakeSpeechLines() {
 // Adds the lines that were gathered, without empty ones at the end.
 void FountainReader::AddDialogue(std::string& lines) {
   lines.resize(lines.find_last_not_of('\n') + 1);
-  if (!lines.empty()) Add(kDialog, lines);
+  if (!lines.empty()) Add(kDialog, lines, mDialogue);
   lines.clear();
 }
 
@@ -218,12 +221,14 @@ std::string_view FountainReader::LineOfAction(std::string_view line) {
 
 void FountainReader::TakeAction() {
   std::string text;
+  std::size_t begin = mNext;
   do {
     const std::string line = Plain(LineOfAction(Line()));
+    if (text.empty()) begin = mNext;
     if (!IsBlank(line)) (text += text.empty() ? "" : "\n") += line;
     ++mNext;
   } while (!IsAtEnd() && !IsBlank(Line()) && !IsOutline(Line()));
-  if (!text.empty()) Add(kAction, text);
+  if (!text.empty()) Add(kAction, text, begin);
 }
 
 }  // namespace

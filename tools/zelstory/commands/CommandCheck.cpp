@@ -1,6 +1,11 @@
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
+#include <zelstoryhost/StoryCheck.h>
+
 #include "commands/Commands.h"
+#include "options/HeadingOption.h"
 #include "options/ScriptOptions.h"
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
@@ -19,7 +24,9 @@ namespace {
 struct CheckOptions {
   std::vector<std::string> mFiles;
   const zelstoryhost::ScriptFormat* mFormat = nullptr;
+  HeadingOption mHeadings;
   bool mAsJSON = false;
+  bool mIsStrict = false;
 };
 
 void WritePosition(JSONWriter& json, const std::optional<zelcore::xml::Position>& position) {
@@ -43,6 +50,9 @@ void WriteFindings(JSONWriter& json, const std::vector<Finding>& findings) {
     json.Name("severity").Text(finding.mSeverity == Severity::kNote ? "note" : "warning");
     WritePosition(json, finding.mPosition);
     json.Name("message").Text(finding.mText);
+    json.Name("where");
+    finding.mWhere.empty() ? json.Null() : json.Text(finding.mWhere);
+    json.Name("code").Text(NameOf(finding.mCode));
     json.EndObject();
   }
   json.EndArray();
@@ -63,13 +73,29 @@ void Print(const std::string& file, const StoryResult& result) {
   PrintResult(file + ": ", Tone::kGood, "ok");
 }
 
+// Reads a script, and adds what a valid one deserves a second look for.
+StoryResult ReadAndCheck(const std::string& file, const zelstoryhost::ScriptFormat* format,
+                         const zelstoryparser::HeadingRules& rules) {
+  StoryResult result = ReadStory(file, format);
+  if (!result) return result;
+  std::vector<Finding> found = zelstoryhost::CheckStory(*result.mStory, rules, result.mPositions);
+  std::ranges::move(found, std::back_inserter(result.mFindings));
+  return result;
+}
+
+bool HasWarning(const StoryResult& result) {
+  return std::ranges::find(result.mFindings, Severity::kWarning, &Finding::mSeverity) !=
+         result.mFindings.end();
+}
+
 int Check(const CheckOptions& options) {
+  const zelstoryparser::HeadingRules rules = options.mHeadings.Rules();
   bool allGood = true;
   Batch batch(options.mFiles.size());
   for (const std::string& file : options.mFiles) {
     batch.Next();
-    const StoryResult result = ReadStory(file, options.mFormat);
-    allGood = allGood && result;
+    const StoryResult result = ReadAndCheck(file, options.mFormat, rules);
+    allGood = allGood && result && !(options.mIsStrict && HasWarning(result));
     options.mAsJSON ? PrintJSON(file, result) : Print(file, result);
   }
   return allGood ? kDone : kRefused;
@@ -82,12 +108,18 @@ void AddCheckCommand(CommandLine& tool) {
   const auto options = std::make_shared<CheckOptions>();
   AddStoryArguments(command, options->mFiles, options->mFormat);
   command.AddFlag("--json", options->mAsJSON, "Print one JSON object per file");
+  options->mHeadings.AddTo(command);
+  command.AddFlag("--strict", options->mIsStrict, "Exit with status 1 also after warnings");
   command.SetFooter(
       "Prints FILE: ok, or FILE:LINE:COLUMN: error: MESSAGE (PLACE IN THE STORY), one line per "
       "file.\n"
-      "What a script says and a story has no place for comes before, as \"note\" or \"warning\".\n"
+      "What a script says and a story has no place for comes before, as \"note\" or \"warning\",\n"
+      "and so does what leads to metadata that you may not expect: headings with unknown words,\n"
+      "scene numbers, spellings of names, dialogue without a name, missing identifiers.\n"
       "Lines and columns count from 1, columns in characters.\n"
-      "Exit status: 0 all are valid, 1 one or more are not, 2 wrong usage.");
+      "Exit status: 0 all are valid, 1 one or more are not, or have warnings with --strict, 2 "
+      "wrong\n"
+      "usage.");
   command.SetAction([options] { return Check(*options); });
 }
 

@@ -4,6 +4,7 @@
 #include <zelstoryhost/Table.h>
 
 #include "commands/Commands.h"
+#include "options/HeadingOption.h"
 #include "options/ScriptOptions.h"
 #include "terminal/Input.h"
 #include "terminal/TableColumns.h"
@@ -17,11 +18,21 @@ using zelstoryhost::Table;
 
 namespace {
 
-using Lister = Table (*)(const zelstoryparser::TavroStory& story);
+using zelstoryparser::HeadingRules;
+using zelstoryparser::TavroStory;
+
+using Lister = Table (*)(const TavroStory& story, const HeadingRules& rules);
+
+// Lists whose content no heading changes.
+template <Table (*kLister)(const TavroStory& story)>
+Table WithoutHeadings(const TavroStory& story, const HeadingRules& /*rules*/) {
+  return kLister(story);
+}
 
 struct ListOptions {
   std::string mStory;
   const zelstoryhost::ScriptFormat* mFormat = nullptr;
+  HeadingOption mHeadings;
   bool mAsCSV = false;
   bool mIsRaw = false;
   bool mHasMark = false;
@@ -29,7 +40,8 @@ struct ListOptions {
 };
 
 int List(const ListOptions& options, Lister lister) {
-  const Table table = lister(*LoadStory(options.mStory, options.mFormat));
+  const HeadingRules rules = options.mHeadings.Rules();
+  const Table table = lister(*LoadStory(options.mStory, options.mFormat), rules);
   if (options.mAsJSON) {
     WriteJSON(table, std::cout);
   } else if (options.mAsCSV) {
@@ -47,6 +59,7 @@ void AddList(CommandLine& tool, const char* name, const char* description,
   Command command = tool.AddCommand(name, description);
   const auto options = std::make_shared<ListOptions>();
   AddStoryArgument(command, options->mStory, options->mFormat);
+  if (lister == ListScenes) options->mHeadings.AddTo(command);
   const Option csv =
       command.AddFlag("--csv", options->mAsCSV, "Print comma-separated values (RFC 4180)");
   command
@@ -59,9 +72,9 @@ void AddList(CommandLine& tool, const char* name, const char* description,
       .Excludes(csv);
   command.SetFooter(
       columns +
-      "\nOn a terminal, cells of more than 60 columns, except in the last one, are cut "
+      "\nOn a terminal, cells of more than 60 columns, except lists of scenes, are cut "
       "and end\n"
-      "with an ellipsis; other output has them whole.\n"
+      "with an ellipsis, unless they are in the last column; other output has them whole.\n"
       "Exit status: 0 done, 1 refused, 2 wrong usage.");
   command.SetAction([options, lister] { return List(*options, lister); });
 }
@@ -76,12 +89,15 @@ void AddListCommands(CommandLine& tool) {
       ListScenes);
   AddList(
       tool, "characters", "List who speaks, how much, and where",
-      "Columns: character, speeches, words, first and last scene, all scenes, by their numbers;\n"
+      "Columns: character, speeches, words, first and last scene, all scenes, by their numbers,\n"
+      "and the extensions of the name; CSV and JSON have these last.\n"
       "#3 is the scene at position 3, which has no number, or one of more than 60 bytes.\n"
-      "Parentheses after a name are ignored: ANNA (V.O.) is ANNA.",
-      ListCharacters);
+      "ANNA (V.O.), Anna and ANNA ^ are ANNA. ANNA/BEN and ANNA AND BEN are both of them if each\n"
+      "also speaks alone.",
+      WithoutHeadings<ListCharacters>);
   AddList(tool, "stats", "Count scenes, paragraphs by kind, and words",
-          "Columns: what, count, words.", ListCounts);
+          "Columns: what, count, words. The last row counts the characters who speak.",
+          WithoutHeadings<ListCounts>);
 }
 
 }  // namespace zelstory

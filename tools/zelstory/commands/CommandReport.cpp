@@ -7,6 +7,7 @@
 #include <zelstoryhost/Text.h>
 
 #include "commands/Commands.h"
+#include "options/HeadingOption.h"
 #include "options/ScriptOptions.h"
 #include "report/ReportPage.h"
 #include "terminal/Console.h"
@@ -25,6 +26,7 @@ struct ReportOptions {
   const zelstoryhost::ScriptFormat* mFormat = nullptr;
   std::string mPage;
   std::string mTitle;
+  HeadingOption mHeadings;
 };
 
 // The title: the one given, else the story's own, else the file's name.
@@ -45,7 +47,8 @@ int Report(const ReportOptions& options) {
     throw Error(options.mPage, "is the story itself: name another file after --html");
   }
   const auto story = LoadStory(options.mStory, options.mFormat);
-  const std::string page = MakeReportPage(*story, NamesOf(options, *story));
+  const std::string page =
+      MakeReportPage(*story, NamesOf(options, *story), options.mHeadings.Rules());
   if (options.mPage == kStandardStream) {
     std::cout << page;
   } else {
@@ -64,6 +67,7 @@ void AddReportCommand(CommandLine& tool) {
   command.AddText("--html", options->mPage, "FILE", "The page to write; - is standard output")
       .Required();
   command.AddText("--title", options->mTitle, "TEXT", "The page's title");
+  options->mHeadings.AddTo(command);
   command.SetFooter(
       "The page needs no other file: charts of who speaks in which scene and of scene lengths,\n"
       "tables of scenes and characters, and the screenplay. It suits screens, phones and print.\n"

@@ -6,6 +6,7 @@
 #include <zelstoryhost/ShotPackets.h>
 
 #include "commands/Commands.h"
+#include "options/HeadingOption.h"
 #include "options/ScriptOptions.h"
 #include "terminal/Batch.h"
 #include "terminal/Console.h"
@@ -20,18 +21,19 @@ struct ShotOptions {
   std::vector<std::string> mStories;
   const zelstoryhost::ScriptFormat* mFormat = nullptr;
   std::string mFolder;
+  HeadingOption mHeadings;
   bool mForce = false;
 };
 
 void WriteShots(const std::string& story, const fs::path& folder, const std::string& label,
-                const ShotOptions& options) {
+                const zelstoryparser::HeadingRules& rules, const ShotOptions& options) {
   const auto isStory = [&story](const fs::path& file) { return IsStoryItself(story, file); };
   const auto print = [&label](const zelstoryhost::ShotPacket& packet) {
     CountWrittenFile();
     PrintFields({label + std::to_string(packet.mPosition), packet.mShotID, packet.mFile.string()});
   };
   zelstoryhost::WriteShotPackets(LoadStory(story, options.mFormat), folder,
-                                 {options.mForce, isStory, print});
+                                 {options.mForce, isStory, print, rules});
 }
 
 // Several stories get one folder each, named after the story.
@@ -54,9 +56,10 @@ std::vector<fs::path> FoldersOf(const std::vector<std::string>& stories, const f
 
 int ShotsOfAll(const ShotOptions& options) {
   const std::vector<fs::path> folders = FoldersOf(options.mStories, options.mFolder);
+  const zelstoryparser::HeadingRules rules = options.mHeadings.Rules();
   auto next = folders.begin();
   return ForEachFile(options.mStories, [&](const std::string& story, const std::string& label) {
-    WriteShots(story, *next++, label, options);
+    WriteShots(story, *next++, label, rules, options);
   });
 }
 
@@ -69,6 +72,7 @@ void AddShotsCommand(CommandLine& tool) {
   AddStoryArguments(command, options->mStories, options->mFormat);
   command.AddText("--out", options->mFolder, "DIR", "The folder for the packets, created if needed")
       .Required();
+  options->mHeadings.AddTo(command);
   command.AddFlag("--force", options->mForce, "Also replace files that are not a shot's packet");
   command.SetFooter(
       "Writes DIR/scene_0001.xmp and so on, numbered by position. Prints position, shot ID and "

@@ -153,10 +153,11 @@ std::vector<ClipRow> ReadRows(const TagOptions& options, const zelstoryparser::T
   return table.mRows;
 }
 
-int Tag(const TagOptions& options) {
+int Tag(TagOptions& options) {
   if (options.mStory == kStandardStream && options.mTable == kStandardStream) {
     throw UsageError("only one of STORY and the table can be standard input");
   }
+  options.mEdit.ReadHeadingRules();
   const auto story = LoadStory(options.mStory, options.mFormat);
   const std::vector<ClipRow> rows = ReadRows(options, *story);
   const auto faults = static_cast<std::size_t>(std::count_if(
@@ -196,7 +197,7 @@ void AddTagCommand(CommandLine& tool) {
   command.AddText("--clips", options->mFolder, "DIR",
                   "The folder of relative clip names (default: the table's folder)");
   options->mEdit.AddTo(command);
-  options->mEdit.AddMergeOption(command);
+  options->mEdit.AddWriteOptions(command);
   command.AddFlag("--keep-going", options->mKeepsGoing,
                   "Write the other clips even if rows of the table have faults");
   command.AddFlag("--json", options->mAsJSON, "Print one JSON object per clip, one per line");

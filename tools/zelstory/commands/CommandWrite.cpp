@@ -22,10 +22,11 @@ struct WriteOptions {
   EditOptions mEdit;
 };
 
-int Write(const WriteOptions& options) {
+int Write(WriteOptions& options) {
   if (options.mSidecar == kStandardStream && options.mStory == kStandardStream) {
     throw UsageError("only one of STORY and CLIP can be standard input");
   }
+  options.mEdit.ReadHeadingRules();
   const auto story = LoadStory(options.mStory, options.mFormat);
   const SelectedScene selected = options.mScene.Find(*story, options.mStory);
   WorkOn(options.mSidecar);
@@ -44,7 +45,7 @@ void AddWriteCommand(CommandLine& tool) {
                       "writes standard output");
   options->mScene.AddTo(command);
   options->mEdit.AddTo(command);
-  options->mEdit.AddMergeOption(command);
+  options->mEdit.AddWriteOptions(command);
   command.SetFooter(
       "Afterwards the clip holds this scene and no other. Prints each touched metadata path on a\n"
       "line, or \"unchanged\".\n"

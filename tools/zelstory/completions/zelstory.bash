@@ -31,6 +31,11 @@ _zelstory() {
   case $previous in
     --sidecar-name) mapfile -t COMPREPLY < <(compgen -W "full stem" -- "$word"); return ;;
     --format | --to) mapfile -t COMPREPLY < <(compgen -W "story fountain fdx" -- "$word"); return ;;
+    --headings)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -W "common exact" -- "$word"; compgen -f -- "$word")
+      return
+      ;;
     --table) _zelstory_files "*.csv" "$word"; return ;;
     --html) _zelstory_files "*.html" "$word"; return ;;
     --out | --clips) compopt -o filenames 2>/dev/null; mapfile -t COMPREPLY < <(compgen -d -- "$word"); return ;;
@@ -38,16 +43,17 @@ _zelstory() {
   esac
   if [[ $word == -* ]]; then
     case $command in
-      check) options="--format --json" ;;
+      check) options="--format --headings --strict --json" ;;
       xmp) options="--json --sidecar-name" ;;
       show) options="--format --scene --position --id --comments --json" ;;
-      write) options="--format --scene --position --id --merge $edit" ;;
-      tag) options="--format --table --clips --keep-going --merge $edit --json" ;;
+      write) options="--format --scene --position --id --merge --headings $edit" ;;
+      tag) options="--format --table --clips --keep-going --merge --headings $edit --json" ;;
       clear) options="$edit --strict" ;;
       has) options="--sidecar-name --strict" ;;
-      report) options="--format --html --title" ;;
-      shots) options="--format --out --force" ;;
-      scenes | characters | stats) options="--format --csv --raw --bom --json" ;;
+      report) options="--format --html --title --headings" ;;
+      shots) options="--format --out --force --headings" ;;
+      scenes) options="--format --headings --csv --raw --bom --json" ;;
+      characters | stats) options="--format --csv --raw --bom --json" ;;
       convert) options="--format --to --out --force" ;;
       dump) options="--format" ;;
     esac
@@ -57,7 +63,7 @@ _zelstory() {
 
   for ((i = 2; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
-      --format | --to | --sidecar-name | --table | --clips | --out | --html | --scene | --position | --id) ((++i)) ;;
+      --format | --to | --sidecar-name | --headings | --table | --clips | --out | --html | --scene | --position | --id) ((++i)) ;;
       -?*) ;;
       *) ((++positionals)) ;;
     esac

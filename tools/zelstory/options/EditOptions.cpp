@@ -51,9 +51,10 @@ void EditOptions::AddTo(Command& command) {
   AddSidecarNameOption(command, mSettings.mForm);
 }
 
-void EditOptions::AddMergeOption(Command& command) {
+void EditOptions::AddWriteOptions(Command& command) {
   command.AddFlag("--merge", mMerges,
                   "Keep properties of the clip's old scene that the new one lacks");
+  mHeadings.AddTo(command);
 }
 
 template <typename Make>
@@ -74,8 +75,9 @@ SidecarChange EditOptions::Write(const std::string& clipOrSidecar,
                                  const boost::intrusive_ptr<zelstoryparser::Scene>& scene) const {
   const OldScene oldScene = mMerges ? OldScene::kMerge : OldScene::kClear;
   if (clipOrSidecar == kStandardStream) {
-    return EditStandardInput(
-        [&](Sidecar& sidecar) { return WriteScene(scene, oldScene, sidecar); });
+    return EditStandardInput([&](Sidecar& sidecar) {
+      return WriteScene(scene, oldScene, sidecar, mSettings.mHeadings);
+    });
   }
   return Counted(WriteSceneToClip(clipOrSidecar, scene, oldScene, Settings()));
 }

@@ -8,6 +8,7 @@
 #include <zelstoryhost/SidecarEdit.h>
 
 #include "options/CommandLine.h"
+#include "options/HeadingOption.h"
 
 namespace zelstory {
 
@@ -23,10 +24,13 @@ std::string Describe(const zelstoryhost::Difference& difference);
 // sidecar as it was.
 class EditOptions {
  public:
-  // Adds --dry-run, --force, --no-wait and --sidecar-name; AddMergeOption adds --merge for commands
-  // that write. The object must outlive the parsing.
+  // Adds --dry-run, --force, --no-wait and --sidecar-name; AddWriteOptions adds --merge and
+  // --headings for commands that write. The object must outlive the parsing.
   void AddTo(Command& command);
-  void AddMergeOption(Command& command);
+  void AddWriteOptions(Command& command);
+
+  // Reads the file that --headings names. Call it before Write. Throws Error.
+  void ReadHeadingRules() { mSettings.mHeadings = mHeadings.Rules(); }
 
   bool IsDryRun() const { return mSettings.mIsDryRun; }
   std::optional<zelstoryhost::SidecarForm> Form() const { return mSettings.mForm; }
@@ -52,6 +56,7 @@ class EditOptions {
   zelstoryhost::EditSettings mSettings;
   bool mNeverWaits = false;
   bool mMerges = false;
+  HeadingOption mHeadings;
 };
 
 }  // namespace zelstory

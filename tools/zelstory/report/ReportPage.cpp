@@ -173,8 +173,9 @@ std::vector<CharacterFacts> SortedByWords(std::vector<CharacterFacts> characters
   return characters;
 }
 
-void AddBody(pugi::xml_node body, const TavroStory& story, const PageNames& names) {
-  const std::vector<SceneFacts> scenes = ReadSceneFacts(story);
+void AddBody(pugi::xml_node body, const TavroStory& story, const PageNames& names,
+             const HeadingRules& rules) {
+  const std::vector<SceneFacts> scenes = ReadSceneFacts(story, rules);
   const std::vector<CharacterFacts> characters = SortedByWords(ReadCharacterFacts(scenes));
   const RunningTimes times = ReadRunningTimes(scenes);
   pugi::xml_node header = AddElement(body, "header");
@@ -239,13 +240,14 @@ std::string TitleIn(const TavroStory& story) {
   return title;
 }
 
-std::string MakeReportPage(const TavroStory& story, const PageNames& names) {
+std::string MakeReportPage(const TavroStory& story, const PageNames& names,
+                           const HeadingRules& rules) {
   // HTML reads <p/> as the start of a paragraph, and blanks between tags as text.
   constexpr unsigned kFormat = pugi::format_raw | pugi::format_no_empty_element_tags;
   pugi::set_memory_management_functions(Allocate, Free);
   pugi::xml_document document;
   AddElement(document, "title", "", names.mTitle);
-  AddBody(AddElement(document, "body"), story, names);
+  AddBody(AddElement(document, "body"), story, names, rules);
   std::ostringstream page;
   page << kPageStart;
   document.child("title").print(page, "", kFormat);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include <zelstoryparser/HeadingRules.h>
 #include <zelstoryparser/StoryTree.h>
 
 namespace zelstory {
@@ -18,7 +19,9 @@ std::string TitleIn(const zelstoryparser::TavroStory& story);
 
 // A story as one self-contained HTML page, in UTF-8: a chart of who speaks in which scene, one of
 // the scenes' lengths, tables of scenes and characters with links into the screenplay, and the
-// screenplay. Well-formed as XML, too. No text of the story can become markup.
-std::string MakeReportPage(const zelstoryparser::TavroStory& story, const PageNames& names);
+// screenplay. `rules` say how headings are read. Well-formed as XML, too. No text of the story can
+// become markup.
+std::string MakeReportPage(const zelstoryparser::TavroStory& story, const PageNames& names,
+                           const zelstoryparser::HeadingRules& rules);
 
 }  // namespace zelstory

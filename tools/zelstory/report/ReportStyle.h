@@ -90,8 +90,9 @@ h1, td, tbody th, #page p, #page h3 .text { unicode-bidi: plaintext; }
   td.duration { display: inline; } td.duration::before { content: ""; display: block; }
   td.words::before { content: "words\A0"; } td.speeches::before { content: "speeches\A0"; }
   td.first::before { content: "first\A0"; } td.last::before { content: "last\A0"; }
-  td.scenes::before { content: "scenes\A0"; }
-  td.count, td.who, td.ranges { color: var(--faint); } td.who:not(:empty), td.ranges { display: block; }
+  td.scenes::before { content: "scenes\A0"; } td.extensions::before { content: "extensions\A0"; }
+  td.count, td.who, td.ranges, td.extensions { color: var(--faint); }
+  td.who:not(:empty), td.ranges, td.extensions:not(:empty) { display: block; }
   #page { font-size: .88rem; } #page h3 { gap: .75em; }
   #page .character { margin-left: 28%; }
   #page .dialog { margin-left: 10%; margin-right: 8%; }

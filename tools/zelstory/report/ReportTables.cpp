@@ -1,22 +1,24 @@
 #include "report/ReportTables.h"
 
-#include <unordered_set>
+#include <algorithm>
 #include <utility>
 
 #include <zelstoryhost/RunningTime.h>
 #include <zelstoryhost/SceneFacts.h>
+#include <zelstoryhost/Table.h>
 
 #include "report/ReportMarkup.h"
 
 namespace zelstory {
 
+using zelstoryhost::Cell;
 using zelstoryhost::CharacterFacts;
+using zelstoryhost::CharactersOf;
 using zelstoryhost::DescribeDuration;
 using zelstoryhost::RunningTime;
 using zelstoryhost::RunningTimes;
 using zelstoryhost::SceneFacts;
 using zelstoryhost::SceneName;
-using zelstoryhost::Speech;
 
 namespace {
 
@@ -48,14 +50,12 @@ void AddCount(pugi::xml_node row, const char* className, std::int64_t count) {
 }
 
 // The first few in order of appearance, and how many more.
-std::string CharactersOf(const SceneFacts& scene) {
+std::string DescribeCharacters(const SceneFacts& scene) {
   constexpr std::size_t kNamed = 6;
-  std::unordered_set<std::string> characters;
+  const std::vector<std::string> characters = CharactersOf(scene);
   std::string names;
-  for (const Speech& speech : scene.mSpeeches) {
-    const bool isNew = characters.insert(speech.mCharacter).second;
-    if (!isNew || characters.size() > kNamed) continue;
-    names += (characters.size() == 1 ? "" : ", ") + speech.mCharacter;
+  for (std::size_t i = 0; i < std::min(characters.size(), kNamed); ++i) {
+    names += (i == 0 ? "" : ", ") + characters[i];
   }
   if (characters.size() > kNamed)
     names += " and " + std::to_string(characters.size() - kNamed) + " more";
@@ -73,7 +73,7 @@ void AddSceneRow(pugi::xml_node rows, const SceneFacts& scene, const RunningTime
              time.mHasKnown ? seconds : "\xE2\x89\x88 " + seconds);  // "almost equal to"
   AddCount(row, "count words", scene.mWords);
   AddCount(row, "count speeches", static_cast<std::int64_t>(scene.mSpeeches.size()));
-  AddElement(row, "td", "who", CharactersOf(scene));
+  AddElement(row, "td", "who", DescribeCharacters(scene));
 }
 
 void AddSceneCell(pugi::xml_node row, const char* className, const SceneFacts& scene) {
@@ -105,6 +105,7 @@ void AddCharacterRow(pugi::xml_node rows, const std::vector<SceneFacts>& scenes,
   AddSceneCell(row, "count last", scenes[character.mScenes.back().mPosition - 1]);
   AddCount(row, "count scenes", static_cast<std::int64_t>(character.mScenes.size()));
   AddSceneRanges(AddElement(row, "td", "ranges"), scenes, character);
+  AddElement(row, "td", "extensions", TextOf(Cell(character.mExtensions)));
 }
 
 }  // namespace
@@ -138,7 +139,8 @@ void AddCharacterTable(pugi::xml_node parent, const std::vector<SceneFacts>& sce
                 {"First", "count"},
                 {"Last", "count"},
                 {"Scenes", "count"},
-                {"Speaks in", ""}});
+                {"Speaks in", ""},
+                {"Extensions", ""}});
   for (const CharacterFacts& character : characters) AddCharacterRow(rows, scenes, character);
 }
 

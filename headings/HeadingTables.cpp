@@ -1,0 +1,32 @@
+#include "headings/HeadingTables.h"
+
+namespace zelstoryparser {
+
+HeadingTables::Symbol HeadingTables::Find(const std::u32string& word) const {
+  const auto known = mSymbols.find(word);
+  return known == mSymbols.end() ? kUnknown : known->second;
+}
+
+std::size_t HeadingTables::Next(std::size_t place, Symbol symbol) const {
+  const auto next = mNext.find({place, symbol});
+  return next == mNext.end() ? kNowhere : next->second;
+}
+
+HeadingTables::Symbol HeadingTables::Add(const std::u32string& word) {
+  const auto next = static_cast<Symbol>(mSymbols.size() + 1);  // after kSlash
+  return mSymbols.try_emplace(word, next).first->second;
+}
+
+void HeadingTables::AddSpelling(const std::vector<Symbol>& symbols, WordClass wordClass,
+                                bool needsStop) {
+  std::size_t place = kRoot;
+  for (const Symbol symbol : symbols) {
+    const auto [next, isNew] = mNext.try_emplace({place, symbol}, mPlaces.size());
+    if (isNew) mPlaces.emplace_back();
+    place = next->second;
+  }
+  (needsStop ? mPlaces[place].mStopClasses : mPlaces[place].mClasses) |= wordClass;
+  mUsedClasses |= wordClass;
+}
+
+}  // namespace zelstoryparser
