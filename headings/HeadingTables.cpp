@@ -2,7 +2,7 @@
 
 namespace zelstoryparser {
 
-HeadingTables::Symbol HeadingTables::Find(const std::u32string& word) const {
+HeadingTables::Symbol HeadingTables::Find(std::u32string_view word) const {
   const auto known = mSymbols.find(word);
   return known == mSymbols.end() ? kUnknown : known->second;
 }
@@ -12,9 +12,11 @@ std::size_t HeadingTables::Next(std::size_t place, Symbol symbol) const {
   return next == mNext.end() ? kNowhere : next->second;
 }
 
-HeadingTables::Symbol HeadingTables::Add(const std::u32string& word) {
+HeadingTables::Symbol HeadingTables::Add(std::u32string_view word) {
+  if (const Symbol known = Find(word); known != kUnknown) return known;
   const auto next = static_cast<Symbol>(mSymbols.size() + 1);  // after kSlash
-  return mSymbols.try_emplace(word, next).first->second;
+  mSymbols.emplace(word, next);
+  return next;
 }
 
 void HeadingTables::AddSpelling(const std::vector<Symbol>& symbols, WordClass wordClass,

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <memory_resource>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -21,8 +24,15 @@ enum WordClass : unsigned {
 
 // The spellings of all languages, and the separators besides dashes. A spelling is a row of
 // symbols: its words, without case and accents, and slashes. Built once, then only read.
+//
+// What the maps hold comes from few blocks of memory, because every run of a program that reads
+// headings builds these tables.
 class HeadingTables {
  public:
+  HeadingTables() = default;
+  HeadingTables(const HeadingTables&) = delete;
+  HeadingTables& operator=(const HeadingTables&) = delete;
+
   using Symbol = std::int32_t;
   static constexpr Symbol kUnknown = -1;
   static constexpr Symbol kSlash = 0;
@@ -36,7 +46,7 @@ class HeadingTables {
   static constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
 
   // The symbol of a folded word; kUnknown if no spelling has it.
-  Symbol Find(const std::u32string& word) const;
+  Symbol Find(std::u32string_view word) const;
 
   // The place behind a symbol; kNowhere if no spelling goes on so.
   std::size_t Next(std::size_t place, Symbol symbol) const;
@@ -46,15 +56,16 @@ class HeadingTables {
   const std::vector<std::string>& Languages() const { return mLanguages; }
 
   // The symbol of a word, which is new if need be.
-  Symbol Add(const std::u32string& word);
+  Symbol Add(std::u32string_view word);
   void AddSpelling(const std::vector<Symbol>& symbols, WordClass wordClass, bool needsStop);
   void AddSeparator(char32_t character) { mSeparators.insert(character); }
   void AddLanguage(std::string name) { mLanguages.push_back(std::move(name)); }
   bool HasSpellings(unsigned classes) const { return (mUsedClasses & classes) != 0; }
 
  private:
-  std::map<std::u32string, Symbol> mSymbols;
-  std::map<std::pair<std::size_t, Symbol>, std::size_t> mNext;
+  std::pmr::monotonic_buffer_resource mMemory{std::size_t{64} << 10};
+  std::pmr::map<std::pmr::u32string, Symbol, std::less<>> mSymbols{&mMemory};
+  std::pmr::map<std::pair<std::size_t, Symbol>, std::size_t> mNext{&mMemory};
   std::vector<Place> mPlaces = {Place()};
   std::set<char32_t> mSeparators;
   std::vector<std::string> mLanguages;

@@ -8,20 +8,15 @@
 namespace zelstoryparser {
 namespace {
 
-struct Character {
-  char32_t mValue = 0;
-  std::size_t mBegin = 0;  // in code units
-};
-
 // The characters of a text, and one behind its end. Half a surrogate pair is a character.
-std::vector<Character> CharactersOf(std::u16string_view text) {
-  std::vector<Character> characters;
+std::vector<HeadingCharacter> CharactersOf(std::u16string_view text) {
+  std::vector<HeadingCharacter> characters;
   characters.reserve(text.size() + 1);
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto is = [text](std::size_t at, unsigned half) {
       return at < text.size() && (text[at] & 0xFC00u) == half;
     };
-    Character character{text[i], i};
+    HeadingCharacter character{text[i], i};
     if (is(i, 0xD800) && is(i + 1, 0xDC00)) {
       character.mValue = 0x10000 + ((text[i] & 0x3FFu) << 10) + (text[i + 1] & 0x3FFu);
       ++i;
@@ -113,10 +108,13 @@ std::string NumberText(const std::u32string& folded) {
 template <typename SymbolOf>
 class Tokenizer {
  public:
-  Tokenizer(std::u16string_view text, const HeadingTables& tables, SymbolOf symbolOf)
-      : mCharacters(CharactersOf(text)), mTables(tables), mSymbolOf(symbolOf) {}
+  // `buffers` hold the characters; the tokens are put into them.
+  Tokenizer(TokenBuffers& buffers, const HeadingTables& tables, SymbolOf symbolOf)
+      : mBuffers(buffers), mTables(tables), mSymbolOf(symbolOf) {}
 
-  HeadingTokens Run() {
+  void Run() {
+    mTokens.clear();
+    mOpen.clear();
     while (mAt + 1 < mCharacters.size()) {
       const char32_t c = Value(mAt);
       if (IsWordCharacter(c)) {
@@ -129,7 +127,6 @@ class Tokenizer {
         AddMark(KindOf(c));
       }
     }
-    return std::move(mTokens);
   }
 
  private:
@@ -147,7 +144,8 @@ class Tokenizer {
   }
 
   void AddWord() {
-    std::u32string folded;
+    std::u32string& folded = mBuffers.mWord;
+    folded.clear();
     std::size_t end = mAt;
     std::size_t next = mAt;
     while (IsWordAt(next) || IsFormat(Value(next)) || (IsApostrophe(Value(next)) && end == next)) {
@@ -181,25 +179,43 @@ class Tokenizer {
     mOpen.pop_back();
   }
 
-  const std::vector<Character> mCharacters;
+  TokenBuffers& mBuffers;
+  const std::vector<HeadingCharacter>& mCharacters = mBuffers.mCharacters;
+  HeadingTokens& mTokens = mBuffers.mTokens;
+  std::vector<std::size_t>& mOpen = mBuffers.mOpen;
   const HeadingTables& mTables;
   SymbolOf mSymbolOf;
   std::size_t mAt = 0;  // in mCharacters
-  HeadingTokens mTokens;
-  std::vector<std::size_t> mOpen;  // parentheses
 };
 
 }  // namespace
 
 HeadingTokens TokensOf(std::u16string_view text, const HeadingTables& tables) {
-  return Tokenizer(text, tables,
-                   [&tables](const std::u32string& word) { return tables.Find(word); })
-      .Run();
+  TokenBuffers buffers;
+  buffers.mCharacters = CharactersOf(text);
+  Tokenizer(buffers, tables, [&tables](std::u32string_view word) {
+    return tables.Find(word);
+  }).Run();
+  return std::move(buffers.mTokens);
 }
 
-HeadingTokens TokensOfSpelling(std::u16string_view text, HeadingTables& tables) {
-  return Tokenizer(text, tables, [&tables](const std::u32string& word) { return tables.Add(word); })
-      .Run();
+const HeadingTokens& TokensOfSpelling(std::string_view text, HeadingTables& tables,
+                                      TokenBuffers& buffers) {
+  buffers.mCharacters.clear();
+  std::size_t at = 0;
+  while (at < text.size()) {
+    utf8proc_int32_t character = 0;
+    const utf8proc_ssize_t length =
+        utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data() + at),
+                         static_cast<utf8proc_ssize_t>(text.size() - at), &character);
+    buffers.mCharacters.push_back({static_cast<char32_t>(character), at});
+    at += static_cast<std::size_t>(std::max<utf8proc_ssize_t>(length, 1));
+  }
+  buffers.mCharacters.push_back({0, at});
+  Tokenizer(buffers, tables, [&tables](std::u32string_view word) {
+    return tables.Add(word);
+  }).Run();
+  return buffers.mTokens;
 }
 
 }  // namespace zelstoryparser

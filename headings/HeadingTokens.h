@@ -37,10 +37,25 @@ struct HeadingToken {
 
 using HeadingTokens = std::vector<HeadingToken>;
 
+struct HeadingCharacter {
+  char32_t mValue = 0;
+  std::size_t mBegin = 0;  // in UTF-16 code units
+};
+
+// What splitting a text needs. Used again, it allocates nothing for most texts.
+struct TokenBuffers {
+  std::vector<HeadingCharacter> mCharacters;  // and one behind the end
+  HeadingTokens mTokens;
+  std::vector<std::size_t> mOpen;  // parentheses
+  std::u32string mWord;            // folded
+};
+
 // Splits a text into tokens, in linear time. Words that `tables` does not have are kUnknown.
 HeadingTokens TokensOf(std::u16string_view text, const HeadingTables& tables);
 
-// The same for a spelling: its words become symbols of `tables`.
-HeadingTokens TokensOfSpelling(std::u16string_view text, HeadingTables& tables);
+// Likewise for a spelling in UTF-8, which must be well-formed: its words become symbols of
+// `tables`. The result lives as long as `buffers` and until they are used again.
+const HeadingTokens& TokensOfSpelling(std::string_view text, HeadingTables& tables,
+                                      TokenBuffers& buffers);
 
 }  // namespace zelstoryparser

@@ -147,9 +147,9 @@ class RulesReader {
   }
 
   bool AddSpelling(std::string_view value, WordClass wordClass) {
-    std::vector<HeadingTables::Symbol> symbols;
-    const UTF16String text = zelcore::utility::UTF8to16(value);
-    const HeadingTokens tokens = TokensOfSpelling(text, mTables);
+    std::vector<HeadingTables::Symbol>& symbols = mSymbols;
+    symbols.clear();
+    const HeadingTokens& tokens = TokensOfSpelling(value, mTables, mBuffers);
     for (const HeadingToken& token : tokens) {
       if (token.mSymbol != HeadingTables::kUnknown) symbols.push_back(token.mSymbol);
     }
@@ -170,6 +170,8 @@ class RulesReader {
   HeadingRulesFault& mFault;
   std::string_view mLine;
   std::size_t mNumber = 0;
+  TokenBuffers mBuffers;
+  std::vector<HeadingTables::Symbol> mSymbols;  // of one spelling
 };
 
 }  // namespace
