@@ -94,7 +94,7 @@ bool IsBlank(std::string_view line) {
 }
 
 bool IsEscapable(std::string_view text) {
-  constexpr std::string_view kWhiteSpace = " \t\n\f";
+  constexpr std::string_view kWhiteSpace = " \t\n\v\f";
   return !text.empty() && kWhiteSpace.find(text[0]) == std::string_view::npos &&
          !BeginsWithLetterOrDigit(text);
 }

@@ -46,7 +46,8 @@ void FountainText::TakeCharacter() {
     case '\t':
       mText += "    ";
       break;
-    case '\f':  // the page break of a printer
+    case '\f':  // the page break and the tab of a printer
+    case '\v':
       break;
     case '\\':
       mText += c;
