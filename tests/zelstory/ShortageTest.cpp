@@ -35,17 +35,18 @@ class ShortageTest : public Scratch, public testing::WithParamInterface<const ch
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Commands, ShortageTest,
-                         testing::Values("check s.quor", "show s.quor", "show s.quor --json",
-                                         "scenes s.quor", "characters s.quor --csv",
-                                         "stats s.quor --json",
-                                         "write s.quor clip.xmp --position 1",
-                                         "write s.quor clip.xmp --position 1 --dry-run",
-                                         "clear clip.xmp", "has clip.xmp", "xmp clip.xmp",
-                                         "xmp clip.xmp --json", "tag s.quor --table t.csv --json",
-                                         "shots s.quor --out D", "report s.quor --html p.html",
-                                         "dump s.quor", "scenes s.fountain", "convert s.quor c.fdx",
-                                         "--version", "report --help", "unknown"));
+INSTANTIATE_TEST_SUITE_P(
+    Commands, ShortageTest,
+    testing::Values("check s.quor --headings exact", "show s.quor", "show s.quor --json",
+                    "scenes s.quor", "characters s.quor --csv", "stats s.quor --json",
+                    "write s.quor clip.xmp --position 1 --headings exact",
+                    "write s.quor clip.xmp --position 1 --dry-run", "clear clip.xmp",
+                    "has clip.xmp", "xmp clip.xmp", "xmp clip.xmp --json",
+                    "tag s.quor --table t.csv --json --headings exact",
+                    "shots s.quor --out D --headings exact",
+                    "report s.quor --html p.html --headings exact", "dump s.quor",
+                    "scenes s.fountain --headings exact", "convert s.quor c.fdx", "--version",
+                    "report --help", "unknown"));
 
 TEST_P(ShortageTest, EveryAllocationMayFail) {
 #if !defined(ZELSTORY_SHORTAGE)

@@ -56,10 +56,12 @@ std::string WriteTitlePage(const std::string& metadata, FindingList& findings) {
   std::string page;
   ForEachLine(std::string_view(metadata), [&page](std::string_view line) {
     if (IsBlank(line)) return;
-    const bool hasKey = TitleKeyIn(line).has_value();
+    const bool isIndented = line.starts_with(' ');
+    const bool escapesFirst = !isIndented && !TitleKeyIn(line) && IsEscapable(line);
+    const std::string written = WithEscapes(Trim(line), escapesFirst);
+    const bool hasKey = !isIndented && TitleKeyIn(written);
     if (page.empty() && !hasKey) page += "Notes:\n";
-    if (!hasKey) page += kIndent;
-    (page += WithEscapes(Trim(line))) += '\n';
+    ((page += hasKey ? "" : kIndent) += written) += '\n';
   });
   FindingList unused;
   if (ReadTitlePage(FountainText(page, unused), unused).mMetadata != metadata) {
