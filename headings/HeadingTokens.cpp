@@ -5,6 +5,8 @@
 
 #include <utf8proc.h>
 
+#include "headings/UTF8.h"
+
 namespace zelstoryparser {
 namespace {
 
@@ -204,12 +206,9 @@ const HeadingTokens& TokensOfSpelling(std::string_view text, HeadingTables& tabl
   buffers.mCharacters.clear();
   std::size_t at = 0;
   while (at < text.size()) {
-    utf8proc_int32_t character = 0;
-    const utf8proc_ssize_t length =
-        utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data() + at),
-                         static_cast<utf8proc_ssize_t>(text.size() - at), &character);
-    buffers.mCharacters.push_back({static_cast<char32_t>(character), at});
-    at += static_cast<std::size_t>(std::max<utf8proc_ssize_t>(length, 1));
+    HeadingCharacter character{0, at};
+    at += std::max<std::size_t>(LengthOfFirst(text.substr(at), character.mValue), 1);
+    buffers.mCharacters.push_back(character);
   }
   buffers.mCharacters.push_back({0, at});
   Tokenizer(buffers, tables, [&tables](std::u32string_view word) {

@@ -8,6 +8,7 @@
 
 #include "headings/HeadingTokens.h"
 #include "headings/Languages.h"
+#include "headings/UTF8.h"
 
 namespace zelstoryparser {
 namespace {
@@ -30,16 +31,6 @@ std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r";
   const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
   return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-}
-
-// The bytes of the first character; 0 if it is ill-formed.
-std::size_t LengthOfFirst(std::string_view text, char32_t& character) {
-  utf8proc_int32_t value = 0;
-  const utf8proc_ssize_t length =
-      utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                       static_cast<utf8proc_ssize_t>(text.size()), &value);
-  character = static_cast<char32_t>(value);
-  return length > 0 ? static_cast<std::size_t>(length) : 0;
 }
 
 // The place of the first ill-formed byte; kNone if there is none.

@@ -87,13 +87,19 @@ TimeUnit UnitAt(const HeadingTables& tables, const HeadingTokens& tokens, std::s
   return {at, match.mEnd, makesTime, false, isClock};
 }
 
-// Appends a unit. A word of the clock beside a number makes a time.
-void Append(TimeUnit unit, std::vector<TimeUnit>& units) {
+// Appends the unit at a token, and moves behind it; returns false if there is none. A word of the
+// clock beside a number makes a time.
+bool TakeUnit(const HeadingTables& tables, const HeadingTokens& tokens, std::size_t& at,
+              std::size_t end, std::vector<TimeUnit>& units) {
+  TimeUnit unit = UnitAt(tables, tokens, at, end);
+  if (unit.mEnd == 0) return false;
   if (!units.empty()) {
     const TimeUnit& last = units.back();
     unit.mMakesTime |= (unit.mIsClock && last.mIsNumber) || (unit.mIsNumber && last.mIsClock);
   }
   units.push_back(unit);
+  at = unit.mEnd;
+  return true;
 }
 
 bool JoinsUnits(TokenKind kind) {
@@ -136,15 +142,9 @@ std::vector<TimeUnit> UnitsFrom(const HeadingTables& tables, const HeadingTokens
                                 std::size_t begin, std::size_t end) {
   std::vector<TimeUnit> units;
   for (std::size_t at = begin; at < end;) {
-    const TimeUnit unit = UnitAt(tables, tokens, at, end);
-    if (unit.mEnd > 0) {
-      Append(unit, units);
-      at = unit.mEnd;
-    } else if (at > begin && JoinsUnits(tokens[at].mKind)) {
-      ++at;
-    } else {
-      break;
-    }
+    if (TakeUnit(tables, tokens, at, end, units)) continue;
+    if (at == begin || !JoinsUnits(tokens[at].mKind)) break;
+    ++at;
   }
   return units;
 }
@@ -153,12 +153,7 @@ std::vector<TimeUnit> UnitsUpTo(const HeadingTables& tables, const HeadingTokens
                                 std::size_t begin, std::size_t end) {
   std::vector<TimeUnit> units;
   for (std::size_t at = begin; at < end;) {
-    const TimeUnit unit = UnitAt(tables, tokens, at, end);
-    if (unit.mEnd > 0) {
-      Append(unit, units);
-      at = unit.mEnd;
-      continue;
-    }
+    if (TakeUnit(tables, tokens, at, end, units)) continue;
     if (!JoinsUnits(tokens[at].mKind)) units.clear();
     ++at;
   }

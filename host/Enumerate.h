@@ -5,17 +5,27 @@
 #include <string>
 #include <vector>
 
+#include "Quoted.h"
+
 namespace zelstoryhost {
 
-// The first few numbers, and how many more there are, so that a message stays short.
-inline std::string Enumerate(const std::vector<std::size_t>& numbers) {
+inline std::string Named(std::size_t number) {
+  return std::to_string(number);
+}
+inline std::string Named(const std::string& text) {
+  return Quoted(text);
+}
+
+// The first few numbers or texts, and how many more there are, so that a message stays short.
+template <typename Item>
+std::string Enumerate(const std::vector<Item>& items) {
   constexpr std::size_t kNamed = 5;
   std::string text;
-  for (std::size_t i = 0; i < std::min(numbers.size(), kNamed); ++i) {
-    text += (i > 0 ? ", " : "") + std::to_string(numbers[i]);
+  for (std::size_t i = 0; i < std::min(items.size(), kNamed); ++i) {
+    text += (i > 0 ? ", " : "") + Named(items[i]);
   }
-  if (numbers.size() <= kNamed) return text;
-  return text + " and " + std::to_string(numbers.size() - kNamed) + " more";
+  if (items.size() <= kNamed) return text;
+  return text + " and " + std::to_string(items.size() - kNamed) + " more";
 }
 
 }  // namespace zelstoryhost

@@ -10,6 +10,8 @@
 
 #include <zelstoryhost/Text.h>
 
+#include "Letters.h"
+
 namespace zelstoryhost {
 namespace {
 
@@ -36,22 +38,6 @@ bool IsBlank(char32_t character) {
   const auto category = utf8proc_category(static_cast<utf8proc_int32_t>(character));
   return category == UTF8PROC_CATEGORY_ZS || category == UTF8PROC_CATEGORY_ZL ||
          category == UTF8PROC_CATEGORY_ZP || (character >= U'\t' && character <= U'\r');
-}
-
-bool IsLetterOrDigit(char32_t character) {
-  switch (utf8proc_category(static_cast<utf8proc_int32_t>(character))) {
-    case UTF8PROC_CATEGORY_LU:
-    case UTF8PROC_CATEGORY_LL:
-    case UTF8PROC_CATEGORY_LT:
-    case UTF8PROC_CATEGORY_LM:
-    case UTF8PROC_CATEGORY_LO:
-    case UTF8PROC_CATEGORY_MN:
-    case UTF8PROC_CATEGORY_MC:
-    case UTF8PROC_CATEGORY_ND:
-      return true;
-    default:
-      return false;
-  }
 }
 
 // Calls `take` with each character of a text: its value, and its bytes.

@@ -87,17 +87,6 @@ class Spelled {
   std::unordered_set<std::string> mTexts;
 };
 
-// The first few texts, and how many more there are.
-std::string Enumerate(const std::vector<std::string>& texts) {
-  constexpr std::size_t kNamed = 5;
-  std::string text;
-  for (std::size_t i = 0; i < std::min(texts.size(), kNamed); ++i) {
-    text += (i > 0 ? ", " : "") + Quoted(texts[i]);
-  }
-  if (texts.size() <= kNamed) return text;
-  return text + " and " + std::to_string(texts.size() - kNamed) + " more";
-}
-
 class StoryCheck {
  public:
   StoryCheck(const TavroStory& story, const HeadingRules& rules, const BodyPositions& positions)

@@ -53,8 +53,8 @@ struct SidecarChange {
 };
 
 // Writes a scene, which must not be null, into a sidecar's metadata; `rules` say how its heading is
-// read. Throws Error when the toolkit
-// refuses the change. Then discard the sidecar: its metadata is undefined, its file unchanged.
+// read. Throws Error when the toolkit refuses the change. Then discard the sidecar: its metadata is
+// undefined, its file unchanged.
 ZELSTORYHOST_API SidecarChange WriteScene(
     const boost::intrusive_ptr<zelstoryparser::Scene>& scene, OldScene oldScene, Sidecar& sidecar,
     const zelstoryparser::HeadingRules& rules = zelstoryparser::ExactHeadingRules());

@@ -19,6 +19,7 @@ namespace zelstoryparser {
 using zelcore::UTF16String;
 
 class HeadingTables;
+struct HeadingRulesFault;
 
 // Rules for headings. A value; copying one is cheap, because copies share their tables, which never
 // change. Several threads may use one object at once.
@@ -26,9 +27,6 @@ class ZELSTORYPARSER_API HeadingRules {
  public:
   // The exact rule.
   HeadingRules();
-
-  // Rules of words. `tables` is a type of the library's own: see ReadHeadingRules.
-  explicit HeadingRules(std::shared_ptr<const HeadingTables> tables);
 
   HeadingRules(const HeadingRules& other);
   HeadingRules& operator=(const HeadingRules& other);
@@ -40,10 +38,14 @@ class ZELSTORYPARSER_API HeadingRules {
   // live as long as this object or a copy of it.
   const std::vector<std::string>& Languages() const;
 
-  // Null for the exact rule.
+  // The words; null for the exact rule. The type is the library's own.
   const HeadingTables* Tables() const { return mTables.get(); }
 
  private:
+  friend std::optional<HeadingRules> ReadHeadingRules(std::string_view text,
+                                                      HeadingRulesFault& fault);
+  explicit HeadingRules(std::shared_ptr<const HeadingTables> tables);
+
   std::shared_ptr<const HeadingTables> mTables;
 };
 

@@ -8,6 +8,7 @@
 
 #include <zelstoryhost/Text.h>
 
+#include "Letters.h"
 #include "LowerCase.h"
 
 namespace zelstoryhost::fountain {
@@ -19,12 +20,6 @@ constexpr bool IsASCII(char c) {
 
 constexpr bool IsASCIILetterOrDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-bool IsLetterOrDigit(char32_t character) {
-  const utf8proc_category_t category = utf8proc_category(static_cast<utf8proc_int32_t>(character));
-  return (category >= UTF8PROC_CATEGORY_LU && category <= UTF8PROC_CATEGORY_LO) ||
-         (category >= UTF8PROC_CATEGORY_ND && category <= UTF8PROC_CATEGORY_NO);
 }
 
 bool BeginsWithLetterOrDigit(std::string_view text) {
