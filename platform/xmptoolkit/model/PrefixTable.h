@@ -35,6 +35,7 @@ class PrefixTable {
   // The namespaces to declare, in the order of their first use, without rdf and xml.
   const std::vector<NamespaceId>& Declared() const { return mDeclared; }
   const std::string& PrefixOf(NamespaceId space) const { return mPrefixes[space]; }
+  const std::vector<std::string>& Prefixes() const { return mPrefixes; }  // by namespace
 
  private:
   void Collect(const Node& node, std::vector<bool>& isUsed);

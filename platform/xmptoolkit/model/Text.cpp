@@ -64,6 +64,7 @@ constexpr ByteSet ASCIINameCharacters() {
 
 constexpr ByteSet kTextSpecials = SetOf("&<>\r");
 constexpr ByteSet kAttributeSpecials = SetOf("&<\"\t\n\r");
+constexpr ByteSet kSingleQuotedSpecials = SetOf("&<'\t\n\r");
 constexpr ByteSet kASCIINameCharacters = ASCIINameCharacters();
 
 bool Contains(const ByteSet& set, char byte) {
@@ -109,6 +110,8 @@ const char* ReferenceTo(char special) {
       return "&gt;";
     case '"':
       return "&quot;";
+    case '\'':
+      return "&apos;";
     case '\t':
       return "&#x9;";
     case '\n':
@@ -173,8 +176,8 @@ void AppendEscapedText(std::string_view value, std::string& xml) {
   AppendEscaped(value, kTextSpecials, xml);
 }
 
-void AppendEscapedAttribute(std::string_view value, std::string& xml) {
-  AppendEscaped(value, kAttributeSpecials, xml);
+void AppendEscapedAttribute(std::string_view value, std::string& xml, char quote) {
+  AppendEscaped(value, quote == '"' ? kAttributeSpecials : kSingleQuotedSpecials, xml);
 }
 
 std::string Quoted(std::string_view text) {

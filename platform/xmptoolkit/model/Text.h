@@ -36,8 +36,8 @@ bool IsWhiteSpace(std::string_view text);
 // characters.
 void AppendEscapedText(std::string_view value, std::string& xml);
 
-// Appends a value as the content of an attribute in double quotes.
-void AppendEscapedAttribute(std::string_view value, std::string& xml);
+// Appends a value as the content of an attribute in quotes, double or single ones.
+void AppendEscapedAttribute(std::string_view value, std::string& xml, char quote = '"');
 
 // A text for a message: in double quotes, cut off after 100 bytes, malformed bytes shown as "?".
 std::string Quoted(std::string_view text);
