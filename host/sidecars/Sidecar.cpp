@@ -80,20 +80,27 @@ void Sidecar::RefuseProtected() const {
 }
 
 std::string Sidecar::NewBytes() const {
-  if (!IsChanged()) return mBytes.value_or("");
-  std::string bytes;
+  return Patch().mNewFile;
+}
+
+xmptoolkit::PacketPatch Sidecar::Patch() const {
+  xmptoolkit::PacketPatch patch;
+  if (!IsChanged()) {
+    patch.mNewFile = mBytes.value_or("");
+    return patch;
+  }
   try {
     if (mBytes) {
-      const auto size = static_cast<XMP_StringLen>(mBytes->size());
-      TXMPUtils::ReplacePacket(mBytes->data(), size, mMetadata, &bytes);
-    } else {
-      mMetadata.SerializeToBuffer(&bytes);
+      return xmptoolkit::PatchPacket(mBytes->data(), static_cast<XMP_StringLen>(mBytes->size()),
+                                     mBefore, mMetadata);
     }
+    mMetadata.SerializeToBuffer(&patch.mNewFile);
   } catch (const XMP_Error& error) {
     throw Error(mFile, error.GetErrMsg());
   }
-  RefuseUnlessReadable(bytes);
-  return bytes;
+  RefuseUnlessReadable(patch.mNewFile);
+  patch.mChanges.push_back({0, 0, patch.mNewFile});
+  return patch;
 }
 
 void Sidecar::RefuseUnlessReadable(const std::string& bytes) const {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include <xmptoolkit/PacketPatch.h>
 #include <xmptoolkit/XMP.h>
 #include <zelstoryhost/Export.h>
 #include <zelstoryhost/Files.h>
@@ -37,11 +38,12 @@ class ZELSTORYHOST_API Sidecar {
   void RefuseProtected() const;
 
   // What the file would hold after Save: the bytes as they were read where nothing has changed,
-  // else with a new packet in place of the old one. What surrounds the packet stays, and so do its
-  // encoding and its wrapper. The length stays where the packet's padding allows; otherwise the
-  // padding is renewed. Throws Error for metadata that could not be read again, such as a URI
-  // beyond the limit of a tag.
+  // else with the changes made in place, as xmptoolkit::PatchPacket makes them. Throws Error for
+  // metadata that could not be read again, such as a URI beyond the limit of a tag.
   std::string NewBytes() const;
+
+  // The same bytes, and which parts of the old ones they replace.
+  xmptoolkit::PacketPatch Patch() const;
 
   // Writes these bytes to the file, whole or not at all, if the metadata has changed. Throws Error;
   // the file is then as it was.

@@ -172,7 +172,13 @@ bool IsWhiteSpace(std::string_view text) {
   return text.find_first_not_of(" \t\n\r") == std::string_view::npos;
 }
 
-void AppendEscapedText(std::string_view value, std::string& xml) {
+void AppendEscapedText(std::string_view value, std::string& xml, std::string_view newline) {
+  if (newline != "\n") {
+    for (std::size_t end; (end = value.find('\n')) != value.npos; value.remove_prefix(end + 1)) {
+      AppendEscaped(value.substr(0, end), kTextSpecials, xml);
+      xml += newline;
+    }
+  }
   AppendEscaped(value, kTextSpecials, xml);
 }
 

@@ -33,8 +33,8 @@ bool IsReservedName(std::string_view name);
 bool IsWhiteSpace(std::string_view text);
 
 // Appends a value as the content of an element, so that an XML reader gets back the same
-// characters.
-void AppendEscapedText(std::string_view value, std::string& xml);
+// characters. `newline` is written for each line feed: what XML reads as one.
+void AppendEscapedText(std::string_view value, std::string& xml, std::string_view newline = "\n");
 
 // Appends a value as the content of an attribute in quotes, double or single ones.
 void AppendEscapedAttribute(std::string_view value, std::string& xml, char quote = '"');

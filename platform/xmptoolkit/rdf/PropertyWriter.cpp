@@ -108,18 +108,8 @@ void PropertyWriter::WriteSimple(const Node& node, NameId name) {
     return EndLine();
   }
   mXML += '>';
-  WriteText(node.Value());
+  AppendEscapedText(node.Value(), mXML, mLayout.mTextNewline);
   CloseTag(name);
-}
-
-void PropertyWriter::WriteText(std::string_view text) {
-  if (mLayout.mTextHasNewlines) {
-    for (std::size_t end; (end = text.find('\n')) != text.npos; text.remove_prefix(end + 1)) {
-      AppendEscapedText(text.substr(0, end), mXML);
-      EndLine();
-    }
-  }
-  AppendEscapedText(text, mXML);
 }
 
 void PropertyWriter::WriteArray(const Node& node, NameId name, int level) {

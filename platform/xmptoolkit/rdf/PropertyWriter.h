@@ -22,7 +22,7 @@ struct RDFLayout {
   char mQuote = '"';
   StructForm mStructForm = StructForm::kResource;
   bool mFieldsAreAttributes = false;  // of structs whose fields all fit into attributes
-  bool mTextHasNewlines = false;      // line feeds in the text of elements become mNewline
+  std::string mTextNewline = "\n";    // for line feeds in the text of elements
 };
 
 // True when an attribute can say all that the metadata has: a name and a value. An attribute's
@@ -65,7 +65,7 @@ class PropertyWriter {
   void WriteWithValueElement(const Node& node, int level);
   void WriteElement(const Node& node, NameId name, int level, Carried carried);
   void WriteSimple(const Node& node, NameId name);
-  void WriteText(std::string_view text);
+
   void WriteArray(const Node& node, NameId name, int level);
   void WriteStruct(const Node& node, NameId name, int level);
   void WriteResource(const Node& node, NameId name, int level);

@@ -23,7 +23,6 @@ class Writer {
  public:
   Writer(const Document& document, const RDFLayout& layout, std::string xml)
       : mDocument(document),
-        mLayout(layout),
         mPrefixes(document),
         mXML(std::move(xml)),
         mProperties(document.mNames, mPrefixes.Prefixes(), layout, mXML) {}
@@ -39,7 +38,6 @@ class Writer {
   }
 
   const Document& mDocument;
-  const RDFLayout& mLayout;
   const PrefixTable mPrefixes;
   std::string mXML;
   PropertyWriter mProperties;
