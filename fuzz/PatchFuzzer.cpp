@@ -3,7 +3,6 @@
 #include <string>
 
 #include <xmptoolkit/PacketPatch.h>
-#include <zelcore/UTF8.h>
 
 #include "PacketMaker.h"
 
@@ -31,16 +30,12 @@ std::string Encoded(std::string_view text, XMP_OptionBits encoding) {
       bytes += static_cast<char>(unit >> 8 * (isBig ? size - 1 - i : i) & 0xFF);
     }
   };
-  while (!text.empty()) {
-    const auto decoded = zelcore::utility::DecodeUTF8(text);
-    const char32_t c = decoded.mCharacter;
-    if (!isWide && c >= 0x10000) {
-      append(0xD800 + ((c - 0x10000) >> 10));
-      append(0xDC00 + ((c - 0x10000) & 0x3FF));
-    } else {
-      append(c);
-    }
-    text.remove_prefix(decoded.mBytes);
+  const fuzzing::Text units = zelcore::utility::UTF8to16(text);
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    char32_t unit = units[i];
+    const bool isFirstOfTwo = unit >= 0xD800 && unit < 0xDC00;
+    if (isWide && isFirstOfTwo) unit = 0x10000 + ((unit - 0xD800) << 10) + (units[++i] - 0xDC00u);
+    append(unit);
   }
   return bytes;
 }

@@ -4,6 +4,7 @@
 #include <zelstoryhost/Error.h>
 #include <zelstoryhost/SidecarEdit.h>
 #include <zelstoryhost/Text.h>
+#include <zelstoryhost/UnifiedDiff.h>
 #include <zelstoryparser/SceneXMP.h>
 
 namespace zelstoryhost {
@@ -101,7 +102,7 @@ SidecarChange Edit(const std::string& clipOrSidecar, WhenAbsent whenAbsent,
   SidecarChange change = make(sidecar);
   if (change.mIsChanged && !settings.mForce) sidecar.RefuseProtected();
   if (settings.mIsDryRun) {
-    change.mDifferences = DifferencesOf(sidecar, change);
+    Preview(sidecar, settings.mWantsDiff, change);
   } else {
     sidecar.Save(settings.mForce ? HardLinks::kPart : HardLinks::kRefuse);
   }
@@ -142,6 +143,26 @@ std::vector<Difference> DifferencesOf(const Sidecar& sidecar, const SidecarChang
     if (difference.mBefore != difference.mAfter) differences.push_back(std::move(difference));
   }
   return differences;
+}
+
+namespace {
+
+std::string Shown(const std::string& bytes) {
+  if (bytes.empty()) return {};
+  return xmptoolkit::FileInUTF8(bytes.data(), static_cast<XMP_StringLen>(bytes.size()));
+}
+
+}  // namespace
+
+void Preview(const Sidecar& sidecar, bool wantsDiff, SidecarChange& change) {
+  change.mDifferences = DifferencesOf(sidecar, change);
+  if (!change.mIsChanged) return;
+  xmptoolkit::PacketPatch patch = sidecar.Patch();
+  change.mWhyRewritten = std::move(patch.mWhyRewritten);
+  if (!wantsDiff) return;
+  const std::optional<std::string>& before = sidecar.BytesBefore();
+  change.mDiff = UnifiedDiff(Shown(before.value_or("")), Shown(patch.mNewFile),
+                             before ? sidecar.File() : "/dev/null", sidecar.File());
 }
 
 SidecarChange WriteSceneToClip(const std::string& clipOrSidecar,

@@ -30,6 +30,8 @@ class ZELSTORYHOST_API Sidecar {
   const TXMPMeta<std::string>& Metadata() const { return mMetadata; }
   const TXMPMeta<std::string>& MetadataBefore() const { return mBefore; }  // as it was read
 
+  const std::optional<std::string>& BytesBefore() const { return mBytes; }  // none: absent
+
   // Whether the metadata differs from what was read; a sidecar to be created always does.
   bool IsChanged() const;
 

@@ -47,6 +47,8 @@ struct SidecarChange {
   bool mClearsFirst = false;                     // it held a scene, which is removed
   std::vector<zelmetadata::Path> mTouchedPaths;  // in the order in which they were reported
   std::vector<Difference> mDifferences;          // of a dry run
+  std::string mDiff;          // of a dry run, if asked for: of the bytes, in the unified format
+  std::string mWhyRewritten;  // of a dry run: why the whole packet would be written anew, or empty
 
   // The touched paths as text.
   ZELSTORYHOST_API std::vector<std::string> PathTexts() const;
@@ -62,6 +64,11 @@ ZELSTORYHOST_API SidecarChange WriteScene(
 // Removes any scene from a sidecar's metadata. Throws as WriteScene does.
 ZELSTORYHOST_API SidecarChange ClearScene(Sidecar& sidecar);
 
+// Adds to a change what a dry run says of it: the differences, whether the packet would be written
+// anew, and, if asked for, the unified diff. The diff of a sidecar in UTF-16 or UTF-32 is that of
+// its text in UTF-8. Throws Error when the change could not be written.
+ZELSTORYHOST_API void Preview(const Sidecar& sidecar, bool wantsDiff, SidecarChange& change);
+
 // What a change did, compared with the sidecar as it was read: the touched paths whose values
 // differ, each array before its items.
 ZELSTORYHOST_API std::vector<Difference> DifferencesOf(const Sidecar& sidecar,
@@ -69,10 +76,11 @@ ZELSTORYHOST_API std::vector<Difference> DifferencesOf(const Sidecar& sidecar,
 
 // How files are changed.
 struct EditSettings {
-  bool mIsDryRun = false;  // lists the differences and leaves the file alone
-  bool mForce = false;     // also changes write-protected files and read-only packets, and parts
-                           // files from their other names (hard links)
-  Waiting mWaiting;        // for the folder's lock; a dry run takes none
+  bool mIsDryRun = false;   // lists the differences and leaves the file alone
+  bool mWantsDiff = false;  // of a dry run
+  bool mForce = false;      // also changes write-protected files and read-only packets, and parts
+                            // files from their other names (hard links)
+  Waiting mWaiting;         // for the folder's lock; a dry run takes none
   std::optional<SidecarForm> mForm;          // of the sidecar's name
   std::shared_ptr<SidecarFinder> mFinder;    // of a run over many clips, on one thread; may be null
   zelstoryparser::HeadingRules mHeadings{};  // how a scene's heading is read

@@ -196,4 +196,11 @@ PacketPatch PatchPacket(const void* file, XMP_StringLen size, const TXMPMeta<std
   }
 }
 
+std::string FileInUTF8(const void* file, XMP_StringLen size) {
+  const std::string_view bytes(static_cast<const char*>(file), file == nullptr ? 0 : size);
+  std::size_t malformedAt = npos;
+  std::string text = Decode(bytes, EncodingOf(FindPacket(bytes).mEncoding), malformedAt);
+  return malformedAt == npos ? text : std::string(bytes);
+}
+
 }  // namespace xmptoolkit

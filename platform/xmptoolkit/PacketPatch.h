@@ -52,4 +52,8 @@ ZELPLATFORM_API PacketPatch PatchPacket(const void* file, XMP_StringLen size,
                                         const TXMPMeta<std::string>& before,
                                         const TXMPMeta<std::string>& after);
 
+// The bytes of a file in UTF-8, to be shown: converted from the encoding of its packet, if all are
+// text in that. Throws XMP_Error as LocatePacket does. May be called from any thread.
+ZELPLATFORM_API std::string FileInUTF8(const void* file, XMP_StringLen size);
+
 }  // namespace xmptoolkit

@@ -68,6 +68,8 @@ class Outcomes {
     }
     PrintResult(row.mClip + ": ", change.mIsChanged ? Tone::kGood : Tone::kFaint, outcome);
     if (mIsDryRun && change.mClearsFirst) PrintLine(std::string("  ").append(kClearsFirst));
+    if (!change.mWhyRewritten.empty()) PrintLine("  " + DescribeRewriting(change));
+    if (!change.mDiff.empty()) return PrintDiff(change.mDiff);
     for (const Difference& difference : change.mDifferences) {
       PrintLine("  " + Describe(difference));
     }
@@ -101,6 +103,9 @@ class Outcomes {
 
   static void WriteChanges(JSONWriter& json, const SidecarChange& change) {
     json.Name("clearsFirst").Bool(change.mClearsFirst);
+    json.Name("rewritten");
+    change.mWhyRewritten.empty() ? json.Null() : json.Text(change.mWhyRewritten);
+    if (!change.mDiff.empty()) json.Name("diff").Text(change.mDiff);
     json.Name("changes").BeginArray();
     for (const Difference& difference : change.mDifferences) {
       json.BeginObject();

@@ -37,12 +37,21 @@ std::string Describe(const Difference& difference) {
          DescribeValue(difference.mAfter);
 }
 
+std::string DescribeRewriting(const SidecarChange& change) {
+  return "writes the whole packet anew: " + change.mWhyRewritten;
+}
+
 void EditOptions::AddTo(Command& command) {
   mSettings.mWaiting.mNote = PrintNote;
   mSettings.mWaiting.mCheck = Batch::StopIfAsked;
   mSettings.mFinder = std::make_shared<zelstoryhost::SidecarFinder>();
-  command.AddFlag("--dry-run", mSettings.mIsDryRun,
-                  "Print old and new values, one path per line; change nothing");
+  const Option dryRun =
+      command.AddFlag("--dry-run", mSettings.mIsDryRun,
+                      "Print old and new values, one path per line; change nothing");
+  command
+      .AddFlag("--diff", mSettings.mWantsDiff,
+               "With --dry-run: print how the file's lines would change, as diff -u does")
+      .Needs(dryRun);
   command.AddFlag("--force", mSettings.mForce,
                   "Also change sidecars that are write-protected, have hard links, or hold a\n"
                   "packet marked read-only");
@@ -64,7 +73,7 @@ SidecarChange EditOptions::EditStandardInput(Make make) const {
   SidecarChange change = make(sidecar);
   if (change.mIsChanged && !mSettings.mForce) sidecar.RefuseProtected();
   if (mSettings.mIsDryRun) {
-    change.mDifferences = DifferencesOf(sidecar, change);
+    Preview(sidecar, mSettings.mWantsDiff, change);
   } else {
     std::cout << sidecar.NewBytes();
   }
@@ -106,6 +115,8 @@ void EditOptions::Print(const SidecarChange& change, const std::string& label) c
     return;
   }
   if (change.mClearsFirst) PrintLine(label + kClearsFirst);
+  if (!change.mWhyRewritten.empty()) PrintLine(label + DescribeRewriting(change));
+  if (!change.mDiff.empty()) return PrintDiff(change.mDiff);
   for (const Difference& difference : change.mDifferences) PrintLine(label + Describe(difference));
 }
 

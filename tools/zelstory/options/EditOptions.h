@@ -19,12 +19,15 @@ inline constexpr const char* kClearsFirst =
 // A difference as --dry-run prints it: PATH: BEFORE -> AFTER
 std::string Describe(const zelstoryhost::Difference& difference);
 
+// How --dry-run says that the packet's form would not be kept.
+std::string DescribeRewriting(const zelstoryhost::SidecarChange& change);
+
 // The options of the commands that change sidecars, and the changes themselves. The sidecar "-"
 // reads standard input and writes standard output. Functions that fail throw Error and leave the
 // sidecar as it was.
 class EditOptions {
  public:
-  // Adds --dry-run, --force, --no-wait and --sidecar-name; AddWriteOptions adds --merge and
+  // Adds --dry-run, --diff, --force, --no-wait and --sidecar-name; AddWriteOptions adds --merge and
   // --headings for commands that write. The object must outlive the parsing.
   void AddTo(Command& command);
   void AddWriteOptions(Command& command);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <sstream>
 #include <string_view>
 #include <utility>
 
@@ -132,6 +133,22 @@ void PrintFindings(const std::string& file, const std::vector<zelstoryhost::Find
 void PrintLine(const std::string& line) {
   MakeWayForResult();
   std::cout << Escaped(line) << '\n';
+}
+
+void PrintDiff(const std::string& diff) {
+  MakeWayForResult();
+  if (!OutputIsTerminal()) {
+    std::cout << diff;
+    return;
+  }
+  std::istringstream lines(diff);
+  for (std::string line; std::getline(lines, line);) {
+    const Tone tone = line.starts_with('+')   ? Tone::kGood
+                      : line.starts_with('-') ? Tone::kBad
+                      : line.starts_with('@') ? Tone::kFaint
+                                              : Tone::kPlain;
+    std::cout << Coloured(tone, Escaped(line, "\t")) << '\n';
+  }
 }
 
 void PrintFields(const std::vector<std::string>& fields) {

@@ -39,6 +39,9 @@ void PrintLine(const std::string& line);
 // Prints fields on one line, separated by tabs.
 void PrintFields(const std::vector<std::string>& fields);
 
+// Prints a unified diff: coloured and escaped on a terminal, else byte for byte.
+void PrintDiff(const std::string& diff);
+
 // Prints the subject, then the result in colour, on one line.
 void PrintResult(const std::string& subject, Tone tone, const std::string& result);
 
