@@ -64,7 +64,7 @@ std::string Padding::Line(std::size_t size) const {
 std::string Padding::LinesOf(std::size_t size, bool isWhole) const {
   const std::size_t rest = size % mLineLength;
   std::string lines;
-  if (rest >= mLineEnd.size()) {
+  if (rest > mLineEnd.size()) {  // a bare line end would be one that the padding begins with
     lines = Line(rest);
   } else if (!isWhole || rest > 0) {
     const std::size_t both = mLineLength + rest;

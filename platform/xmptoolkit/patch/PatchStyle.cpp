@@ -25,14 +25,20 @@ std::optional<std::string> IndentWithin(const SourceTree& tree, std::size_t pare
   return std::string(inner.substr(outer.size()));
 }
 
+const char* MostFrequentLineEnd(std::string_view text) {
+  std::size_t pairs = 0;
+  for (std::size_t at = 0; (at = text.find("\r\n", at)) != text.npos; at += 2) ++pairs;
+  const auto lineFeeds = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  if (2 * pairs > lineFeeds) return "\r\n";
+  return lineFeeds == 0 && text.find('\r') != text.npos ? "\r" : "\n";
+}
+
 }  // namespace
 
 PatchStyle::PatchStyle(const SourceTree& tree, std::size_t rdf,
                        const std::vector<std::size_t>& descriptions) {
   const std::string_view text = tree.Text();
-  const std::size_t end = text.find_first_of("\r\n");
-  if (end != text.npos)
-    mLineEnd = text.substr(end).starts_with("\r\n") ? "\r\n" : text.substr(end, 1);
+  mLineEnd = MostFrequentLineEnd(text);
   const auto attributes = tree.Attributes(descriptions.empty() ? rdf : descriptions.back());
   if (!attributes.empty()) mQuote = text[attributes.back().mValue.mEnd];
   FindIndent(tree, rdf);
@@ -42,10 +48,10 @@ PatchStyle::PatchStyle(const SourceTree& tree, std::size_t rdf,
 
 void PatchStyle::FindIndent(const SourceTree& tree, std::size_t rdf) {
   for (std::size_t element = rdf; element < tree.Size(); ++element) {
-    if (auto indent = IndentWithin(tree, element)) {
-      mIndent = std::move(*indent);
-      return;
-    }
+    auto indent = IndentWithin(tree, element);
+    if (!indent) continue;
+    mIndent = std::move(*indent);
+    if (!mIndent.empty()) return;  // else another level may be indented
   }
 }
 

@@ -85,8 +85,9 @@ std::string StyledWriter::Attribute(const Node& node, std::size_t element) const
   const auto prefix = mTree.PrefixOf(element, names.URI(names.NamespaceOf(node.Name())));
   if (!prefix) return {};
   std::string xml = AttributeSpace(mTree, element) + *prefix + ':' + names.LocalName(node.Name());
-  xml.append("=").append(1, mStyle.mQuote);
-  return xml + AttributeValue(node.Value(), mStyle.mQuote) + mStyle.mQuote;
+  const char quote = mTree.Text()[mTree.Attributes(element).back().mValue.mEnd];
+  xml.append("=").append(1, quote);
+  return xml + AttributeValue(node.Value(), quote) + quote;
 }
 
 std::string StyledWriter::Text(std::string_view value) const {

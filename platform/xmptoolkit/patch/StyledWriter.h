@@ -29,7 +29,8 @@ class StyledWriter {
   std::string Description(const std::vector<const Node*>& properties, std::size_t rdf,
                           std::size_t model, std::string_view space) const;
 
-  // An attribute of `element`; empty if no prefix there stands for its namespace.
+  // Another attribute of `element`, with the white space before it; empty if no prefix there stands
+  // for its namespace.
   std::string Attribute(const Node& node, std::size_t element) const;
 
   // The text of an element, and the value of an attribute in these quotes.

@@ -19,7 +19,7 @@ _zelstory() {
   local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} options="" i positionals=0
   local scripts="*.@(fountain|spmd|txt|fdx|quor)"
-  local edit="--dry-run --force --no-wait --sidecar-name"
+  local edit="--dry-run --diff --force --no-wait --sidecar-name"
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
     options="check show write tag clear has xmp shots scenes characters stats report convert dump"

@@ -36,6 +36,7 @@ complete -c zelstory -n '__zelstory_command show write' -x -l scene -d 'Choose a
 complete -c zelstory -n '__zelstory_command show write' -x -l position -d 'Choose a scene by its position'
 complete -c zelstory -n '__zelstory_command show write' -x -l id -d 'Choose a scene by its identifier'
 complete -c zelstory -n '__zelstory_command write tag clear' -l dry-run -d 'Show what would change'
+complete -c zelstory -n '__zelstory_command write tag clear' -l diff -d 'With --dry-run, show the lines that would change'
 complete -c zelstory -n '__zelstory_command write tag clear' -l force -d 'Also change protected files and packets'
 complete -c zelstory -n '__zelstory_command write tag clear' -l no-wait -d 'Fail instead of waiting for the folder'
 complete -c zelstory -n '__zelstory_command write tag' -l merge -d 'Keep what the new scene lacks'
