@@ -5,8 +5,10 @@
 #include <benchmark/benchmark.h>
 #include <pugixml.hpp>
 
+#include <xmptoolkit/PacketPatch.h>
 #include <xmptoolkit/XMPTree.h>
 #include <zelcore/xml/Reader.h>
+#include <zelmetadata/Path.h>
 #include <zelstoryparser/zelstoryparser.h>
 
 #include "StoryGenerator.h"
@@ -158,6 +160,45 @@ void PugixmlParsePacket(benchmark::State& state) {
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(packet.size()));
 }
+using Metadata = TXMPMeta<std::string>;
+
+// The metadata of a packet, and the same with another action and one speech changed.
+struct Edit {
+  explicit Edit(const std::string& packet)
+      : mBefore(packet.data(), static_cast<XMP_StringLen>(packet.size())), mAfter(mBefore) {
+    constexpr const char* kScript = zelmetadata::kScriptSchemaURI;
+    mAfter.SetProperty(kScript, "action", "Nothing moves.");
+    mAfter.SetStructField(kScript, "dialogSequence[20]", kScript, "dialog", "Another line.");
+  }
+  Metadata mBefore;
+  Metadata mAfter;
+};
+
+void PatchPacket(benchmark::State& state) {
+  const std::string packet = LongPacket();
+  const Edit edit(packet);
+  for (auto _ : state) {
+    const auto patch = xmptoolkit::PatchPacket(
+        packet.data(), static_cast<XMP_StringLen>(packet.size()), edit.mBefore, edit.mAfter);
+    if (!patch.mWhyRewritten.empty()) state.SkipWithError("the packet was written anew");
+  }
+}
+
+// What a host does that writes the whole packet: it is read again, as PatchPacket does.
+void RewritePacket(benchmark::State& state) {
+  const std::string packet = LongPacket();
+  const Edit edit(packet);
+  for (auto _ : state) {
+    std::string file;
+    TXMPUtils::ReplacePacket(packet.data(), static_cast<XMP_StringLen>(packet.size()), edit.mAfter,
+                             &file);
+    const Metadata again(file.data(), static_cast<XMP_StringLen>(file.size()));
+    benchmark::DoNotOptimize(AreEqual(again, edit.mAfter, xmptoolkit::Equality::kMetadata));
+  }
+}
+BENCHMARK(PatchPacket)->Unit(benchmark::kMillisecond);
+BENCHMARK(RewritePacket)->Unit(benchmark::kMillisecond);
+
 BENCHMARK(ParsePacket)->Unit(benchmark::kMillisecond);
 BENCHMARK(PugixmlParsePacket)->Unit(benchmark::kMillisecond);
 

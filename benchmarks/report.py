@@ -194,6 +194,8 @@ def collect(build, repetitions, work):
         benchmarks.ratio("PacketTexts", "PugixmlPackets"))
     row("xmp_parse_vs_pugixml", "ParseFromBuffer, 100 kB",
         benchmarks.ratio("ParsePacket", "PugixmlParsePacket"))
+    row("patch_vs_rewrite", "PatchPacket, 100 kB, over ReplacePacket and reading again",
+        benchmarks.ratio("PatchPacket", "RewritePacket"), 1.0)
     row("write_scaling", "WriteSceneMetadataIntoXMP per pair, 100,000/100",
         benchmarks.ratio("WriteSpeeches/100000", "WriteSpeeches/100") / 1000, 1.2)
     for name, ours, other, target in SCRIPTS:

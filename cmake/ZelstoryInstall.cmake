@@ -70,6 +70,7 @@ install(
 # The platform's public headers; all others are internal.
 foreach(
   header
+  zelcore/CommonSequence.h
   zelcore/Export.h
   zelcore/RefCountedObject.h
   zelcore/SmallBlocks.h
@@ -81,6 +82,7 @@ foreach(
   zelcore/xml/Position.h
   zelcore/xml/Reader.h
   zelmetadata/Path.h
+  xmptoolkit/PacketPatch.h
   xmptoolkit/XMP.h
   xmptoolkit/XMPTree.h
   xmptoolkit/XMPTypes.h)

@@ -20,7 +20,8 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-std::string DecodeWhole(std::string_view bytes, Encoding encoding) {
+std::string DecodeUnlessUTF8(std::string_view bytes, Encoding encoding) {
+  if (encoding == Encoding::kUTF8) return {};
   std::size_t malformedAt = npos;
   std::string text = Decode(bytes, encoding, malformedAt);
   if (malformedAt != npos) throw NotPatchable{"its bytes are not text"};
@@ -41,7 +42,9 @@ class Patcher {
       : mFile(file),
         mPacket(FindPacket(file)),
         mEncoding(EncodingOf(mPacket.mEncoding)),
-        mText(DecodeWhole(file.substr(mPacket.mOffset, mPacket.mLength), mEncoding)) {
+        mDecoded(DecodeUnlessUTF8(file.substr(mPacket.mOffset, mPacket.mLength), mEncoding)),
+        mText(mEncoding == Encoding::kUTF8 ? file.substr(mPacket.mOffset, mPacket.mLength)
+                                           : std::string_view(mDecoded)) {
     mEdits = PatchText(SourceTree(mText), before, after, IsDeclaredASCII(file));
     if (mPacket.mHasWrapper && !mPacket.mIsReadOnly) Pad();
   }
@@ -56,7 +59,8 @@ class Patcher {
   std::string_view mFile;
   const XMP_PacketInfo mPacket;
   const Encoding mEncoding;
-  const std::string mText;
+  const std::string mDecoded;  // unless the packet is UTF-8
+  const std::string_view mText;
   std::vector<Edit> mEdits;
 };
 
@@ -92,12 +96,12 @@ void Patcher::Pad() {
   for (const Edit& edit : mEdits) {
     longer += EncodedSize(edit.mText);
     const Span span = edit.mSpan;
-    shorter += EncodedSize(std::string_view(mText).substr(span.mBegin, span.mEnd - span.mBegin));
+    shorter += EncodedSize(mText.substr(span.mBegin, span.mEnd - span.mBegin));
   }
   if (longer == shorter) return;
   const std::size_t end = mText.rfind("<?xpacket");
   const std::size_t begin = mText.find_last_not_of(kSpace, end - 1) + 1;
-  const Padding padding(std::string_view(mText).substr(begin, end - begin));
+  const Padding padding(mText.substr(begin, end - begin));
   std::string space = longer > shorter ? padding.AfterGrowth(longer - shorter)
                                        : padding.AfterLoss(shorter - longer);
   if (longer < shorter && space.size() == end - begin && !IsAlone()) {
@@ -112,8 +116,7 @@ std::vector<ByteChange> Patcher::Changes() const {
   std::size_t position = 0;  // in the text
   std::size_t offset = mPacket.mOffset;
   const auto advance = [&](std::size_t to) {
-    const std::size_t size =
-        unit * EncodedSize(std::string_view(mText).substr(position, to - position));
+    const std::size_t size = unit * EncodedSize(mText.substr(position, to - position));
     position = to;
     offset += size;
     return size;

@@ -42,10 +42,13 @@ bool Comparison::AreEqualLists(const NodeList& left, const NodeList& right, bool
 }
 
 std::size_t Comparison::FindPartner(const Node& node, const NodeList& list) const {
-  const NamespaceId space = mLeft.mNames.NamespaceOf(node.Name());
-  const auto name =
-      mRight.mNames.FindName(mLeft.mNames.URI(space), mLeft.mNames.LocalName(node.Name()));
-  return name ? list.Find(*name) : NodeList::npos;
+  if (node.Name() >= mPartners.size()) mPartners.resize(node.Name() + 1);
+  std::optional<std::optional<NameId>>& partner = mPartners[node.Name()];
+  if (!partner) {
+    const NamespaceId space = mLeft.mNames.NamespaceOf(node.Name());
+    partner = mRight.mNames.FindName(mLeft.mNames.URI(space), mLeft.mNames.LocalName(node.Name()));
+  }
+  return *partner ? list.Find(**partner) : NodeList::npos;
 }
 
 }  // namespace xmptoolkit

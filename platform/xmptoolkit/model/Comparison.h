@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include <xmptoolkit/XMPTree.h>
 #include <xmptoolkit/model/Document.h>
 
@@ -26,6 +29,8 @@ class Comparison {
   const Document& mLeft;
   const Document& mRight;
   const Equality mEquality;
+  // The right document's name, or that it has none, for each of the left one's; none until needed.
+  mutable std::vector<std::optional<std::optional<NameId>>> mPartners;
 };
 
 }  // namespace xmptoolkit

@@ -1,6 +1,7 @@
 #include <string>
 #include <string_view>
 
+#include <xmptoolkit/model/Comparison.h>
 #include <xmptoolkit/patch/ItemPairs.h>
 #include <zelcore/CommonSequence.h>
 
@@ -26,10 +27,18 @@ void AppendKey(const Document& document, const Node& node, std::string& key) {
   key += ';';
 }
 
+// Which items of an array to look at: all but those that both arrays begin and end with.
+struct Range {
+  std::size_t mBegin = 0;
+  std::size_t mEnd = 0;
+};
+
 class Keys {
  public:
-  Keys(const Document& document, const Node& array) {
-    for (const Node& item : array.Children()) AppendKey(document, item, mTexts.emplace_back());
+  Keys(const Document& document, const NodeList& items, Range range) {
+    for (std::size_t i = range.mBegin; i < range.mEnd; ++i) {
+      AppendKey(document, items[i], mTexts.emplace_back());
+    }
     mViews.assign(mTexts.begin(), mTexts.end());
   }
   const std::vector<std::string_view>& Views() const { return mViews; }
@@ -43,22 +52,39 @@ class Keys {
 
 std::vector<ItemPair> PairItems(const Document& before, const Node& oldArray, const Document& after,
                                 const Node& newArray) {
-  const Keys oldKeys(before, oldArray);
-  const Keys newKeys(after, newArray);
-  auto equal = zelcore::utility::CommonElements(oldKeys.Views(), newKeys.Views());
-  equal.emplace_back(oldArray.Children().Size(), newArray.Children().Size());
+  const Comparison comparison(before, after, Equality::kMetadata);
+  const NodeList& oldItems = oldArray.Children();
+  const NodeList& newItems = newArray.Children();
+  Range inOld{0, oldItems.Size()};
+  Range inNew{0, newItems.Size()};
   std::vector<ItemPair> pairs;
-  std::size_t inOld = 0;
-  std::size_t inNew = 0;
-  for (const auto& [oldEnd, newEnd] : equal) {
-    while (inOld < oldEnd || inNew < newEnd) {
-      ItemPair& pair = pairs.emplace_back();
-      if (inOld < oldEnd) pair.mBefore = inOld++;
-      if (inNew < newEnd) pair.mAfter = inNew++;
-    }
-    pairs.push_back({inOld++, inNew++});
+  const auto isLeft = [&] { return inOld.mBegin < inOld.mEnd && inNew.mBegin < inNew.mEnd; };
+  while (isLeft() && comparison.AreEqual(oldItems[inOld.mBegin], newItems[inNew.mBegin])) {
+    pairs.push_back({inOld.mBegin++, inNew.mBegin++, true});
   }
-  pairs.pop_back();  // the ends of both
+  while (isLeft() && comparison.AreEqual(oldItems[inOld.mEnd - 1], newItems[inNew.mEnd - 1])) {
+    --inOld.mEnd;
+    --inNew.mEnd;
+  }
+  auto equal = zelcore::utility::CommonElements(Keys(before, oldItems, inOld).Views(),
+                                                Keys(after, newItems, inNew).Views());
+  for (auto& [oldItem, newItem] : equal) {
+    oldItem += inOld.mBegin;
+    newItem += inNew.mBegin;
+  }
+  for (std::size_t i = 0; inOld.mEnd + i < oldItems.Size(); ++i) {
+    equal.emplace_back(inOld.mEnd + i, inNew.mEnd + i);
+  }
+  equal.emplace_back(oldItems.Size(), newItems.Size());  // the ends of both
+  for (const auto& [oldEnd, newEnd] : equal) {
+    while (inOld.mBegin < oldEnd || inNew.mBegin < newEnd) {
+      ItemPair& pair = pairs.emplace_back();
+      if (inOld.mBegin < oldEnd) pair.mBefore = inOld.mBegin++;
+      if (inNew.mBegin < newEnd) pair.mAfter = inNew.mBegin++;
+    }
+    pairs.push_back({inOld.mBegin++, inNew.mBegin++, true});
+  }
+  pairs.pop_back();
   return pairs;
 }
 

@@ -13,6 +13,7 @@ namespace xmptoolkit {
 struct ItemPair {
   std::optional<std::size_t> mBefore;
   std::optional<std::size_t> mAfter;
+  bool mAreEqual = false;
 };
 
 // Pairs the items of an array as it was, in `before`, and as it is, in `after`: equal ones, and

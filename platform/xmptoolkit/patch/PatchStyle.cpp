@@ -27,8 +27,10 @@ std::optional<std::string> IndentWithin(const SourceTree& tree, std::size_t pare
 
 const char* MostFrequentLineEnd(std::string_view text) {
   std::size_t pairs = 0;
-  for (std::size_t at = 0; (at = text.find("\r\n", at)) != text.npos; at += 2) ++pairs;
-  const auto lineFeeds = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  std::size_t lineFeeds = 0;
+  for (std::size_t at = 0; (at = text.find('\n', at)) != text.npos; ++at, ++lineFeeds) {
+    if (at > 0 && text[at - 1] == '\r') ++pairs;
+  }
   if (2 * pairs > lineFeeds) return "\r\n";
   return lineFeeds == 0 && text.find('\r') != text.npos ? "\r" : "\n";
 }

@@ -59,7 +59,6 @@ const SourcePlace& PropertyPatcher::PlaceOf(const Node& node, const SourcePlaces
 
 void PropertyPatcher::ChangeElement(std::size_t element, const Node& before, const Node& after) {
   const Comparison comparison(mBefore, mAfter, Equality::kMetadata);
-  if (comparison.AreEqual(before, after)) return;
   const std::size_t count = mEdits.Count();
   const bool isSameKind = ((before.Form() ^ after.Form()) & ~kFreeForm) == 0;
   if (isSameKind && comparison.HaveEqualQualifiers(before, after) &&
@@ -120,8 +119,9 @@ bool PropertyPatcher::ChangeItems(std::size_t holder, const Node& before, const 
   std::vector<std::size_t> removed;
   std::vector<const Node*> first;  // of an array that was empty
   std::size_t place = 0;           // how many of the old items precede
-  for (const auto& [inBefore, inAfter] : PairItems(mBefore, before, mAfter, after)) {
+  for (const auto& [inBefore, inAfter, areEqual] : PairItems(mBefore, before, mAfter, after)) {
     if (inBefore) place = *inBefore + 1;
+    if (areEqual) continue;
     if (!inAfter) {
       removed.push_back(items[*inBefore]);
     } else if (inBefore) {

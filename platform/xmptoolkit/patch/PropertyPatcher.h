@@ -51,8 +51,8 @@ class PropertyPatcher {
   // The place of a node of the document before; throws NotPatchable if it is not among `places`.
   const SourcePlace& PlaceOf(const Node& node, const SourcePlaces& places) const;
 
-  // Changes an element, or an attribute, to hold `after` in place of `before`. ChangeAttribute
-  // returns false, with nothing changed, if an attribute cannot hold it.
+  // Changes an element, or an attribute, to hold `after` in place of `before`, which differs.
+  // ChangeAttribute returns false, with nothing changed, if an attribute cannot hold it.
   void ChangeElement(std::size_t element, const Node& before, const Node& after);
   bool ChangeAttribute(const SourceAttribute& attribute, const Node& after);
 

@@ -73,6 +73,8 @@ class SourceTree::Scanner {
   explicit Scanner(SourceTree& tree) : mTree(tree), mText(tree.mText) {}
 
   void Scan() {
+    constexpr std::size_t kUsualElement = 64;  // in bytes
+    mTree.mElements.reserve(mText.size() / kUsualElement);
     for (;;) {
       mPosition = mText.find('<', mPosition);
       if (mPosition == npos) break;
@@ -82,6 +84,24 @@ class SourceTree::Scanner {
   }
 
  private:
+  static bool EndsName(char byte) {
+    switch (byte) {
+      case ' ':
+      case '\t':
+      case '\r':
+      case '\n':
+      case '=':
+      case '/':
+      case '>':
+      case '<':
+      case '"':
+      case '\'':
+        return true;
+      default:
+        return false;
+    }
+  }
+
   [[noreturn]] static void Fail() { throw NotPatchable{"the packet is not well-formed"}; }
 
   void ScanMarkup() {
@@ -151,8 +171,9 @@ class SourceTree::Scanner {
   }
 
   std::string_view TakeName() {
-    const std::size_t end = mText.find_first_of(" \t\r\n=/><\"'", mPosition);
-    if (end == npos || end == mPosition) Fail();
+    std::size_t end = mPosition;
+    while (end < mText.size() && !EndsName(mText[end])) ++end;
+    if (end == mText.size() || end == mPosition) Fail();
     const std::string_view name = mText.substr(mPosition, end - mPosition);
     mPosition = end;
     return name;
