@@ -40,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values("check s.quor --headings exact", "show s.quor", "show s.quor --json",
                     "scenes s.quor", "characters s.quor --csv", "stats s.quor --json",
                     "write s.quor clip.xmp --position 1 --headings exact",
-                    "write s.quor clip.xmp --position 1 --dry-run", "clear clip.xmp",
+                    "write s.quor clip.xmp --position 1 --dry-run --diff", "clear clip.xmp",
                     "has clip.xmp", "xmp clip.xmp", "xmp clip.xmp --json",
                     "tag s.quor --table t.csv --json --headings exact",
                     "shots s.quor --out D --headings exact",
