@@ -104,7 +104,7 @@ class HunkWriter {
 };
 
 std::string Header(const char* mark, const std::string& name) {
-  return std::string(mark) + ' ' + name + (name.find(' ') == name.npos ? "\n" : "\t\n");
+  return std::string(mark) + ' ' + name + (name.find(' ') == std::string::npos ? "\n" : "\t\n");
 }
 
 }  // namespace

@@ -174,7 +174,8 @@ bool IsWhiteSpace(std::string_view text) {
 
 void AppendEscapedText(std::string_view value, std::string& xml, std::string_view newline) {
   if (newline != "\n") {
-    for (std::size_t end; (end = value.find('\n')) != value.npos; value.remove_prefix(end + 1)) {
+    for (std::size_t end; (end = value.find('\n')) != std::string_view::npos;
+         value.remove_prefix(end + 1)) {
       AppendEscaped(value.substr(0, end), kTextSpecials, xml);
       xml += newline;
     }

@@ -141,11 +141,12 @@ void PacketPatcher::Remove(const SourcePlace& place) {
 void PacketPatcher::Add(const Node& property) {
   const std::string& uri = mAfter.mNames.URI(mAfter.mNames.NamespaceOf(property.Name()));
   for (const bool isNamespaceHeld : {true, false}) {
-    for (auto description = mDescriptions.rbegin(); description != mDescriptions.rend();
-         ++description) {
-      if (isNamespaceHeld && !description->mNamespaces.contains(uri)) continue;
-      if (AddTo(*description, property)) return;
-    }
+    const auto place =
+        std::find_if(mDescriptions.rbegin(), mDescriptions.rend(), [&](Description& description) {
+          if (isNamespaceHeld && !description.mNamespaces.contains(uri)) return false;
+          return AddTo(description, property);
+        });
+    if (place != mDescriptions.rend()) return;
   }
   mApart.push_back(&property);
 }

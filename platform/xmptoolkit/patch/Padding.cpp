@@ -14,14 +14,14 @@ constexpr std::size_t kFewestLines = 4;
 
 std::string_view FirstLineEnd(std::string_view space) {
   const std::size_t end = space.find_first_of("\r\n");
-  if (end == space.npos) return {};
+  if (end == std::string_view::npos) return {};
   return space.substr(end, space.substr(end).starts_with("\r\n") ? 2 : 1);
 }
 
 // The longest sequence of spaces.
 std::string_view LongestRun(std::string_view space) {
   std::string_view longest = space.substr(space.size());
-  for (std::size_t begin = 0; (begin = space.find(' ', begin)) != space.npos;) {
+  for (std::size_t begin = 0; (begin = space.find(' ', begin)) != std::string_view::npos;) {
     const std::size_t end = std::min(space.find_first_not_of(' ', begin), space.size());
     if (end - begin > longest.size()) longest = space.substr(begin, end - begin);
     begin = end;
@@ -40,8 +40,9 @@ bool Padding::SplitLines() {
   if (mLineEnd.empty()) return false;
   mLead = mSpace.starts_with(mLineEnd) ? mLineEnd.size() : 0;
   std::size_t begin = mLead;
-  for (std::size_t end; (end = mSpace.find(mLineEnd, begin)) != mSpace.npos;) {
-    if (mSpace.substr(begin, end - begin).find_first_not_of(' ') != mSpace.npos) return false;
+  for (std::size_t end; (end = mSpace.find(mLineEnd, begin)) != std::string_view::npos;) {
+    if (mSpace.substr(begin, end - begin).find_first_not_of(' ') != std::string_view::npos)
+      return false;
     mLines.push_back(end + mLineEnd.size() - begin);
     begin = end + mLineEnd.size();
   }

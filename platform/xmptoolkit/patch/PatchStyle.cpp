@@ -28,11 +28,12 @@ std::optional<std::string> IndentWithin(const SourceTree& tree, std::size_t pare
 const char* MostFrequentLineEnd(std::string_view text) {
   std::size_t pairs = 0;
   std::size_t lineFeeds = 0;
-  for (std::size_t at = 0; (at = text.find('\n', at)) != text.npos; ++at, ++lineFeeds) {
+  for (std::size_t at = 0; (at = text.find('\n', at)) != std::string_view::npos;
+       ++at, ++lineFeeds) {
     if (at > 0 && text[at - 1] == '\r') ++pairs;
   }
   if (2 * pairs > lineFeeds) return "\r\n";
-  return lineFeeds == 0 && text.find('\r') != text.npos ? "\r" : "\n";
+  return lineFeeds == 0 && text.find('\r') != std::string_view::npos ? "\r" : "\n";
 }
 
 }  // namespace

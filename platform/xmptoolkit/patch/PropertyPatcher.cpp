@@ -204,7 +204,7 @@ void PropertyPatcher::AddElements(std::size_t element, const std::vector<const N
 std::string PropertyPatcher::InnerMarkup(std::size_t element) const {
   std::string markup;
   std::string_view rest = mTree.Text(mTree[element].mContent);
-  for (std::size_t begin; (begin = rest.find('<')) != rest.npos;) {
+  for (std::size_t begin; (begin = rest.find('<')) != std::string_view::npos;) {
     rest.remove_prefix(begin);
     const bool isComment = rest.starts_with("<!--");
     const bool isCDATA = rest.starts_with("<![CDATA[");
