@@ -74,6 +74,11 @@ zelcore::UTF16String WriteInPlaceOfAnother(const boost::intrusive_ptr<zelstorypa
   return error;
 }
 
+std::string Shown(const std::string& bytes) {
+  if (bytes.empty()) return {};
+  return xmptoolkit::FileInUTF8(bytes.data(), static_cast<XMP_StringLen>(bytes.size()));
+}
+
 // Runs an operation of the library on a sidecar's metadata.
 template <typename Operation>
 SidecarChange Change(Sidecar& sidecar, Operation operation) {
@@ -144,15 +149,6 @@ std::vector<Difference> DifferencesOf(const Sidecar& sidecar, const SidecarChang
   }
   return differences;
 }
-
-namespace {
-
-std::string Shown(const std::string& bytes) {
-  if (bytes.empty()) return {};
-  return xmptoolkit::FileInUTF8(bytes.data(), static_cast<XMP_StringLen>(bytes.size()));
-}
-
-}  // namespace
 
 void Preview(const Sidecar& sidecar, bool wantsDiff, SidecarChange& change) {
   change.mDifferences = DifferencesOf(sidecar, change);

@@ -101,13 +101,14 @@ void Patcher::Pad() {
   if (longer == shorter) return;
   const std::size_t end = mText.rfind("<?xpacket");
   const std::size_t begin = mText.find_last_not_of(kSpace, end - 1) + 1;
-  const Padding padding(mText.substr(begin, end - begin));
+  const std::string_view old = mText.substr(begin, end - begin);
+  const Padding padding(old);
   std::string space = longer > shorter ? padding.AfterGrowth(longer - shorter)
                                        : padding.AfterLoss(shorter - longer);
-  if (longer < shorter && space.size() == end - begin && !IsAlone()) {
+  if (longer < shorter && space.size() == old.size() && !IsAlone()) {
     space.append(shorter - longer, ' ');  // what follows keeps its place
   }
-  mEdits.push_back({{begin, end}, std::move(space)});
+  if (space != old) mEdits.push_back({{begin, end}, std::move(space)});
 }
 
 std::vector<ByteChange> Patcher::Changes() const {

@@ -157,6 +157,13 @@ TEST_F(DataModelTest, EqualityIgnoresOrderButNotContent) {
       <q:a>1</q:a> => ;; rdf:about='' => rdf:about='x')")) {
     EXPECT_FALSE(equals(Replaced(reordered, {edit}))) << edit[0];
   }
+  // As files, packets also differ by order and by what describes the file.
+  const auto isSameFile = [](const std::string& one, const std::string& other) {
+    return AreEqual(Parse(one), Parse(other), xmptoolkit::Equality::kFile);
+  };
+  EXPECT_FALSE(isSameFile(Described(a + b), Described(b + a)));
+  const std::string meta = "<x:xmpmeta xmlns:x='adobe:ns:meta/'>" + Described(a) + "</x:xmpmeta>";
+  EXPECT_FALSE(isSameFile(meta, Replaced(meta, {{"meta/'", "meta/' x:xmptk='1'"}})));
 }
 
 }  // namespace

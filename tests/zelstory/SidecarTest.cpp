@@ -133,6 +133,11 @@ TEST_F(SidecarTest, AClipHoldsOnlyTheSceneWrittenLast) {
               "xmpScript:dialogSequence[1]/xmpScript:dialog\n");
     EXPECT_EQ(Tool("xmp clip.xmp").mOutput == expected, !merges);
   }
+  // Of what is cleared, only what was there counts as touched.
+  Write("clip.xmp", RDF("<s:action>X</s:action>"));
+  EXPECT_EQ(Tool(second + "clip.xmp").mOutput,
+            "xmpScript:sceneSetting\nxmpDM:shotLocation\nxmpScript:sceneTimeOfDay\n"
+            "xmpScript:action\n");
 }
 
 TEST_F(SidecarTest, WhatIsRefusedStaysAsItWas) {

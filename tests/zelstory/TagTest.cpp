@@ -57,13 +57,14 @@ TEST_F(TagTest, ReadsTheTablesThatSpreadsheetsWrite) {
 
 TEST_F(TagTest, AFaultyTableWritesNothingUnlessAsked) {
   const std::string table =
-      "clip,position,scene\nc.mov,1,\na.mov,9,\n,1,\nb.mov,2,\n./b.mov.xmp,2,\nnone.mov,1,\n"
+      "clip,position,scene\nc.mov,1,\na.mov,99999999999999999999,\n,1,\nb.mov,2,\n./"
+      "b.mov.xmp,2,\nnone.mov,1,\n"
       "x.xmp,1,2\ny.xmp,,\ny.xmp,,\nz.xmp,two,\nno/z.xmp,1,\n";
   const Outcome refused = Tag(table);
   EXPECT_EQ(refused.mStatus, 1);
   EXPECT_THAT(refused.mErrors, StartsWith("day/clips.csv: error: 10 of 11 rows have faults"));
   const std::string faults =
-      "a.mov: refused: there is no scene at position 9; the body has 4 scenes\n"
+      "a.mov: refused: there is no scene at position 99999999999999999999; the body has 4 scenes\n"
       "day/clips.csv:4: refused: the row names no clip\n"
       "b.mov: refused: several lines name its sidecar: 5, 6\n"
       "./b.mov.xmp: refused: several lines name its sidecar: 5, 6\n"

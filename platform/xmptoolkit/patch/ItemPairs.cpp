@@ -1,5 +1,6 @@
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <xmptoolkit/model/Comparison.h>
 #include <xmptoolkit/patch/ItemPairs.h>
@@ -48,41 +49,53 @@ class Keys {
   std::vector<std::string_view> mViews;
 };
 
-}  // namespace
-
-std::vector<ItemPair> PairItems(const Document& before, const Node& oldArray, const Document& after,
-                                const Node& newArray) {
+// The pairs of equal items, in order, by their positions.
+std::vector<std::pair<std::size_t, std::size_t>> EqualItems(const Document& before,
+                                                            const NodeList& oldItems,
+                                                            const Document& after,
+                                                            const NodeList& newItems) {
   const Comparison comparison(before, after, Equality::kMetadata);
-  const NodeList& oldItems = oldArray.Children();
-  const NodeList& newItems = newArray.Children();
   Range inOld{0, oldItems.Size()};
   Range inNew{0, newItems.Size()};
-  std::vector<ItemPair> pairs;
+  std::vector<std::pair<std::size_t, std::size_t>> equal;
   const auto isLeft = [&] { return inOld.mBegin < inOld.mEnd && inNew.mBegin < inNew.mEnd; };
   while (isLeft() && comparison.AreEqual(oldItems[inOld.mBegin], newItems[inNew.mBegin])) {
-    pairs.push_back({inOld.mBegin++, inNew.mBegin++, true});
+    equal.emplace_back(inOld.mBegin++, inNew.mBegin++);
   }
   while (isLeft() && comparison.AreEqual(oldItems[inOld.mEnd - 1], newItems[inNew.mEnd - 1])) {
     --inOld.mEnd;
     --inNew.mEnd;
   }
-  auto equal = zelcore::utility::CommonElements(Keys(before, oldItems, inOld).Views(),
-                                                Keys(after, newItems, inNew).Views());
-  for (auto& [oldItem, newItem] : equal) {
-    oldItem += inOld.mBegin;
-    newItem += inNew.mBegin;
+  const Keys oldKeys(before, oldItems, inOld);
+  const Keys newKeys(after, newItems, inNew);
+  for (const auto& [inKeys, inOthers] :
+       zelcore::utility::CommonElements(oldKeys.Views(), newKeys.Views())) {
+    equal.emplace_back(inOld.mBegin + inKeys, inNew.mBegin + inOthers);
   }
-  for (std::size_t i = 0; inOld.mEnd + i < oldItems.Size(); ++i) {
-    equal.emplace_back(inOld.mEnd + i, inNew.mEnd + i);
+  for (; inOld.mEnd < oldItems.Size(); ++inOld.mEnd, ++inNew.mEnd) {
+    equal.emplace_back(inOld.mEnd, inNew.mEnd);
   }
+  return equal;
+}
+
+}  // namespace
+
+std::vector<ItemPair> PairItems(const Document& before, const Node& oldArray, const Document& after,
+                                const Node& newArray) {
+  const NodeList& oldItems = oldArray.Children();
+  const NodeList& newItems = newArray.Children();
+  auto equal = EqualItems(before, oldItems, after, newItems);
   equal.emplace_back(oldItems.Size(), newItems.Size());  // the ends of both
+  std::vector<ItemPair> pairs;
+  std::size_t inOld = 0;
+  std::size_t inNew = 0;
   for (const auto& [oldEnd, newEnd] : equal) {
-    while (inOld.mBegin < oldEnd || inNew.mBegin < newEnd) {
+    while (inOld < oldEnd || inNew < newEnd) {
       ItemPair& pair = pairs.emplace_back();
-      if (inOld.mBegin < oldEnd) pair.mBefore = inOld.mBegin++;
-      if (inNew.mBegin < newEnd) pair.mAfter = inNew.mBegin++;
+      if (inOld < oldEnd) pair.mBefore = inOld++;
+      if (inNew < newEnd) pair.mAfter = inNew++;
     }
-    pairs.push_back({inOld.mBegin++, inNew.mBegin++, true});
+    pairs.push_back({inOld++, inNew++, true});
   }
   pairs.pop_back();
   return pairs;

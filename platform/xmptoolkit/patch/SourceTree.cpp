@@ -258,8 +258,9 @@ std::optional<std::string> SourceTree::PrefixOf(std::size_t element, std::string
   for (std::size_t scope = mElements[element].mScope;;) {
     for (const SourceAttribute& attribute : Attributes(scope)) {
       if (!attribute.mName.starts_with(kDeclaration)) continue;
+      if (Unescape(Text(attribute.mValue)) != uri) continue;
       const std::string_view prefix = attribute.mName.substr(kDeclaration.size());
-      if (NamespaceOf(element, prefix) == uri) return std::string(prefix);
+      if (NamespaceOf(element, prefix) == uri) return std::string(prefix);  // not hidden by another
     }
     const std::size_t parent = mElements[scope].mParent;
     if (parent == scope) return std::nullopt;
