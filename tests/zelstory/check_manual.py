@@ -22,7 +22,7 @@ BASH_CASES = {
     ("write", STORY, "clip."): {CLIP},
     ("write", STORY, "--sidecar-name", ""): {"full", "stem"},
     ("tag", STORY, "--table", ""): {TABLE, "folder"},
-    ("write", STORY, "--d"): {"--dry-run"},
+    ("write", STORY, "--d"): {"--dry-run", "--diff"},
     ("has", CLIP, ""): {STORY, CLIP, TABLE, "folder"},
     ("shots", STORY, "--out", ""): {"folder"},
 }
