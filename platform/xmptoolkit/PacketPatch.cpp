@@ -133,7 +133,10 @@ std::vector<ByteChange> Patcher::Changes() const {
 }
 
 std::string Apply(std::string_view file, const std::vector<ByteChange>& changes) {
+  std::size_t size = file.size();
+  for (const ByteChange& change : changes) size += change.mBytes.size() - change.mLength;
   std::string bytes;
+  bytes.reserve(size);
   std::size_t kept = 0;
   for (const ByteChange& change : changes) {
     bytes += file.substr(kept, change.mOffset - kept);
