@@ -54,8 +54,7 @@ void RequireOf(bool holds, const char* promise, const std::string& file,
 
 // What was done to the metadata.
 struct Changes {
-  std::set<std::string> mProperties;                     // changed as a whole
-  std::set<std::pair<std::string, std::size_t>> mItems;  // of arrays
+  std::set<std::string> mProperties;  // changed as a whole
   std::set<std::string> mRemoved;
   std::set<std::string> mEdges;  // of properties whose items may begin or end elsewhere
   bool mIsReversible = true;

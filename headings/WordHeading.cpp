@@ -231,8 +231,8 @@ class WordHeading {
   // --- Places
 
   // The first place is the location, others before the time are below it. What stands behind both a
-  // place and the time qualifies them, and so do numbers. Without a place, a
-  // qualifier is the location.
+  // place and the time qualifies them, and so do numbers. Without a place, a qualifier
+  // is the location.
   void SettlePlaces() {
     std::size_t places = 0;
     for (Segment& segment : mSegments) {
